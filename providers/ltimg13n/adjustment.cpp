@@ -1,0 +1,71 @@
+#include "ltimg13n/adjustment.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "common/status.h"
+
+namespace provider {
+namespace {
+
+// Changes all rows from one image into another. False when the callback asks to stop.
+bool ChangeReported(const Pixels& source, const Pixels& target, const RowChange& change) {
+  Progress progress(static_cast<std::uint64_t>(source.height));
+  for (int y = 0; y < source.height; ++y) {
+    if (!progress.report(static_cast<std::uint64_t>(y))) return false;
+    change(source, target, y);
+  }
+  return progress.report(static_cast<std::uint64_t>(source.height));
+}
+
+}  // namespace
+
+int Adjustment::obstacle() const {
+  if (!*image_) return kVendorNoBitmap;
+  return image().depth == 1 ? kVendorDepthNotSupported : kVendorSuccess;
+}
+
+bool Adjustment::isGrayByTone() const {
+  if (image().depth != 8) return false;
+  for (int i = 0; i < image().paletteSize(); ++i) {
+    const RGBQUAD& entry = image().palette[i];
+    if (entry.rgbBlue != i || entry.rgbGreen != i || entry.rgbRed != i) return false;
+  }
+  return true;
+}
+
+int Adjustment::changeRows(const RowChange& change) {
+  const Pixels& source = image();
+  if (!KernelHasStatusCallback()) {
+    for (int y = 0; y < source.height; ++y) change(source, source, y);
+    return kVendorSuccess;
+  }
+  OwnedBlock copy = CopyOf(*image_);
+  {
+    const LockedDib target(copy.get());
+    if (!target) return kVendorNoMemory;
+    if (!ChangeReported(source, *target, change)) return kVendorAborted;
+  }
+  // Only the handle changes: the record's resolution may be newer than the header's.
+  image_.reset();
+  GlobalFree(std::exchange(bitmap_->block, copy.release()));
+  return kVendorSuccess;
+}
+
+int Adjustment::changePalette(const ColorChange& change) {
+  const auto count = static_cast<std::size_t>(image().paletteSize());
+  std::array<RGBQUAD, 256> changed{};
+  Progress progress(1);
+  if (!progress.report(0)) return kVendorAborted;
+  for (std::size_t i = 0; i < count; ++i) {
+    const RGBQUAD& entry = image().palette[i];
+    const Color color = change({entry.rgbBlue, entry.rgbGreen, entry.rgbRed});
+    changed[i] = {color.blue, color.green, color.red, entry.rgbReserved};
+  }
+  if (!progress.report(1)) return kVendorAborted;
+  std::copy_n(changed.begin(), count, image().palette);
+  return kVendorSuccess;
+}
+
+}  // namespace provider

@@ -1,0 +1,67 @@
+// COrvoCS: the toolkit's own algorithms on packed DIBs.
+//
+// Applications reach them through COrvoInstance (<orvo/instance.h>), whose table says what each
+// operation does and takes; here stands what the handles do.
+//
+// Source and result. The caller sets the result handle before the call.
+//   result equal to source      in place: the block's contents change, the handle stays.
+//   result different (or null)  a new block is made, owned by the caller, and its handle overwrites
+//                               the one that stood there, which is not freed. The source stays.
+// Unless a method says otherwise a failure sets the result to the source, so compare the two before
+// freeing both; ORVO_ERR_NULL_IMAGE sets it to null.
+#ifndef ORVO_CORVOCS_H
+#define ORVO_CORVOCS_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include <orvo/dib.h>
+#include <orvo/export.h>
+#include <orvo/records.h>
+
+class CLeadTools;
+
+class ORVO_API COrvoCS {
+ public:
+  COrvoCS() noexcept;
+  // Unloads the converter that CSConvertRGB loaded.
+  virtual ~COrvoCS();
+  COrvoCS(const COrvoCS&) = delete;
+  COrvoCS& operator=(const COrvoCS&) = delete;
+
+  // Gives the object the bridge that it asks for depth conversions. Called once, before all else;
+  // the bridge stays the caller's and must outlive this object.
+  void CSSetLT(CLeadTools* tools) noexcept;
+
+  // Level 0..10. 8-bit gray and 24 bits; 16 and 32 bits through a working copy.
+  int CSSharpnessAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
+
+  // threshold 0..255. 8-bit palettes and 24 bits.
+  int CSWhitenessAdjust(DibHandle source, DibHandle* result, std::uint32_t threshold) noexcept;
+  // library: name of a module that exports void vnColorConvertDIB(void* packedDib). The first one
+  // that loads serves for the life of the object. ORVO_ERR_NULL_IMAGE leaves the result alone.
+  int CSConvertRGB(DibHandle source, DibHandle* result, const char* library) noexcept;
+
+  // Memory of an object comes from the platform's working memory; new gives null when there is
+  // none.
+  static void* operator new(std::size_t bytes) noexcept;
+  static void operator delete(void* memory) noexcept;
+
+ private:
+  using ColorConverter = void (*)(void* packedDib);
+  using AdjustFunction = int (*)(const std::uint8_t* source, std::uint8_t* target,
+                                 std::uint32_t width, std::uint32_t height, std::uint8_t depth,
+                                 std::uint8_t level);
+
+  struct WorkingImage;
+
+  int PrepareBitmapForImagingLib(DibHandle source, DibHandle* result, WorkingImage& image) noexcept;
+  int RunAdjust(DibHandle source, DibHandle* result, std::uint8_t level,
+                AdjustFunction function) noexcept;
+
+  void* converterModule = nullptr;
+  ColorConverter converterEntry = nullptr;
+  CLeadTools* leadTools = nullptr;
+};
+
+#endif  // ORVO_CORVOCS_H

@@ -1,0 +1,72 @@
+// Places of the table whose operations this version does not have yet. They refuse every call and
+// touch nothing.
+#include <orvo/instance.h>
+
+int COrvoInstance::HistogramAdjust(DibHandle, DibHandle*, std::uint8_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::HistogramAdjustInPlace(DibHandle, std::uint8_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::ExposureAdjust(DibHandle, DibHandle*, std::uint8_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::ExposureAdjustInPlace(DibHandle, std::uint8_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::SearchRedEyeRegion(DibHandle, std::uint32_t, std::uint32_t, std::uint32_t*,
+                                      std::uint32_t*, std::uint32_t*) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::ReduceRedEye(DibHandle, DibHandle*, std::uint32_t, std::uint32_t,
+                                std::uint32_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::ReduceRedEyeInPlace(DibHandle, std::uint32_t, std::uint32_t,
+                                       std::uint32_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::AutoRedEyeInPlace(DibHandle, int*) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::AutoRedEye(DibHandle, DibHandle*, int*) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::Descreen(DibHandle, DibHandle*, std::uint32_t, std::uint32_t,
+                            StatusCallback) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::DescreenInPlace(DibHandle, std::uint32_t, std::uint32_t,
+                                   StatusCallback) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::AutoTrim(DibHandle, DibHandle*, std::uint8_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::AutoTrimInPlace(DibHandle*, std::uint8_t) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::GetAutoTrimRect(DibHandle, std::uint8_t, RECT*) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::FindRegions(DibHandle, RegionRecord**, int*, int, int) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}
+
+int COrvoInstance::AutoDeskew(DibHandle, DibHandle*, int*, StatusCallback) noexcept {
+  return ORVO_ERR_NOT_SUPPORTED;
+}

@@ -1,0 +1,15 @@
+// Marks a pixel loop to be compiled for several instruction sets; the best one that the processor
+// has is chosen when the library is loaded. The loops stay plain code, one lane a pixel, and each
+// version gives the same bits: nothing is fused and no sum is reordered.
+#ifndef ORVO_IMAGINGLIB_VECTOR_CLONES_H
+#define ORVO_IMAGINGLIB_VECTOR_CLONES_H
+
+// Sanitizers cannot follow the loader's choice between versions.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define ORVO_VECTOR_CLONES __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define ORVO_VECTOR_CLONES
+#endif
+
+#endif  // ORVO_IMAGINGLIB_VECTOR_CLONES_H

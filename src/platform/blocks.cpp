@@ -1,0 +1,154 @@
+// Memory blocks behind handles.
+//
+// A movable block's handle is a serial number in the shape of a pointer: it is never reused, so a
+// handle that was freed stays dead for the life of the process, and it is odd, so it is never the
+// address of a fixed block. All handles are looked up, none is followed.
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <unordered_map>
+
+#include "platform/fault_injection.h"
+
+namespace {
+
+struct Block {
+  void* memory;
+  std::size_t bytes;
+  std::size_t locks;
+};
+
+// Counts down to the one call that is to fail.
+class FaultCountdown {
+ public:
+  void set(int n) { left_ = n; }
+  bool fires() { return left_ > 0 && --left_ == 0; }
+
+ private:
+  int left_ = 0;
+};
+
+struct Registry {
+  std::mutex mutex;
+  std::unordered_map<void*, Block> handles;  // GlobalAlloc
+  std::unordered_map<void*, Block> working;  // LocalAlloc, by address
+  std::uintptr_t nextHandle = 1;
+  FaultCountdown failingAllocation;
+  FaultCountdown failingLock;
+};
+
+// Never destroyed: blocks may be freed by other modules' last words at the end of the process.
+Registry& TheRegistry() {
+  static Registry* const registry = new Registry;
+  return *registry;
+}
+
+// Zeroed memory comes from calloc, which leaves large blocks to be zeroed by the system on first
+// touch.
+void* AllocateMemory(unsigned flags, std::size_t bytes) {
+  const std::size_t size = bytes == 0 ? 1 : bytes;
+  return (flags & GMEM_ZEROINIT) != 0 ? std::calloc(1, size) : std::malloc(size);
+}
+
+// Enters a new block; the handle, or null when memory ran out.
+void* Register(Registry& registry, std::unordered_map<void*, Block>& blocks, unsigned flags,
+               std::size_t bytes) {
+  const std::lock_guard guard(registry.mutex);
+  if (registry.failingAllocation.fires()) return nullptr;
+  void* const memory = AllocateMemory(flags, bytes);
+  if (memory == nullptr) return nullptr;
+  void* handle = memory;
+  if ((flags & GMEM_MOVEABLE) != 0) {
+    handle = reinterpret_cast<void*>(registry.nextHandle);
+    registry.nextHandle += 2;
+  }
+  try {
+    blocks.emplace(handle, Block{memory, bytes, 0});
+  } catch (const std::bad_alloc&) {
+    std::free(memory);
+    return nullptr;
+  }
+  return handle;
+}
+
+void* Release(Registry& registry, std::unordered_map<void*, Block>& blocks, void* handle) {
+  const std::lock_guard guard(registry.mutex);
+  const auto found = blocks.find(handle);
+  if (found == blocks.end()) return handle;
+  std::free(found->second.memory);
+  blocks.erase(found);
+  return nullptr;
+}
+
+}  // namespace
+
+void* GlobalAlloc(unsigned flags, size_t bytes) {
+  Registry& registry = TheRegistry();
+  return Register(registry, registry.handles, flags, bytes);
+}
+
+void* GlobalLock(void* handle) {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  const auto found = registry.handles.find(handle);
+  if (found == registry.handles.end() || registry.failingLock.fires()) return nullptr;
+  ++found->second.locks;
+  return found->second.memory;
+}
+
+int GlobalUnlock(void* handle) {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  const auto found = registry.handles.find(handle);
+  if (found == registry.handles.end() || found->second.locks == 0) return 0;
+  return --found->second.locks > 0 ? 1 : 0;
+}
+
+size_t GlobalSize(void* handle) {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  const auto found = registry.handles.find(handle);
+  return found == registry.handles.end() ? 0 : found->second.bytes;
+}
+
+void* GlobalFree(void* handle) {
+  Registry& registry = TheRegistry();
+  return Release(registry, registry.handles, handle);
+}
+
+void* LocalAlloc(unsigned flags, size_t bytes) {
+  Registry& registry = TheRegistry();
+  return Register(registry, registry.working, flags & LMEM_ZEROINIT, bytes);
+}
+
+void* LocalFree(void* memory) {
+  Registry& registry = TheRegistry();
+  return Release(registry, registry.working, memory);
+}
+
+void PlatformFailAllocation(int n) noexcept {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  registry.failingAllocation.set(n);
+}
+
+void PlatformFailLock(int n) noexcept {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  registry.failingLock.set(n);
+}
+
+std::size_t PlatformLiveBlocks() noexcept {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  return registry.handles.size() + registry.working.size();
+}
+
+std::size_t PlatformHeldLocks() noexcept {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  std::size_t locks = 0;
+  for (const auto& [handle, block] : registry.handles) locks += block.locks;
+  return locks;
+}

@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "adjusted.h"
+#include "platform/fault_injection.h"
+
+namespace {
+
+using adjusted::Adjust;
+using adjusted::Apply;
+using adjusted::Picture;
+using adjusted::Watched;
+
+// One for each way in which images are changed.
+const Adjust kWays[] = {L_InvertBitmap,
+                        [](auto* bitmap) { return L_ChangeBitmapHue(bitmap, 4000); },
+                        [](auto* bitmap) { return L_SharpenBitmap(bitmap, 500); }};
+
+struct Progress {
+  int stopAt;
+  int last = -1;
+  bool rises = true;
+};
+Progress progress;
+
+int Follow(int percent, void* /*userData*/) {
+  progress.rises = progress.rises && percent > progress.last && percent <= 100;
+  progress.last = percent;
+  return percent >= progress.stopAt ? 16 : 1;
+}
+
+// Nothing may be left behind.
+class Failure : public testing::Test {
+ protected:
+  ~Failure() override {
+    EXPECT_EQ(PlatformLiveBlocks(), blocks_);
+    EXPECT_EQ(PlatformHeldLocks(), locks_);
+  }
+
+  std::size_t blocks_ = PlatformLiveBlocks();
+  std::size_t locks_ = PlatformHeldLocks();
+};
+
+TEST_F(Failure, progress_rises_to_100_and_a_stop_leaves_the_image) {
+  const Watched callback(Follow);
+  for (const adjusted::Kind kind : adjusted::kKinds) {
+    const orvo::OwnedDib source = Picture(kind, 9, 333);
+    for (const Adjust& adjust : kWays) {
+      for (const int stopAt : {0, 1, 57, 100, 101}) {
+        progress = {stopAt};
+        orvo::OwnedDib got = pictures::CopyOf(source.get());
+        ASSERT_EQ(Apply(adjust, got), stopAt > 100 ? kVendorSuccess : kVendorAborted);
+        EXPECT_TRUE(progress.rises);
+        EXPECT_GE(progress.last, std::min(stopAt, 100));
+        if (stopAt > 100) continue;
+        ASSERT_EQ(pictures::Difference(source.get(), got.get()), "");
+      }
+    }
+  }
+}
+
+TEST_F(Failure, without_a_callback_the_block_itself_changes) {
+  for (const Adjust& adjust : kWays) {
+    orvo::OwnedDib image = Picture({24, false}, 40, 30);
+    const DibHandle handle = image.get();
+    PlatformFailAllocation(1);
+    EXPECT_EQ(Apply(adjust, image), kVendorSuccess);
+    PlatformFailAllocation(0);
+    EXPECT_EQ(image.get(), handle);
+  }
+}
+
+TEST_F(Failure, no_memory_or_no_lock_leaves_the_image) {
+  const Watched callback(adjusted::GoOn);
+  const orvo::OwnedDib source = Picture({24, false}, 40, 30);
+  for (const Adjust& adjust : kWays) {
+    for (const auto fail : {PlatformFailAllocation, PlatformFailLock}) {
+      int failures = 0;
+      for (int code = kVendorFailure; code != kVendorSuccess; ++failures) {
+        orvo::OwnedDib got = pictures::CopyOf(source.get());
+        const auto failing = [&](auto* bitmap) {
+          fail(failures + 1);
+          code = adjust(bitmap);
+          fail(0);
+          return code;
+        };
+        Apply(failing, got);
+        if (code == kVendorSuccess) break;
+        ASSERT_TRUE(code == kVendorNoMemory || code == kVendorNoBitmap) << code;
+        ASSERT_EQ(pictures::Difference(source.get(), got.get()), "");
+      }
+      EXPECT_GT(failures, 0);
+    }
+  }
+}
+
+TEST_F(Failure, a_resolution_stored_in_the_record_survives) {
+  for (const StatusCallback status : {StatusCallback{nullptr}, StatusCallback{adjusted::GoOn}}) {
+    const Watched callback(status);
+    struct_LEAD_Bitmap bitmap{};
+    L_ChangeFromDIB(&bitmap, Picture({24, false}, 8, 8).release());
+    bitmap.xResolution = 72;
+    EXPECT_EQ(L_InvertBitmap(&bitmap), kVendorSuccess);
+    EXPECT_EQ(bitmap.xResolution, 72);
+    L_FreeBitmap(&bitmap);
+  }
+}
+
+TEST_F(Failure, images_that_cannot_be_adjusted_stay_as_they_are) {
+  for (const Adjust& adjust : kWays) {
+    struct_LEAD_Bitmap bitmap{};
+    EXPECT_EQ(adjust(nullptr), kVendorNoBitmap);
+    EXPECT_EQ(adjust(&bitmap), kVendorNoBitmap);
+    const auto expectRefused = [&](orvo::OwnedDib image, int code) {
+      const std::vector<std::uint8_t> before = pictures::BytesOf(image.get());
+      bitmap.block = image.get();
+      EXPECT_EQ(adjust(&bitmap), code);
+      EXPECT_EQ(bitmap.block, image.get());
+      EXPECT_EQ(pictures::BytesOf(image.get()), before);
+    };
+    expectRefused(Picture({1, false}, 33, 5), kVendorDepthNotSupported);
+    for (const int height : {0, -5, 6, std::numeric_limits<int>::max()}) {
+      orvo::OwnedDib lying = Picture({24, false}, 33, 5);
+      pictures::Locked(lying.get()).header()->biHeight = height;
+      expectRefused(std::move(lying), kVendorNoBitmap);
+    }
+  }
+}
+
+TEST_F(Failure, arguments_out_of_range_leave_the_image) {
+  const std::array<unsigned, 256> table{};
+  std::vector<Adjust> refused{[](auto* bitmap) { return L_GammaCorrectBitmap(bitmap, 0); }};
+  for (const int change : {-1001, 1001, std::numeric_limits<int>::min()}) {
+    for (const auto entry : {L_ChangeBitmapContrast, L_ChangeBitmapIntensity,
+                             L_ChangeBitmapSaturation, L_SharpenBitmap}) {
+      refused.emplace_back([=](auto* bitmap) { return entry(bitmap, change); });
+    }
+  }
+  const auto remap = [&](const unsigned* entries, unsigned length, int channel) {
+    refused.emplace_back(
+        [=](auto* bitmap) { return L_RemapBitmapIntensity(bitmap, entries, length, channel); });
+  };
+  remap(nullptr, 256, 0);
+  remap(table.data(), 255, 0);
+  remap(table.data(), 256, -1);
+  remap(table.data(), 256, 4);
+  const orvo::OwnedDib source = Picture({24, false}, 20, 10);
+  for (const Adjust& adjust : refused) {
+    orvo::OwnedDib got = pictures::CopyOf(source.get());
+    EXPECT_EQ(Apply(adjust, got), kVendorBadParameter);
+    EXPECT_EQ(pictures::Difference(source.get(), got.get()), "");
+  }
+}
+
+}  // namespace
