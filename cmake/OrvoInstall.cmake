@@ -1,1 +1,24 @@
-# nothing yet
+# Install: library with its soname, the modules beside it, public headers, client, CMake package and
+# pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS orvo orvo_platform EXPORT orvo-targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS ltkrn13n ltimg13n ltfil13n LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS orvo_client RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY src/front/include/orvo src/platform/include/orvo
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+install(EXPORT orvo-targets NAMESPACE orvo:: FILE orvo-targets.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orvo)
+configure_package_config_file(cmake/orvo-config.cmake.in "${PROJECT_BINARY_DIR}/orvo-config.cmake"
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orvo)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/orvo-config-version.cmake"
+  COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/orvo-config.cmake"
+  "${PROJECT_BINARY_DIR}/orvo-config-version.cmake"
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orvo)
+
+configure_file(cmake/orvo.pc.in "${PROJECT_BINARY_DIR}/orvo.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/orvo.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -9,17 +9,6 @@ bool DepthIsKnown(int depth) {
   return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
 }
 
-OwnedBlock NewBlock(const BITMAPINFOHEADER& header) noexcept {
-  const auto layout = orvo::DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount);
-  if (!layout || !DepthIsKnown(layout->depth)) return OwnedBlock();
-  OwnedBlock block(GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes));
-  void* const memory = GlobalLock(block.get());
-  if (memory == nullptr) return OwnedBlock();
-  std::memcpy(memory, &header, sizeof header);
-  GlobalUnlock(block.get());
-  return block;
-}
-
 }  // namespace
 
 LockedDib::LockedDib(DibHandle handle) noexcept : handle_(handle) {
@@ -50,6 +39,11 @@ LockedDib::LockedDib(LockedDib&& other) noexcept
       header_(other.header_),
       pixels_(std::exchange(other.pixels_, Pixels{})) {}
 
+std::optional<orvo::DibLayout> UsableLayout(const BITMAPINFOHEADER& header) noexcept {
+  if (!DepthIsKnown(header.biBitCount)) return std::nullopt;
+  return orvo::DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount);
+}
+
 OwnedBlock NewDib(int width, int height, int depth, int xResolution, int yResolution) noexcept {
   BITMAPINFOHEADER model{};
   model.biXPelsPerMeter = orvo::PixelsPerMetre(xResolution);
@@ -66,11 +60,22 @@ OwnedBlock NewDibLike(const BITMAPINFOHEADER& model, int width, int height, int 
   header.biBitCount = static_cast<std::uint16_t>(depth);
   header.biXPelsPerMeter = model.biXPelsPerMeter;
   header.biYPelsPerMeter = model.biYPelsPerMeter;
-  return NewBlock(header);
+  return NewDibOf(header);
+}
+
+OwnedBlock NewDibOf(const BITMAPINFOHEADER& header) noexcept {
+  const auto layout = UsableLayout(header);
+  if (!layout) return OwnedBlock();
+  OwnedBlock block(GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes));
+  void* const memory = GlobalLock(block.get());
+  if (memory == nullptr) return OwnedBlock();
+  std::memcpy(memory, &header, sizeof header);
+  GlobalUnlock(block.get());
+  return block;
 }
 
 OwnedBlock CopyOf(const LockedDib& image) noexcept {
-  OwnedBlock copy = NewBlock(image.header());
+  OwnedBlock copy = NewDibOf(image.header());
   const LockedDib target(copy.get());
   if (!target) return OwnedBlock();
   if (image->palette != nullptr) {
@@ -87,8 +92,9 @@ void TakeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept {
   Describe(bitmap);
 }
 
-void Describe(struct_LEAD_Bitmap& bitmap) noexcept {
-  const LockedDib image(bitmap.block);
+void Describe(struct_LEAD_Bitmap& bitmap) noexcept { Describe(bitmap, LockedDib(bitmap.block)); }
+
+void Describe(struct_LEAD_Bitmap& bitmap, const LockedDib& image) noexcept {
   bitmap.width = image->width;
   bitmap.height = image->height;
   bitmap.bitsPerPixel = image->depth;
@@ -102,6 +108,15 @@ bool PaletteIsGray(const Pixels& image) noexcept {
     if (entry.rgbRed != entry.rgbGreen || entry.rgbGreen != entry.rgbBlue) return false;
   }
   return image.palette != nullptr;
+}
+
+bool BytesAreTones(const Pixels& image) noexcept {
+  if (image.depth != 8) return false;
+  for (int i = 0; i < image.paletteSize(); ++i) {
+    const RGBQUAD& entry = image.palette[i];
+    if (entry.rgbBlue != i || entry.rgbGreen != i || entry.rgbRed != i) return false;
+  }
+  return true;
 }
 
 void FillGrayPalette(const Pixels& image) noexcept {

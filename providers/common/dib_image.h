@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "bridge/vendor_contract.h"
@@ -73,11 +74,17 @@ class OwnedBlock {
   DibHandle handle_;
 };
 
+// The layout of an image with this header; nothing when its depth is not one of those above, a measure
+// is not above 0, or the size overflows.
+std::optional<orvo::DibLayout> UsableLayout(const BITMAPINFOHEADER& header) noexcept;
+
 // A new zero-filled image with resolutions in dots per inch; empty when out of memory or a measure
 // is not above 0.
 OwnedBlock NewDib(int width, int height, int depth, int xResolution, int yResolution) noexcept;
 // The same with the resolutions, in pixels per metre, of another image's header.
 OwnedBlock NewDibLike(const BITMAPINFOHEADER& model, int width, int height, int depth) noexcept;
+// The same with the whole header of another image.
+OwnedBlock NewDibOf(const BITMAPINFOHEADER& header) noexcept;
 // A copy of a locked image, header and palette included.
 OwnedBlock CopyOf(const LockedDib& image) noexcept;
 
@@ -86,9 +93,13 @@ void TakeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept;
 // Fills width, height, depth and resolutions from the block's header. A block that cannot be used
 // stays held and leaves the fields 0.
 void Describe(struct_LEAD_Bitmap& bitmap) noexcept;
+// The same from an image that is locked already; an empty one leaves the fields 0.
+void Describe(struct_LEAD_Bitmap& bitmap, const LockedDib& image) noexcept;
 
 // Whether all palette entries are gray (red, green and blue equal).
 bool PaletteIsGray(const Pixels& image) noexcept;
+// Whether the bytes of the rows are the tones that they show: 8 bits, entry i of the palette gray i.
+bool BytesAreTones(const Pixels& image) noexcept;
 // Fills the palette with its entries' even steps from black to white.
 void FillGrayPalette(const Pixels& image) noexcept;
 

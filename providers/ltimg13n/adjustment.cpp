@@ -29,8 +29,7 @@ int Adjustment::obstacle() const {
 bool Adjustment::isGrayByTone() const {
   if (image().depth != 8) return false;
   for (int i = 0; i < image().paletteSize(); ++i) {
-    const RGBQUAD& entry = image().palette[i];
-    if (entry.rgbBlue != i || entry.rgbGreen != i || entry.rgbRed != i) return false;
+    if (ColorOf(image().palette[i]) != GrayOf(static_cast<std::uint8_t>(i))) return false;
   }
   return true;
 }
@@ -53,6 +52,7 @@ int Adjustment::changeRows(const RowChange& change) {
   return kVendorSuccess;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): the image changes
 int Adjustment::changePalette(const ColorChange& change) {
   const auto count = static_cast<std::size_t>(image().paletteSize());
   std::array<RGBQUAD, 256> changed{};
@@ -60,7 +60,7 @@ int Adjustment::changePalette(const ColorChange& change) {
   if (!progress.report(0)) return kVendorAborted;
   for (std::size_t i = 0; i < count; ++i) {
     const RGBQUAD& entry = image().palette[i];
-    const Color color = change({entry.rgbBlue, entry.rgbGreen, entry.rgbRed});
+    const Color color = change(ColorOf(entry));
     changed[i] = {color.blue, color.green, color.red, entry.rgbReserved};
   }
   if (!progress.report(1)) return kVendorAborted;

@@ -6,13 +6,14 @@
 #include <functional>
 #include <optional>
 
+#include "common/color.h"
 #include "common/dib_image.h"
-#include "ltimg13n/color.h"
 
 namespace provider {
 
-// Writes the pixels of row y of `target`, and nothing else of it. The two may be one image: rows
-// come in order, and those of `source` from y on are still the original ones. Does not throw.
+// Changes the pixels of row y of `target`, which holds that row as it was, by what `source` holds.
+// The two may be one image: rows come in order, and those of `source` from y on are still the
+// original ones. Does not throw.
 using RowChange = std::function<void(const Pixels& source, const Pixels& target, int y)>;
 using ColorChange = std::function<Color(Color)>;
 

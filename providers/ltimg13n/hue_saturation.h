@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "ltimg13n/color.h"
+#include "common/color.h"
 
 namespace provider {
 

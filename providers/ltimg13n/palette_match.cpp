@@ -19,10 +19,9 @@ std::size_t PlaceOf(Color color) {
 PaletteMatch::PaletteMatch(const Pixels& image) {
   if (image.palette == nullptr) return;
   for (int i = 0; i < image.paletteSize(); ++i) {
-    const RGBQUAD& entry = image.palette[i];
-    entries_.push_back({entry.rgbBlue, entry.rgbGreen, entry.rgbRed});
+    entries_.push_back(ColorOf(image.palette[i]));
   }
-  const Color black{0, 0, 0};
+  const Color black = GrayOf(0);
   known_.assign(kPlaces, {black, search(black)});
 }
 

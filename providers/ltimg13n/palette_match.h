@@ -4,8 +4,8 @@
 
 #include <vector>
 
+#include "common/color.h"
 #include "common/dib_image.h"
-#include "ltimg13n/color.h"
 
 namespace provider {
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "ltimg13n/color.h"
+#include "common/color.h"
 
 namespace provider {
 

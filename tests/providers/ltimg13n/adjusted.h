@@ -23,9 +23,16 @@ struct Kind {
 inline constexpr Kind kKinds[] = {{4, false},  {8, false},  {8, true},
                                   {16, false}, {24, false}, {32, false}};
 
+// Noise, the reserved bytes of the palette included.
 inline orvo::OwnedDib Picture(Kind kind, int width, int height) {
-  return kind.depth <= 8 && !kind.grayByTone ? pictures::NoiseInColor(width, height, kind.depth, 7)
-                                             : pictures::Noise(width, height, kind.depth, 7);
+  const bool inColor = kind.depth <= 8 && !kind.grayByTone;
+  orvo::OwnedDib dib = inColor ? pictures::NoiseInColor(width, height, kind.depth, 7)
+                               : pictures::Noise(width, height, kind.depth, 7);
+  const pictures::Locked image(dib.get());
+  for (std::size_t i = orvo::kDibHeaderBytes; i < image.layout().pixelOffset; i += 4) {
+    image.bytes()[i + 3] = static_cast<std::uint8_t>(i / 4 + 1);
+  }
+  return dib;
 }
 
 // Runs an adjustment on an image, whose owner holds the valid handle afterwards.
@@ -54,13 +61,13 @@ class Watched {
   StatusCallback before_;
 };
 
-// The colour that a pixel shows; channels of 5-5-5 are widened to the nearest of 0..255.
+// The colour that a pixel shows; channels of 5-5-5 repeat their top bits.
 inline Rgb ColorAt(const pictures::Locked& image, int x, int y) {
   const int depth = image.layout().depth;
   const std::uint8_t* row = image.row(y);
   if (depth == 16) {
     const int pixel = row[2 * x] + 256 * row[2 * x + 1];
-    const auto wide = [=](int unit) { return std::round(pixel / unit % 32 * 255 / 31.0); };
+    const auto wide = [=](int unit) { return pixel / unit % 32 * 8.0 + pixel / unit % 32 / 4; };
     return {wide(1024), wide(32), wide(1)};
   }
   const int index = depth == 8 ? row[x] : x % 2 == 0 ? row[x / 2] / 16 : row[x / 2] % 16;
@@ -70,9 +77,9 @@ inline Rgb ColorAt(const pictures::Locked& image, int x, int y) {
 }
 
 // How far a shown tone may lie from the real number that it stands for: half a tone, and at 5-5-5
-// half of one of 31 steps and the rounding of its widened form.
+// half of one of 31 steps and what their widened form is off by.
 inline double Slack(int depth) {
-  return depth == 16 ? 1 + 255 / 62.0 + 1e-6 : 0.5 + 1e-6;
+  return depth == 16 ? 1.3 + 255 / 62.0 : 0.5 + 1e-6;
 }
 
 // The first byte that changed without holding colour: header, padding, the palette or else the
@@ -84,7 +91,8 @@ inline std::ptrdiff_t StrayChange(DibHandle before, DibHandle after, bool colors
   for (std::size_t i = 0; i < a.size(); ++i) {
     const bool inPalette = i >= orvo::kDibHeaderBytes && i < layout.pixelOffset;
     const std::size_t at = (i - layout.pixelOffset) % layout.stride;
-    const std::size_t bits = static_cast<std::size_t>(layout.width * layout.depth);
+    const auto bits =
+        static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(layout.depth);
     int free = 0;
     if (colorsInPalette) {
       free = inPalette && i % 4 != 3 ? 0xFF : 0;

@@ -1,0 +1,87 @@
+// How images enter and leave a bitmap. A bitmap's image is the very block that it was given, so
+// taking one over and giving it back copies nothing.
+#include <cstring>
+
+#include "common/dib_image.h"
+
+namespace {
+
+using provider::LockedDib;
+using provider::OwnedBlock;
+
+// Brings a resolution that was stored in the record into the block's header. One that still says
+// the same leaves the header alone: pixels per metre tell more than dots per inch.
+void StampResolution(const struct_LEAD_Bitmap& bitmap, DibHandle block) {
+  if (bitmap.width <= 0) return;  // the block was never understood
+  auto* const header = static_cast<BITMAPINFOHEADER*>(GlobalLock(block));
+  if (header == nullptr) return;
+  if (orvo::DotsPerInch(header->biXPelsPerMeter) != bitmap.xResolution) {
+    header->biXPelsPerMeter = orvo::PixelsPerMetre(bitmap.xResolution);
+  }
+  if (orvo::DotsPerInch(header->biYPelsPerMeter) != bitmap.yResolution) {
+    header->biYPelsPerMeter = orvo::PixelsPerMetre(bitmap.yResolution);
+  }
+  GlobalUnlock(block);
+}
+
+}  // namespace
+
+// The record need not be initialised: whatever it holds is overwritten, nothing is freed. A block
+// that cannot be used is held all the same, so that L_ChangeToDIB gives it back.
+int L_ChangeFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) {
+  if (bitmap == nullptr) return kVendorNoBitmap;
+  *bitmap = {};
+  bitmap->block = dib;
+  provider::Describe(*bitmap);
+  return bitmap->width > 0 ? kVendorSuccess : kVendorNoBitmap;
+}
+
+DibHandle L_ChangeToDIB(struct_LEAD_Bitmap* bitmap) {
+  if (bitmap == nullptr) return nullptr;
+  StampResolution(*bitmap, bitmap->block);
+  const DibHandle block = bitmap->block;
+  *bitmap = {};
+  return block;
+}
+
+DibHandle L_ChangeToDIB2(struct_LEAD_Bitmap* bitmap, unsigned /*flags*/) {
+  return L_ChangeToDIB(bitmap);
+}
+
+// The palette lies behind the header, always 2^depth entries, whatever biClrUsed says.
+int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
+                     const void* pixels) {
+  if (bitmap == nullptr) return kVendorNoBitmap;
+  *bitmap = {};
+  if (header == nullptr || pixels == nullptr || !provider::UsableLayout(*header)) {
+    return kVendorNoBitmap;
+  }
+  OwnedBlock copy = provider::NewDibOf(*header);
+  {
+    const LockedDib target(copy.get());
+    if (!target) return kVendorNoMemory;
+    if (target->palette != nullptr) {
+      std::memcpy(target->palette, header + 1, orvo::DibPaletteBytes(target->depth));
+    }
+    std::memcpy(target->bits, pixels, target->stride * static_cast<std::size_t>(target->height));
+    provider::Describe(*bitmap, target);
+  }
+  bitmap->block = copy.release();
+  return kVendorSuccess;
+}
+
+DibHandle L_ConvertToDIB(struct_LEAD_Bitmap* bitmap) {
+  if (bitmap == nullptr) return nullptr;
+  const LockedDib image(bitmap->block);
+  if (!image) return nullptr;
+  OwnedBlock copy = provider::CopyOf(image);
+  StampResolution(*bitmap, copy.get());
+  return copy.release();
+}
+
+int L_FreeBitmap(struct_LEAD_Bitmap* bitmap) {
+  if (bitmap == nullptr) return kVendorNoBitmap;
+  if (bitmap->block != nullptr) GlobalFree(bitmap->block);
+  *bitmap = {};
+  return kVendorSuccess;
+}
