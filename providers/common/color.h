@@ -22,7 +22,9 @@ constexpr std::uint8_t ClampedTone(int tone) {
   return static_cast<std::uint8_t>(std::clamp(tone, 0, 255));
 }
 
-constexpr Color GrayOf(std::uint8_t tone) { return {tone, tone, tone}; }
+constexpr Color GrayOf(std::uint8_t tone) {
+  return {tone, tone, tone};
+}
 constexpr bool IsGray(Color color) {
   return color.red == color.green && color.green == color.blue;
 }
@@ -35,15 +37,20 @@ constexpr std::uint8_t LumaOf(Color color) {
 constexpr Color ColorOf(const RGBQUAD& entry) {
   return {entry.rgbBlue, entry.rgbGreen, entry.rgbRed};
 }
-constexpr RGBQUAD EntryOf(Color color) { return {color.blue, color.green, color.red, 0}; }
+constexpr RGBQUAD EntryOf(Color color) {
+  return {color.blue, color.green, color.red, 0};
+}
 
 // Channels of 16-bit pixels: widened by repeating their top bits, narrowed to nearest. A channel
-// that nothing changes comes back as it was, and the negative of the wide form is that of the narrow.
+// that nothing changes comes back as it was, and the negative of the wide form is that of the
+// narrow.
 constexpr int kMost5 = 31;
 constexpr std::uint8_t Widened5(int tone5) {
   return static_cast<std::uint8_t>(tone5 << 3 | tone5 >> 2);
 }
-constexpr int Narrowed5(int tone) { return (tone * kMost5 + 127) / 255; }
+constexpr int Narrowed5(int tone) {
+  return (tone * kMost5 + 127) / 255;
+}
 
 constexpr Color ColorOf555(std::uint16_t pixel) {
   return {Widened5(pixel & kMost5), Widened5(pixel >> 5 & kMost5), Widened5(pixel >> 10 & kMost5)};

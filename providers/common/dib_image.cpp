@@ -81,8 +81,7 @@ OwnedBlock CopyOf(const LockedDib& image) noexcept {
   if (image->palette != nullptr) {
     std::memcpy(target->palette, image->palette, orvo::DibPaletteBytes(image->depth));
   }
-  std::memcpy(target->bits, image->bits,
-              image->stride * static_cast<std::size_t>(image->height));
+  std::memcpy(target->bits, image->bits, image->stride * static_cast<std::size_t>(image->height));
   return copy;
 }
 
@@ -92,7 +91,9 @@ void TakeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept {
   Describe(bitmap);
 }
 
-void Describe(struct_LEAD_Bitmap& bitmap) noexcept { Describe(bitmap, LockedDib(bitmap.block)); }
+void Describe(struct_LEAD_Bitmap& bitmap) noexcept {
+  Describe(bitmap, LockedDib(bitmap.block));
+}
 
 void Describe(struct_LEAD_Bitmap& bitmap, const LockedDib& image) noexcept {
   bitmap.width = image->width;

@@ -33,8 +33,8 @@ struct Pixels {
   [[nodiscard]] int paletteSize() const { return palette == nullptr ? 0 : 1 << depth; }
 };
 
-// Holds the lock on a block. Empty when the handle is dead, the block malformed, or its depth not 1,
-// 4, 8, 16, 24 or 32.
+// Holds the lock on a block. Empty when the handle is dead, the block malformed, or its depth not
+// 1, 4, 8, 16, 24 or 32.
 class LockedDib {
  public:
   explicit LockedDib(DibHandle handle) noexcept;
@@ -74,8 +74,8 @@ class OwnedBlock {
   DibHandle handle_;
 };
 
-// The layout of an image with this header; nothing when its depth is not one of those above, a measure
-// is not above 0, or the size overflows.
+// The layout of an image with this header; nothing when its depth is not one of those above, a
+// measure is not above 0, or the size overflows.
 std::optional<orvo::DibLayout> UsableLayout(const BITMAPINFOHEADER& header) noexcept;
 
 // A new zero-filled image with resolutions in dots per inch; empty when out of memory or a measure
@@ -98,7 +98,8 @@ void Describe(struct_LEAD_Bitmap& bitmap, const LockedDib& image) noexcept;
 
 // Whether all palette entries are gray (red, green and blue equal).
 bool PaletteIsGray(const Pixels& image) noexcept;
-// Whether the bytes of the rows are the tones that they show: 8 bits, entry i of the palette gray i.
+// Whether the bytes of the rows are the tones that they show: 8 bits, entry i of the palette gray
+// i.
 bool BytesAreTones(const Pixels& image) noexcept;
 // Fills the palette with its entries' even steps from black to white.
 void FillGrayPalette(const Pixels& image) noexcept;

@@ -26,14 +26,6 @@ int Adjustment::obstacle() const {
   return image().depth == 1 ? kVendorDepthNotSupported : kVendorSuccess;
 }
 
-bool Adjustment::isGrayByTone() const {
-  if (image().depth != 8) return false;
-  for (int i = 0; i < image().paletteSize(); ++i) {
-    if (ColorOf(image().palette[i]) != GrayOf(static_cast<std::uint8_t>(i))) return false;
-  }
-  return true;
-}
-
 int Adjustment::changeRows(const RowChange& change) {
   const Pixels& source = image();
   if (!KernelHasStatusCallback()) {

@@ -26,8 +26,6 @@ class Adjustment {
   // Why the bitmap cannot be adjusted; kVendorSuccess when it can.
   [[nodiscard]] int obstacle() const;
   [[nodiscard]] const Pixels& image() const { return **image_; }
-  // Whether a pixel's byte is its tone: 8 bits, entry i of the palette gray i.
-  [[nodiscard]] bool isGrayByTone() const;
 
   // Each changes the bitmap and ends the adjustment; vendor code. Rows are changed on a working
   // copy when a status callback could stop the operation, else in the block itself.

@@ -2,42 +2,40 @@
 #ifndef PROVIDERS_LTIMG13N_POINT_OPERATION_H
 #define PROVIDERS_LTIMG13N_POINT_OPERATION_H
 
-#include <cstring>
+#include <algorithm>
 
 #include "ltimg13n/adjustment.h"
+#include "ltimg13n/recolored.h"
 #include "ltimg13n/tone_tables.h"
 
 namespace provider {
 
-// One row of 16, 24 or 32 bits. rule: Color operator()(Color) const.
-template <class Rule>
-void ChangeRowColors(const Pixels& source, const Pixels& target, int y, const Rule& rule) {
-  const std::uint8_t* from = source.row(y);
-  std::uint8_t* to = target.row(y);
-  const int step = source.depth / 8;
-  for (int x = 0; x < source.width; ++x, from += step, to += step) {
-    if (step == 2) {
-      std::uint16_t pixel = 0;
-      std::memcpy(&pixel, from, sizeof pixel);
-      pixel = With555(pixel, rule(ColorOf555(pixel)));
-      std::memcpy(to, &pixel, sizeof pixel);
-    } else {
-      const Color color = rule({from[0], from[1], from[2]});
-      to[0] = color.blue;
-      to[1] = color.green;
-      to[2] = color.red;
-    }
+template <class Format, class Rule>
+void RecolorRow(Format format, const Pixels& source, const Pixels& target, int y,
+                const Rule& rule) {
+  const std::uint8_t* const from = source.row(y);
+  std::uint8_t* const to = target.row(y);
+  for (std::size_t x = 0; x < static_cast<std::size_t>(source.width); ++x) {
+    const auto pixel = format.read(from, x);
+    format.write(to, x, Recolored(pixel, rule(ColorOf(pixel))));
   }
 }
 
-// Palettes change their entries and keep the pixels' indices.
+// rule: Color operator()(Color) const. Palettes change their entries and keep the pixels' indices.
 template <class Rule>
 int ChangeColors(Adjustment& adjustment, const Rule& rule) {
   if (adjustment.image().palette != nullptr) {
     return adjustment.changePalette([&rule](Color color) { return rule(color); });
   }
   return adjustment.changeRows([&rule](const Pixels& source, const Pixels& target, int y) {
-    ChangeRowColors(source, target, y, rule);
+    switch (source.depth) {
+      case 16:
+        return RecolorRow(Format16{}, source, target, y, rule);
+      case 24:
+        return RecolorRow(Format24{}, source, target, y, rule);
+      default:
+        return RecolorRow(Format32{}, source, target, y, rule);
+    }
   });
 }
 
@@ -53,7 +51,8 @@ int ChangeColors(struct_LEAD_Bitmap* bitmap, const Rule& rule) {
 inline int ChangeTones(struct_LEAD_Bitmap* bitmap, const ToneTables& tables) {
   Adjustment adjustment(bitmap);
   if (const int obstacle = adjustment.obstacle(); obstacle != kVendorSuccess) return obstacle;
-  if (!tables.keepsGray() || !adjustment.isGrayByTone()) return ChangeColors(adjustment, tables);
+  if (!tables.keepsGray() || !BytesAreTones(adjustment.image()))
+    return ChangeColors(adjustment, tables);
   return adjustment.changeRows([&tables](const Pixels& source, const Pixels& target, int y) {
     const std::uint8_t* const from = source.row(y);
     std::transform(from, from + source.width, target.row(y),

@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <optional>
 #include <vector>
 
 #include "ltimg13n/adjustment.h"
-#include "ltimg13n/palette_match.h"
+#include "ltimg13n/recolored.h"
+#include "ltkrn13n/color_rows.h"
+#include "ltkrn13n/palette_search.h"
 
 namespace provider {
 namespace {
@@ -18,37 +20,20 @@ constexpr int kScale = 1000;  // a change's thousandths
 constexpr int kStrongest = 4;
 constexpr int kWindow = 9;  // pixels of the mean
 
-std::uint8_t IndexAt(const Pixels& image, const std::uint8_t* row, int x) {
-  if (image.depth == 8) return row[x];
-  return x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 15;
-}
-
-void SetIndexAt(const Pixels& image, std::uint8_t* row, int x, std::uint8_t index) {
-  if (image.depth == 8) {
-    row[x] = index;
-  } else if (x % 2 == 0) {
-    row[x / 2] = static_cast<std::uint8_t>((row[x / 2] & 15) | index << 4);
-  } else {
-    row[x / 2] = static_cast<std::uint8_t>((row[x / 2] & 0xF0) | index);
-  }
-}
-
-std::uint16_t PixelAt(const std::uint8_t* row, int x) {
-  std::uint16_t pixel = 0;
-  std::memcpy(&pixel, row + 2 * x, sizeof pixel);
-  return pixel;
-}
-
 class RowSharpener {
  public:
-  RowSharpener(const Pixels& image, bool grayByTone, int change)
-      : channels_(grayByTone ? 1 : 3),
-        strength_(change > 0 ? kStrongest * change : change),
-        match_(image) {
+  RowSharpener(const Pixels& image, int change)
+      : channels_(BytesAreTones(image) ? 1 : sizeof(Color)),
+        strength_(change > 0 ? kStrongest * change : change) {
     const std::size_t bytes = static_cast<std::size_t>(image.width) * channels_;
     for (Row& row : rows_) row.resize(bytes);
     sharp_.resize(bytes);
     columns_.resize(bytes + 2 * channels_);
+    if (image.palette == nullptr) return;
+    std::vector<Color> entries(static_cast<std::size_t>(image.paletteSize()));
+    std::transform(image.palette, image.palette + entries.size(), entries.begin(),
+                   [](const RGBQUAD& entry) { return ColorOf(entry); });
+    palette_.emplace(entries);
   }
 
   void change(const Pixels& source, const Pixels& target, int y) {
@@ -65,19 +50,11 @@ class RowSharpener {
   Row& rowAt(int y) { return rows_[static_cast<std::size_t>(y) % rows_.size()]; }
 
   void spread(const Pixels& source, int y) {
-    const std::uint8_t* const from = source.row(y);
-    std::uint8_t* to = rowAt(y).data();
-    if (channels_ == 1 || source.depth == 24) {
-      std::copy_n(from, sharp_.size(), to);
-      return;
-    }
-    for (int x = 0; x < source.width; ++x, to += 3) {
-      const Color color = source.depth == 32 ? Color{from[4 * x], from[4 * x + 1], from[4 * x + 2]}
-                          : source.depth == 16 ? ColorOf555(PixelAt(from, x))
-                                               : match_.color(IndexAt(source, from, x));
-      to[0] = color.blue;
-      to[1] = color.green;
-      to[2] = color.red;
+    std::uint8_t* const to = rowAt(y).data();
+    if (channels_ == 1) {
+      std::copy_n(source.row(y), sharp_.size(), to);
+    } else {
+      ReadColors(source, y, reinterpret_cast<Color*>(to));
     }
   }
 
@@ -97,28 +74,31 @@ class RowSharpener {
   }
 
   void store(const Pixels& target, int y) {
-    std::uint8_t* const to = target.row(y);
-    const std::uint8_t* from = sharp_.data();
-    if (channels_ == 1 || target.depth == 24) {
-      std::copy_n(from, sharp_.size(), to);
+    std::uint8_t* const row = target.row(y);
+    if (channels_ == 1) {
+      std::copy(sharp_.begin(), sharp_.end(), row);
       return;
     }
-    for (int x = 0; x < target.width; ++x, from += 3) {
-      const Color color{from[0], from[1], from[2]};
-      if (target.depth == 32) {
-        std::copy_n(from, 3, to + 4 * x);
-      } else if (target.depth == 16) {
-        const std::uint16_t pixel = With555(PixelAt(to, x), color);
-        std::memcpy(to + 2 * x, &pixel, sizeof pixel);
-      } else {
-        SetIndexAt(target, to, x, match_.nearest(color, IndexAt(target, to, x)));
+    const auto* const colors = reinterpret_cast<const Color*>(sharp_.data());
+    WithFormat(target.depth, [&](auto format) {
+      for (std::size_t x = 0; x < static_cast<std::size_t>(target.width); ++x) {
+        format.write(row, x, recolored(format.read(row, x), colors[x]));
       }
-    }
+    });
+  }
+
+  // A pixel whose colour stays keeps its index, though the palette may repeat that colour.
+  std::uint8_t recolored(std::uint8_t index, Color color) {
+    return color == palette_->color(index) ? index : palette_->nearest(color);
+  }
+  template <class Pixel>
+  Pixel recolored(Pixel pixel, Color color) {
+    return Recolored(pixel, color);
   }
 
   std::size_t channels_;
   int strength_;  // thousandths of the distance from the mean
-  PaletteMatch match_;
+  std::optional<PaletteSearch> palette_;
   std::array<Row, 3> rows_;
   Row sharp_;
   std::vector<int> columns_;  // with the border's columns repeated at both ends
@@ -129,7 +109,7 @@ class RowSharpener {
 int Sharpen(struct_LEAD_Bitmap* bitmap, int change) {
   Adjustment adjustment(bitmap);
   if (const int obstacle = adjustment.obstacle(); obstacle != kVendorSuccess) return obstacle;
-  RowSharpener sharpener(adjustment.image(), adjustment.isGrayByTone(), change);
+  RowSharpener sharpener(adjustment.image(), change);
   return adjustment.changeRows([&sharpener](const Pixels& source, const Pixels& target, int y) {
     sharpener.change(source, target, y);
   });

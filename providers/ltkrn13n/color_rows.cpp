@@ -8,9 +8,15 @@ namespace {
 Color ColorOfPixel(const Pixels& image, std::uint8_t index) {
   return ColorOf(image.palette[index]);
 }
-Color ColorOfPixel(const Pixels& /*image*/, std::uint16_t pixel) { return ColorOf555(pixel); }
-Color ColorOfPixel(const Pixels& /*image*/, Color pixel) { return pixel; }
-Color ColorOfPixel(const Pixels& /*image*/, WideColor pixel) { return pixel.color; }
+Color ColorOfPixel(const Pixels& /*image*/, std::uint16_t pixel) {
+  return ColorOf555(pixel);
+}
+Color ColorOfPixel(const Pixels& /*image*/, Color pixel) {
+  return pixel;
+}
+Color ColorOfPixel(const Pixels& /*image*/, WideColor pixel) {
+  return pixel.color;
+}
 
 template <class Format, class ValueAt>
 void WriteRow(Format format, const Pixels& image, int y, const ValueAt& valueAt) {

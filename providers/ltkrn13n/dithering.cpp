@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdlib>
 
+#include "ltkrn13n/dithering_tables.h"
 #include "ltkrn13n/palette_search.h"
 
 namespace provider {
@@ -11,7 +12,9 @@ namespace {
 constexpr std::size_t kChannels = 3;
 using Channels = std::array<int, kChannels>;
 
-Channels ChannelsOf(Color color) { return {color.blue, color.green, color.red}; }
+Channels ChannelsOf(Color color) {
+  return {color.blue, color.green, color.red};
+}
 Color ClampedColor(const Channels& values) {
   return {ClampedTone(values[0]), ClampedTone(values[1]), ClampedTone(values[2])};
 }
@@ -48,33 +51,6 @@ class Nearest : public Ditherer {
 
 // --- By a matrix of thresholds -------------------------------------------------------------------
 
-constexpr std::size_t kMatrixSide = 8;
-struct Matrix {
-  int levels;
-  std::array<std::array<std::uint8_t, kMatrixSide>, kMatrixSide> thresholds;  // 0..levels - 1
-};
-
-constexpr Matrix kDispersed = {64,
-                               {{{0, 32, 8, 40, 2, 34, 10, 42},
-                                 {48, 16, 56, 24, 50, 18, 58, 26},
-                                 {12, 44, 4, 36, 14, 46, 6, 38},
-                                 {60, 28, 52, 20, 62, 30, 54, 22},
-                                 {3, 35, 11, 43, 1, 33, 9, 41},
-                                 {51, 19, 59, 27, 49, 17, 57, 25},
-                                 {15, 47, 7, 39, 13, 45, 5, 37},
-                                 {63, 31, 55, 23, 61, 29, 53, 21}}}};
-
-// The matrix of 4 x 4, four times.
-constexpr Matrix kClusteredDots = {16,
-                                   {{{12, 5, 6, 13, 12, 5, 6, 13},
-                                     {4, 0, 1, 7, 4, 0, 1, 7},
-                                     {11, 3, 2, 8, 11, 3, 2, 8},
-                                     {15, 10, 9, 14, 15, 10, 9, 14},
-                                     {12, 5, 6, 13, 12, 5, 6, 13},
-                                     {4, 0, 1, 7, 4, 0, 1, 7},
-                                     {11, 3, 2, 8, 11, 3, 2, 8},
-                                     {15, 10, 9, 14, 15, 10, 9, 14}}}};
-
 // Moves each colour by up to half a step of the palette, as its place in the matrix says.
 class Ordered : public Ditherer {
  public:
@@ -93,8 +69,8 @@ class Ordered : public Ditherer {
     for (std::size_t x = 0; x < colors.size(); ++x) {
       const int move = moves[x % kMatrixSide];
       const Channels values = ChannelsOf(colors[x]);
-      indexes[x] = search_.nearest(
-          ClampedColor({values[0] + move, values[1] + move, values[2] + move}));
+      indexes[x] =
+          search_.nearest(ClampedColor({values[0] + move, values[1] + move, values[2] + move}));
     }
   }
 
@@ -106,48 +82,14 @@ class Ordered : public Ditherer {
 
 // --- By spreading each pixel's error over pixels to come -----------------------------------------
 
-struct Tap {
-  int right;
-  int down;
-  int weight;
-};
-
-struct Kernel {
-  int divisor;
-  std::span<const Tap> taps;
-};
-
-constexpr Tap kFloydSteinbergTaps[] = {{1, 0, 7}, {-1, 1, 3}, {0, 1, 5}, {1, 1, 1}};
-constexpr Tap kStuckiTaps[] = {
-    {1, 0, 8},  {2, 0, 4},                                      //
-    {-2, 1, 2}, {-1, 1, 4}, {0, 1, 8}, {1, 1, 4}, {2, 1, 2},    //
-    {-2, 2, 1}, {-1, 2, 2}, {0, 2, 4}, {1, 2, 2}, {2, 2, 1}};
-constexpr Tap kBurkesTaps[] = {
-    {1, 0, 8},  {2, 0, 4},  //
-    {-2, 1, 2}, {-1, 1, 4}, {0, 1, 8}, {1, 1, 4}, {2, 1, 2}};
-constexpr Tap kSierraTaps[] = {
-    {1, 0, 5},  {2, 0, 3},                                    //
-    {-2, 1, 2}, {-1, 1, 4}, {0, 1, 5}, {1, 1, 4}, {2, 1, 2},  //
-    {-1, 2, 2}, {0, 2, 3},  {1, 2, 2}};
-constexpr Tap kStevensonArceTaps[] = {
-    {2, 0, 32},                                        //
-    {-3, 1, 12}, {-1, 1, 26}, {1, 1, 30}, {3, 1, 16},  //
-    {-2, 2, 12}, {0, 2, 26},  {2, 2, 12},              //
-    {-3, 3, 5},  {-1, 3, 12}, {1, 3, 12}, {3, 3, 5}};
-constexpr Tap kJarvisJudiceNinkeTaps[] = {
-    {1, 0, 7},  {2, 0, 5},                                    //
-    {-2, 1, 3}, {-1, 1, 5}, {0, 1, 7}, {1, 1, 5}, {2, 1, 3},  //
-    {-2, 2, 1}, {-1, 2, 3}, {0, 2, 5}, {1, 2, 3}, {2, 2, 1}};
-
-constexpr std::size_t kReach = 3;  // of any tap, right, left and down
-
 class ErrorDiffusion : public Ditherer {
  public:
-  ErrorDiffusion(std::span<const Color> palette, const Kernel& kernel, std::size_t width)
+  ErrorDiffusion(std::span<const Color> palette, int divisor, std::span<const Tap> taps,
+                 std::size_t width)
       : search_(palette), mostError_(static_cast<float>(StepOf(palette))) {
-    for (const Tap& tap : kernel.taps) {
-      taps_.push_back({tap.right, static_cast<std::size_t>(tap.down),
-                       static_cast<float>(tap.weight) / static_cast<float>(kernel.divisor)});
+    for (const Tap& tap : taps) {
+      shares_.push_back({tap.right, static_cast<std::size_t>(tap.down),
+                         static_cast<float>(tap.weight) / static_cast<float>(divisor)});
     }
     for (Errors& row : rows_) row.assign(width + 2 * kReach, {});
   }
@@ -180,14 +122,14 @@ class ErrorDiffusion : public Ditherer {
   // Makes values positive before they are cut to integers, so that all of them round alike.
   static constexpr float kLift = 1024;
 
-  // An error larger than a step comes from a colour outside the palette's reach. Passed on in full it
-  // would pile up and smear over what follows.
+  // An error larger than a step comes from a colour outside the palette's reach. Passed on in full
+  // it would pile up and smear over what follows.
   void spread(std::size_t x, const Error& wanted, const Channels& shown) {
     Error error;
     for (std::size_t c = 0; c < kChannels; ++c) {
       error[c] = std::clamp(wanted[c] - static_cast<float>(shown[c]), -mostError_, mostError_);
     }
-    for (const Share& share : taps_) {
+    for (const Share& share : shares_) {
       Error& target = rows_[share.down][x + kReach + static_cast<std::size_t>(share.right)];
       for (std::size_t c = 0; c < kChannels; ++c) target[c] += error[c] * share.part;
     }
@@ -195,7 +137,7 @@ class ErrorDiffusion : public Ditherer {
 
   PaletteSearch search_;
   float mostError_;
-  std::vector<Share> taps_;
+  std::vector<Share> shares_;
   std::array<Errors, kReach + 1> rows_;  // errors that this row and the next ones inherit
 };
 
@@ -204,7 +146,7 @@ class ErrorDiffusion : public Ditherer {
 std::unique_ptr<Ditherer> MakeDitherer(DitheringMode mode, std::span<const Color> palette,
                                        std::size_t width) {
   const auto diffusion = [&](int divisor, std::span<const Tap> taps) {
-    return std::make_unique<ErrorDiffusion>(palette, Kernel{divisor, taps}, width);
+    return std::make_unique<ErrorDiffusion>(palette, divisor, taps, width);
   };
   switch (mode) {
     case DitheringMode::kFloydSteinberg:

@@ -1,5 +1,6 @@
-// Median cut by variance: the box of colours that its mean stands for worst is cut in two across its
-// longest extent, where the two means then stand for the halves best, until there are enough boxes.
+// Median cut by variance: the box of colours that its mean stands for worst is cut in two across
+// its longest extent, where the two means then stand for the halves best, until there are enough
+// boxes.
 #include "ltkrn13n/optimised_palette.h"
 
 #include <algorithm>
@@ -91,7 +92,8 @@ Color MeanOf(std::span<const ColorBin> bins) {
   std::array<std::uint64_t, kChannels> sums{};
   for (const ColorBin& bin : bins) {
     pixels += bin.pixels;
-    for (std::size_t channel = 0; channel < kChannels; ++channel) sums[channel] += bin.sums[channel];
+    for (std::size_t channel = 0; channel < kChannels; ++channel)
+      sums[channel] += bin.sums[channel];
   }
   const auto mean = [&](std::size_t channel) {
     return static_cast<std::uint8_t>((sums[channel] + pixels / 2) / pixels);
@@ -113,8 +115,9 @@ ChosenPalette OptimisedPalette(const ColorHistogram& histogram, std::size_t most
   std::vector<ColorBin> bins = histogram.bins();
   const bool holdsAll = histogram.isExact() && bins.size() <= most;
   std::ranges::sort(bins, {}, &ColorBin::key);
-  if (holdsAll && most == kTones &&
-      std::ranges::all_of(bins, [](const ColorBin& bin) { return IsGray(MeanOf({&bin, 1})); })) {
+  if (holdsAll && most == kTones && std::ranges::all_of(bins, [](const ColorBin& bin) {
+        return IsGray(MeanOf({&bin, 1}));
+      })) {
     return {AllTones(), true};
   }
   std::vector<Color> colors;

@@ -1,5 +1,5 @@
-// How single pixels lie in a row, depth by depth, for code that moves pixels about without a look at
-// their colours.
+// How single pixels lie in a row, depth by depth, for code that moves pixels about without a look
+// at their colours.
 #ifndef PROVIDERS_LTKRN13N_PIXEL_FORMATS_H
 #define PROVIDERS_LTKRN13N_PIXEL_FORMATS_H
 

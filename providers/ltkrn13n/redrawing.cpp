@@ -6,8 +6,7 @@ namespace provider {
 
 Redrawing::Redrawing(const struct_LEAD_Bitmap* bitmap) noexcept
     : bitmap_(bitmap),
-      source_(std::in_place,
-              bitmap == nullptr || bitmap->width <= 0 ? nullptr : bitmap->block) {}
+      source_(std::in_place, bitmap == nullptr || bitmap->width <= 0 ? nullptr : bitmap->block) {}
 
 int Redrawing::begin(int width, int height, int depth) {
   block_ = NewDibLike(source_->header(), width, height, depth);

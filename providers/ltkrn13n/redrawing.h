@@ -37,8 +37,8 @@ class Redrawing {
   std::optional<LockedDib> target_;
 };
 
-// Runs work(y) for each row, and reports progress from the `stage`-th of `stages` equal parts. Vendor
-// code.
+// Runs work(y) for each row, and reports progress from the `stage`-th of `stages` equal parts.
+// Vendor code.
 template <class Work>
 int ForEachRow(int height, const Work& work, Progress& progress, int stage = 0) {
   const auto rows = static_cast<std::uint64_t>(height);

@@ -29,7 +29,9 @@ StatusCallback L_SetStatusCallBack(StatusCallback callback, void* userData) {
   return std::exchange(state.callback, callback);
 }
 
-bool KernelHasStatusCallback() { return state.callback != nullptr; }
+bool KernelHasStatusCallback() {
+  return state.callback != nullptr;
+}
 
 KernelStatusShare KernelSetStatusShare(KernelStatusShare share) {
   const KernelStatusShare before = std::exchange(state.share, share);

@@ -9,6 +9,8 @@
 
 #include "front/imaging_result.h"
 #include "handles/result_block.h"
+#include "imaginglib/exposure.h"
+#include "imaginglib/histogram.h"
 #include "imaginglib/sharpness.h"
 #include "imaginglib/utilities.h"
 #include "imaginglib/working_image.h"
@@ -189,4 +191,12 @@ int COrvoCS::RunAdjust(DibHandle source, DibHandle* result, std::uint8_t level,
 
 int COrvoCS::CSSharpnessAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept {
   return RunAdjust(source, result, level, ImgSharpnessAdjust);
+}
+
+int COrvoCS::CSHistogramAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept {
+  return RunAdjust(source, result, level, ImgHistogramAdjust);
+}
+
+int COrvoCS::CSExposureAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept {
+  return RunAdjust(source, result, level, ImgExposureAdjust);
 }

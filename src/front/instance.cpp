@@ -70,6 +70,24 @@ int COrvoInstance::SharpnessAdjustInPlace(DibHandle source, std::uint8_t level) 
   return orvoCS->CSSharpnessAdjust(source, &source, level);
 }
 
+int COrvoInstance::HistogramAdjust(DibHandle source, DibHandle* result,
+                                   std::uint8_t level) noexcept {
+  return orvoCS->CSHistogramAdjust(source, result, level);
+}
+
+int COrvoInstance::HistogramAdjustInPlace(DibHandle source, std::uint8_t level) noexcept {
+  return orvoCS->CSHistogramAdjust(source, &source, level);
+}
+
+int COrvoInstance::ExposureAdjust(DibHandle source, DibHandle* result,
+                                  std::uint8_t level) noexcept {
+  return orvoCS->CSExposureAdjust(source, result, level);
+}
+
+int COrvoInstance::ExposureAdjustInPlace(DibHandle source, std::uint8_t level) noexcept {
+  return orvoCS->CSExposureAdjust(source, &source, level);
+}
+
 int COrvoInstance::WhitenessAdjust(DibHandle source, DibHandle* result,
                                    std::uint32_t threshold) noexcept {
   return orvoCS->CSWhitenessAdjust(source, result, threshold);

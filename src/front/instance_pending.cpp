@@ -2,22 +2,6 @@
 // touch nothing.
 #include <orvo/instance.h>
 
-int COrvoInstance::HistogramAdjust(DibHandle, DibHandle*, std::uint8_t) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::HistogramAdjustInPlace(DibHandle, std::uint8_t) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::ExposureAdjust(DibHandle, DibHandle*, std::uint8_t) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::ExposureAdjustInPlace(DibHandle, std::uint8_t) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
 int COrvoInstance::SearchRedEyeRegion(DibHandle, std::uint32_t, std::uint32_t, std::uint32_t*,
                                       std::uint32_t*, std::uint32_t*) noexcept {
   return ORVO_ERR_NOT_SUPPORTED;

@@ -9,11 +9,11 @@
 
 #include <algorithm>
 
+#include "imaginglib/luma.h"
 #include "imaginglib/results.h"
 #include "imaginglib/utilities.h"
 #include "imaginglib/vector_clones.h"
 #include "imaginglib/working_image.h"
-#include "imaginglib/ycbcr.h"
 
 namespace {
 
@@ -79,7 +79,7 @@ void FillFromLuma(const std::uint8_t* pixels, std::size_t width, Weights weights
     const double blue = pixels[3 * x];
     const double green = pixels[3 * x + 1];
     const double red = pixels[3 * x + 2];
-    const double value = green * 0.587 + blue * 0.114 + red * 0.299;
+    const double value = LumaOf(red, green, blue);
     row.value[x] = value;
     row.outer[x] = weights.outer * value;
     row.near[x] = weights.near * value;
@@ -113,22 +113,6 @@ void StoreTones(const double* sums, std::size_t count, std::uint8_t* tones) {
   for (std::size_t i = 0; i < count; ++i) {
     const double low = sums[i] < 0.0 ? 0.0 : sums[i];
     tones[i] = static_cast<std::uint8_t>(static_cast<int>(low > 255.0 ? 255.0 : low));
-  }
-}
-
-// New luma with the chroma of the source's pixels. source and target may be equal.
-ORVO_VECTOR_CLONES
-void StoreColors(const double* luma, std::size_t count, const std::uint8_t* source,
-                 std::uint8_t* target) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const double blue = source[3 * i];
-    const double green = source[3 * i + 1];
-    const double red = source[3 * i + 2];
-    const double cb = CbOf(red, green, blue);
-    const double cr = CrOf(red, green, blue);
-    target[3 * i] = ChannelByte(BlueOf(luma[i], cb));
-    target[3 * i + 1] = ChannelByte(GreenOf(luma[i], cb, cr));
-    target[3 * i + 2] = ChannelByte(RedOf(luma[i], cr));
   }
 }
 

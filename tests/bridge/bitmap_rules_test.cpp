@@ -9,8 +9,8 @@ class BitmapRules : public BridgeTest {};
 
 TEST_F(BitmapRules, DitheringModeGoesIntoTheFlagsOfDepthConversion) {
   const auto tools = Bind();
-  const std::map<int, std::string> flags = {{-1, "1"},      {0, "1"},      {1, "65537"},
-                                            {3, "196609"},  {8, "524289"}, {9, "1"}};
+  const std::map<int, std::string> flags = {{-1, "1"},     {0, "1"},      {1, "65537"},
+                                            {3, "196609"}, {8, "524289"}, {9, "1"}};
   for (const auto& [mode, expected] : flags) {
     orvo::OwnedDib photo = Photo(24);
     EXPECT_EQ(tools->LTSetDitheringMode(mode), ORVO_OK);
@@ -44,8 +44,8 @@ TEST_F(BitmapRules, AnglesAreNotReducedToATurn) {
   for (const int angle : {-90, 0, 725}) {
     orvo::OwnedDib page = Photo(1);
     EXPECT_EQ(tools->LTRotate(*page.address(), nullptr, angle, 0, nullptr), ORVO_OK);
-    EXPECT_EQ(TakeLog().at(1), "L_RotateBitmap(b1, " + std::to_string(angle * 100) +
-                                   ", 0, 16777215)");
+    EXPECT_EQ(TakeLog().at(1),
+              "L_RotateBitmap(b1, " + std::to_string(angle * 100) + ", 0, 16777215)");
     doubles::TheState().bitmaps.clear();
   }
 }
@@ -142,8 +142,8 @@ TEST_F(BitmapRules, GrayQuestionChangesTheHandleAndNothingElse) {
     const DibHandle given = photo.get();
     Name(given, "source");
     EXPECT_EQ(tools->LTIsGrayScaleBitmap(*photo.address()), expected);
-    EXPECT_EQ(TakeLog(), (Log{"L_ChangeFromDIB(b1, source)", "L_IsGrayScaleBitmap(b1)",
-                              "L_ChangeToDIB(b1)"}));
+    EXPECT_EQ(TakeLog(),
+              (Log{"L_ChangeFromDIB(b1, source)", "L_IsGrayScaleBitmap(b1)", "L_ChangeToDIB(b1)"}));
     EXPECT_NE(photo.get(), given);
     EXPECT_EQ(pictures::Difference(original.get(), photo.get()), "");
   };

@@ -27,7 +27,9 @@ int MakePicture(struct_LEAD_Bitmap* bitmap) {
 
 std::string TextOf(const LTLOADOPTIONS* options) {
   if (options == nullptr) return "0";
-  return options->size == sizeof *options ? "page " + std::to_string(options->page) : "bad size";
+  return options->size == sizeof *options
+             ? std::string("page ").append(std::to_string(options->page))
+             : "bad size";
 }
 
 std::string TextOf(const LTTHUMBNAILOPTIONS& options) {
@@ -35,7 +37,7 @@ std::string TextOf(const LTTHUMBNAILOPTIONS& options) {
   for (const int field : {options.width, options.height, options.bitsPerPixel,
                           options.colorResolutionFlags, options.keepAspect, options.forceSize,
                           options.backgroundColor, options.loadStamp, options.resample}) {
-    text += (text.size() > 1 ? " " : "") + std::to_string(field);
+    text.append(text.size() > 1 ? " " : "").append(std::to_string(field));
   }
   return text + "]";
 }

@@ -109,7 +109,8 @@ int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
                      const void* pixels) {
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(header);
   const auto offset = static_cast<const std::uint8_t*>(pixels) - bytes;
-  Called("L_ConvertFromDIB", bitmap, ShapeOf(*header), "+" + std::to_string(offset),
+  Called("L_ConvertFromDIB", bitmap, ShapeOf(*header),
+         std::string("+").append(std::to_string(offset)),
          IsZero(*bitmap) ? "zeroed" : "not zeroed");
   const auto layout = orvo::DibLayoutFor(header->biWidth, header->biHeight, header->biBitCount);
   const DibHandle copy = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);

@@ -26,12 +26,16 @@ std::string Text(const struct_LEAD_Bitmap* bitmap) {
   const auto found = std::find(known.begin(), known.end(), bitmap);
   const auto place = found - known.begin();
   if (found == known.end()) known.push_back(bitmap);
-  return "b" + std::to_string(place + 1);
+  return std::string("b").append(std::to_string(place + 1));
 }
 
-int Answer(const char* function, const std::string& arguments) {
+int Answer(const char* function, const std::vector<std::string>& arguments) {
   State& state = TheState();
-  state.log.push_back(std::string(function) + "(" + arguments + ")");
+  std::string line(function);
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    line.append(i == 0 ? "(" : ", ").append(arguments[i]);
+  }
+  state.log.push_back(line.append(arguments.empty() ? "()" : ")"));
   std::deque<int>& answers = state.answers[function];
   if (answers.empty()) return kVendorSuccess;
   const int code = answers.front();

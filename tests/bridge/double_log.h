@@ -46,13 +46,11 @@ inline std::string Text(StatusCallback callback) {
 }
 
 // Logs a call and gives the code that the test has set for it, success without one.
-DOUBLE_API int Answer(const char* function, const std::string& arguments);
+DOUBLE_API int Answer(const char* function, const std::vector<std::string>& arguments);
 
 template <class... Arguments>
 int Called(const char* function, const Arguments&... arguments) {
-  std::string list;
-  ((list += (list.empty() ? "" : ", ") + Text(arguments)), ...);
-  return Answer(function, list);
+  return Answer(function, {Text(arguments)...});
 }
 
 // What every operation of the doubles does: asks the installed callback once, and on success

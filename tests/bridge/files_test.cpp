@@ -1,5 +1,7 @@
 // The methods that touch files: which format, quality and depth reach the file module, the density
 // rule for JPEG files, and what each failure leaves.
+#include <unistd.h>
+
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -21,7 +23,7 @@ std::array<std::string, 3> InAnyCase(const std::string& extension) {
 // A folder that is removed again; its name holds a dot and a blank.
 class Folder {
  public:
-  Folder() : path_(testing::TempDir() + "bridge.jpg test/") {
+  Folder() : path_(testing::TempDir() + "bridge.jpg test " + std::to_string(getpid()) + "/") {
     std::filesystem::create_directories(path_);
   }
   ~Folder() { std::filesystem::remove_all(path_); }
@@ -42,7 +44,7 @@ class Files : public BridgeTest {};
 // --- Saving --------------------------------------------------------------------------------------
 
 struct SaveRow {
-  std::string name;  // the extension without its dot
+  std::string name;       // the extension without its dot
   std::string arguments;  // after path and bitmap, quality 77 asked
   bool takesPages = false;
 };
@@ -70,12 +72,12 @@ TEST_P(SaveTest, ExtensionChoosesFormatAndQuality) {
 }
 
 const SaveRow kSaves[] = {
-    {"bmp", "6, 0, 0, 0"},         {"jff", "6, 0, 0, 0"},         {"jpg", "10, 0, 77, 0"},
-    {"jpeg", "10, 0, 77, 0"},      {"cmp", "5, 0, 77, 0"},        {"tif", "3, 0, 0, 0", true},
-    {"tiff", "3, 0, 0, 0", true},  {"pcx", "1, 0, 0, 0"},         {"psd", "76, 0, 0, 0"},
-    {"png", "75, 0, 0, 0"},        {"ras", "55, 0, 0, 0"},        {"pcd", "57, 0, 0, 0"},
-    {"fpx", "82, 0, 2, 0"},        {"wmf", "15, 0, 0, 0"},        {"tga", "4, 0, 0, 0"},
-    {"eps", "16, 0, 0, 0"},        {"wpg", "54, 0, 0, 0"},        {"pct", "56, 0, 0, 0"},
+    {"bmp", "6, 0, 0, 0"},        {"jff", "6, 0, 0, 0"},  {"jpg", "10, 0, 77, 0"},
+    {"jpeg", "10, 0, 77, 0"},     {"cmp", "5, 0, 77, 0"}, {"tif", "3, 0, 0, 0", true},
+    {"tiff", "3, 0, 0, 0", true}, {"pcx", "1, 0, 0, 0"},  {"psd", "76, 0, 0, 0"},
+    {"png", "75, 0, 0, 0"},       {"ras", "55, 0, 0, 0"}, {"pcd", "57, 0, 0, 0"},
+    {"fpx", "82, 0, 2, 0"},       {"wmf", "15, 0, 0, 0"}, {"tga", "4, 0, 0, 0"},
+    {"eps", "16, 0, 0, 0"},       {"wpg", "54, 0, 0, 0"}, {"pct", "56, 0, 0, 0"},
 };
 INSTANTIATE_TEST_SUITE_P(Extensions, SaveTest, testing::ValuesIn(kSaves), RowName());
 
@@ -173,7 +175,9 @@ TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
       {"L_LoadBitmap",
        {"L_LoadBitmap", "L_FreeBitmap", "L_ConvertToDIB"},
        {"L_LoadBitmap(/none/x.bmp, b1, 0, 1, 0, 0)", "L_ConvertToDIB(b1)", "L_FreeBitmap(b1)"},
-       [](CLeadTools& tools, DibHandle* result) { return tools.LTLoadFile("/none/x.bmp", result); }},
+       [](CLeadTools& tools, DibHandle* result) {
+         return tools.LTLoadFile("/none/x.bmp", result);
+       }},
       {"L_CreateThumbnailFromFile",
        {"L_CreateThumbnailFromFile", "L_ChangeToDIB"},
        {"L_CreateThumbnailFromFile(x.bmp, b1, [160 120 0 0 1 1 16777215 0 0], 0, 0, 0, 0)",
@@ -243,8 +247,10 @@ TEST_F(Files, InformationHasItsOwnCodes) {
     EXPECT_EQ(tools->LTImageFileInfo("x.tif", &info), ORVO_ERR_NO_VENDOR);
   }
   const auto tools = Bind();
-  for (const auto& [vendor, code] : {std::pair(-10, ORVO_ERR_BAD_FILE), {-9, ORVO_ERR_FAILURE},
-                                     {-1, ORVO_ERR_FAILURE}, {2, ORVO_ERR_FAILURE}}) {
+  for (const auto& [vendor, code] : {std::pair(-10, ORVO_ERR_BAD_FILE),
+                                     {-9, ORVO_ERR_FAILURE},
+                                     {-1, ORVO_ERR_FAILURE},
+                                     {2, ORVO_ERR_FAILURE}}) {
     doubles::TheState().answers["L_FileInfo"] = {vendor};
     EXPECT_EQ(tools->LTImageFileInfo("x.tif", &info), code) << vendor;
     EXPECT_EQ(info.width, 0);
@@ -264,18 +270,18 @@ TEST_F(Files, VersionRecordIsPassedThrough) {
 // --- Conversion ----------------------------------------------------------------------------------
 
 TEST_F(Files, ConversionTableAndCalls) {
-  const std::map<std::string, int> formats = {
-      {"bmp", 6},  {"tif", 87}, {"tiff", 87}, {"jpg", 10}, {"jpe", 10}, {"jpeg", 10},
-      {"cmp", 5},  {"pcx", 1},  {"psd", 76},  {"png", 75}, {"ras", 55}, {"pcd", 57},
-      {"fpx", 82}, {"wmf", 15}, {"tga", 4},   {"pct", 56}};
+  const std::map<std::string, int> formats = {{"bmp", 6},  {"tif", 87},  {"tiff", 87}, {"jpg", 10},
+                                              {"jpe", 10}, {"jpeg", 10}, {"cmp", 5},   {"pcx", 1},
+                                              {"psd", 76}, {"png", 75},  {"ras", 55},  {"pcd", 57},
+                                              {"fpx", 82}, {"wmf", 15},  {"tga", 4},   {"pct", 56}};
   const auto tools = Bind();
   for (const auto& [extension, format] : formats) {
     for (const std::string& cased : InAnyCase(extension)) {
       const std::string target = "/out.x/y." + cased;
       EXPECT_EQ(tools->LTConvertFile("in.tif", target.c_str(), 77, nullptr), ORVO_OK);
-      EXPECT_EQ(TakeLog(), (Log{"L_FileInfo(in.tif, 0, 0)",
-                                "L_FileConvert(in.tif, " + target + ", " + std::to_string(format) +
-                                    ", 0, 0, 24, 77, 0, 0, 0)"}));
+      EXPECT_EQ(TakeLog(), (Log{"L_FileInfo(in.tif, 0, 0)", "L_FileConvert(in.tif, " + target +
+                                                                ", " + std::to_string(format) +
+                                                                ", 0, 0, 24, 77, 0, 0, 0)"}));
     }
   }
   for (const char* target : {"x.eps", "x.wpg", "x.jff", "x.gif", "x", "a.png/x"}) {

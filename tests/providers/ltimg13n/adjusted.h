@@ -67,7 +67,10 @@ inline Rgb ColorAt(const pictures::Locked& image, int x, int y) {
   const std::uint8_t* row = image.row(y);
   if (depth == 16) {
     const int pixel = row[2 * x] + 256 * row[2 * x + 1];
-    const auto wide = [=](int unit) { return pixel / unit % 32 * 8.0 + pixel / unit % 32 / 4; };
+    const auto wide = [=](int unit) {
+      const int tone = pixel / unit % 32;
+      return double(tone << 3 | tone >> 2);
+    };
     return {wide(1024), wide(32), wide(1)};
   }
   const int index = depth == 8 ? row[x] : x % 2 == 0 ? row[x / 2] / 16 : row[x / 2] % 16;

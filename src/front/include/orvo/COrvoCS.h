@@ -35,12 +35,23 @@ class ORVO_API COrvoCS {
 
   // Level 0..10. 8-bit gray and 24 bits; 16 and 32 bits through a working copy.
   int CSSharpnessAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
+  int CSHistogramAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
+  // ORVO_ERR_FAILURE for an image with a side below 128; the result is then a copy of the source.
+  int CSExposureAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
 
   // threshold 0..255. 8-bit palettes and 24 bits.
   int CSWhitenessAdjust(DibHandle source, DibHandle* result, std::uint32_t threshold) noexcept;
   // library: name of a module that exports void vnColorConvertDIB(void* packedDib). The first one
   // that loads serves for the life of the object. ORVO_ERR_NULL_IMAGE leaves the result alone.
   int CSConvertRGB(DibHandle source, DibHandle* result, const char* library) noexcept;
+
+  // level 0..3. 8-bit gray and 24 bits.
+  int CSDescreen(DibHandle source, DibHandle* result, std::uint32_t level,
+                 StatusCallback callback) noexcept;
+  // The rectangle of what is dark on a light page, measured at one threshold: 0, 0, 1, 1 when nothing
+  // is. Counts stored rows; right and bottom exclusive. 1-bit (through the bridge), 8-bit gray and 24
+  // bits; reads only.
+  int CSGetAutoTrimRect(DibHandle source, std::uint8_t threshold, RECT* rect) noexcept;
 
   // Memory of an object comes from the platform's working memory; new gives null when there is
   // none.

@@ -1,0 +1,177 @@
+#include "batch.h"
+
+#include <filesystem>
+
+#include "messages.h"
+#include "paths.h"
+#include "picture.h"
+#include "progress.h"
+#include "reports.h"
+#include "tiff_pages.h"
+
+namespace client {
+namespace {
+
+using nlohmann::ordered_json;
+
+// A command may refuse a picture's depth; another command brings the picture to one that it takes.
+std::string DepthHint(const Operation& operation, DibHandle picture) {
+  const auto shape = ShapeOf(picture);
+  if (!shape || operation.depths.empty()) return {};
+  const std::string remedy = shape->bits == 1 ? "orvo gray" : "orvo depth --bits 24";
+  return "the picture has " + std::to_string(shape->bits) + (shape->bits == 1 ? " bit" : " bits") +
+         " and " + std::string(shape->colors) + ", " + std::string(operation.name) + " takes " +
+         std::string(operation.depths) + ": try " + remedy + " first";
+}
+
+// Other pages than the first are never loaded.
+int MindOtherPages(Job& job) {
+  const int pages = PageCount(job.source);
+  if (pages == 1) return ORVO_OK;
+  const std::string count = std::to_string(pages) + " pages";
+  if (job.parameters.has("in-place")) {
+    job.hint = "the file has " + count + ", and only the first would stay";
+    return ORVO_ERR_NOT_SUPPORTED;
+  }
+  TellWarning(job.source, "the file has " + count + ", only the first is used");
+  return ORVO_OK;
+}
+
+int Load(Job& job) {
+  BeginStep(job.source, "loading");
+  return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+}
+
+int Save(Job& job) {
+  if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
+  BeginStep(job.source, "saving");
+  const int code = job.toolkit.SaveFile(job.image.get(), job.target.c_str(), 0, job.quality);
+  if (code != ORVO_OK && job.hint.empty()) job.hint = "while writing " + job.target;
+  return code;
+}
+
+int Carry(const Operation& operation, Job& job) {
+  int code = ORVO_OK;
+  const bool loads = operation.loads && operation.subject != Subject::kToolkit;
+  if (loads) code = Load(job);
+  if (code == ORVO_OK) {
+    BeginStep(job.source, std::string(operation.name));
+    code = operation.run(job);
+    if (code == ORVO_ERR_BAD_DEPTH && job.hint.empty()) {
+      job.hint = DepthHint(operation, job.image.get());
+    }
+  }
+  // Not every step of the toolkit listens while it works.
+  if (code == ORVO_OK && Interrupted()) code = ORVO_ERR_CANCELLED;
+  if (code == ORVO_OK && operation.subject == Subject::kPictures && !job.written) code = Save(job);
+  ClearProgress();
+  return code;
+}
+
+ordered_json Entry(const Job& job, int code) {
+  ordered_json entry = ordered_json::object();
+  if (!job.source.empty()) entry["input"] = job.source;
+  if (!job.target.empty() && code == ORVO_OK) entry["output"] = job.target;
+  entry["result"] = OrvoResultName(code);
+  if (const auto shape = ShapeOf(job.image.get()); shape && code == ORVO_OK) {
+    entry["picture"] = ToJson(*shape);
+  }
+  if (job.report.is_object()) entry.update(job.report);
+  return entry;
+}
+
+// Counts how the files fared and keeps what was reported about them.
+class Session {
+ public:
+  Session(COrvoInstance& toolkit, const Request& request)
+      : toolkit_(toolkit),
+        request_(request),
+        json_(request.parameters.has("json")),
+        quality_(request.parameters.has("quality") ? request.parameters.whole("quality") : 0) {}
+
+  void work(const Task& task) {
+    Job job{.toolkit = toolkit_,
+            .parameters = request_.parameters,
+            .source = task.source,
+            .target = task.target,
+            .quality = quality_};
+    const int code = Carry(*request_.operation, job);
+    if (json_) {
+      entries_.push_back(Entry(job, code));
+    } else if (!job.report.empty()) {
+      PrintText(job.source, job.report);
+    }
+    if (code == ORVO_OK) {
+      ++done_;
+      return;
+    }
+    ++failed_;
+    moduleMissing_ = moduleMissing_ || code == ORVO_ERR_NO_VENDOR;
+    TellFailure(job.source.empty() ? request_.operation->name : job.source, code, job.hint);
+  }
+
+  ExitStatus finish(std::size_t planned) {
+    const std::size_t skipped = planned - done_ - failed_;
+    if (planned > 1 && !(json_ && failed_ + skipped == 0)) tellSummary(planned, skipped);
+    if (json_) {
+      ordered_json document = StartDocument(*request_.operation, request_.parameters);
+      document[request_.operation->subject == Subject::kToolkit ? "answers" : "files"] = entries_;
+      PrintJson(document);
+    }
+    if (moduleMissing_) return kModuleMissing;
+    return failed_ + skipped == 0 ? kAllDone : kSomeFailed;
+  }
+
+ private:
+  void tellSummary(std::size_t planned, std::size_t skipped) const {
+    std::string text = std::to_string(done_) + " of " + std::to_string(planned) + " files done";
+    if (failed_ > 0) text += ", " + std::to_string(failed_) + " failed";
+    if (skipped > 0) text += ", " + std::to_string(skipped) + " not tried";
+    Tell(text);
+  }
+
+  COrvoInstance& toolkit_;
+  const Request& request_;
+  bool json_;
+  int quality_;
+  ordered_json entries_ = ordered_json::array();
+  std::size_t done_ = 0;
+  std::size_t failed_ = 0;
+  bool moduleMissing_ = false;
+};
+
+Plan PlanFor(const Request& request) {
+  if (request.operation->subject == Subject::kPictures) {
+    return PlanTargets(request.inputs, request.parameters);
+  }
+  Plan plan;
+  for (const std::string& input : request.inputs) plan.tasks.push_back({input, {}});
+  if (request.operation->subject == Subject::kToolkit) plan.tasks.emplace_back();
+  return plan;
+}
+
+}  // namespace
+
+ExitStatus Run(COrvoInstance& toolkit, const Request& request) {
+  const Plan plan = PlanFor(request);
+  if (!plan.problem.empty()) {
+    Tell(plan.problem);
+    return kWrongUsage;
+  }
+  if (!plan.folder.empty()) {
+    std::error_code fault;
+    std::filesystem::create_directories(plan.folder, fault);
+    if (fault) {
+      Tell(plan.folder + ": " + fault.message());
+      return kSomeFailed;
+    }
+  }
+  Session session(toolkit, request);
+  for (const Task& task : plan.tasks) {
+    if (Interrupted()) break;
+    session.work(task);
+  }
+  return session.finish(plan.tasks.size());
+}
+
+}  // namespace client

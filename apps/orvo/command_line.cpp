@@ -1,0 +1,104 @@
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include "messages.h"
+
+namespace client {
+namespace {
+
+std::string SpelledNames(const Option& option) {
+  if (option.positional) return std::string(option.name);
+  const std::string name = "--" + std::string(option.name);
+  return option.shortName == 0 ? name : std::string("-") + option.shortName + "," + name;
+}
+
+void AddOption(CLI::App& command, const Option& option, Parameters& parameters,
+               const std::string& group) {
+  CLI::Option* added = nullptr;
+  if (option.kind == ValueKind::kFlag) {
+    const auto note = [&option, &parameters](std::int64_t /*count*/) {
+      parameters.set(option, {});
+    };
+    added = command.add_flag_function(SpelledNames(option), note, HelpText(option));
+  } else {
+    const auto note = [&option, &parameters](const std::string& text) {
+      Value value;
+      const std::string problem = ReadValue(option, text, value);
+      if (!problem.empty()) {
+        throw CLI::ValidationError("--" + std::string(option.name) + " " + text, problem);
+      }
+      parameters.set(option, std::move(value));
+    };
+    added = command.add_option_function<std::string>(SpelledNames(option), note, HelpText(option));
+    added->type_name(Placeholder(option));
+  }
+  added->required(option.required)->group(group);
+}
+
+void AddCommand(CLI::App& app, const Operation& operation, Request& request) {
+  CLI::App* command =
+      app.add_subcommand(std::string(operation.name), std::string(operation.summary));
+  for (const Option& option : operation.options) {
+    AddOption(*command, option, request.parameters, "Options");
+  }
+  for (const Option& option : CommonOptions(operation)) {
+    AddOption(*command, option, request.parameters, "Files");
+  }
+  if (operation.subject != Subject::kToolkit) {
+    command->add_option("files", request.inputs, "input files")->required()->type_name("FILE");
+  }
+  std::string footer =
+      "Example:\n  orvo " + std::string(operation.name) + " " + std::string(operation.example);
+  if (!operation.depths.empty()) {
+    footer = "Takes pictures of " + std::string(operation.depths) + ".\n\n" + footer;
+  }
+  command->footer(footer);
+  command->callback([&request, &operation] { request.operation = &operation; });
+}
+
+void SetFallbacks(Request& request) {
+  for (const Option& option : request.operation->options) {
+    if (option.fallback.empty() || request.parameters.has(option.name)) continue;
+    Value value;
+    ReadValue(option, std::string(option.fallback), value);
+    request.parameters.set(option, std::move(value));
+  }
+}
+
+ExitStatus TellWrongUsage(const CLI::App& app, const std::string& problem) {
+  std::string name = "orvo";
+  for (const CLI::App* command : app.get_subcommands()) name += " " + command->get_name();
+  Tell(problem);
+  Tell("'" + name + " --help' tells more");
+  return kWrongUsage;
+}
+
+}  // namespace
+
+std::variant<Request, ExitStatus> ReadCommandLine(int argc, const char* const* argv) {
+  CLI::App app("Photo fixing and scan clean-up from the command line.", "orvo");
+  app.footer(
+      "Exit status: 0 all done, 1 some file failed, 2 wrong usage, 3 a needed module is "
+      "missing.");
+  app.require_subcommand(1);
+  Request request;
+  for (const Operation& operation : Operations()) AddCommand(app, operation, request);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& fault) {
+    if (fault.get_exit_code() == 0) {
+      app.exit(fault);
+      return kAllDone;
+    }
+    return TellWrongUsage(app, fault.what());
+  }
+  SetFallbacks(request);
+  if (request.operation->check != nullptr) {
+    const std::string problem = request.operation->check(request.parameters);
+    if (!problem.empty()) return TellWrongUsage(app, problem);
+  }
+  return request;
+}
+
+}  // namespace client

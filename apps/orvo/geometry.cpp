@@ -1,0 +1,176 @@
+// Commands that change size, place and resolution.
+#include <algorithm>
+#include <cmath>
+
+#include "operations.h"
+#include "picture.h"
+#include "progress.h"
+
+namespace client {
+namespace {
+
+constexpr int kMostPixels = 65535;  // of a width or height
+constexpr int kMostDotsPerInch = 10000;
+
+constexpr std::string_view kMethods[] = {"nearest", "bilinear", "best"};
+// What the toolkit calls the methods, in the same order.
+constexpr unsigned kMethodFlags[] = {0, 2, 4};
+
+int Rotate(Job& job) {
+  return job.toolkit.RotateInPlace(job.image.address(), job.parameters.whole("angle"),
+                                   ReportProgress);
+}
+
+// The side that keeps the picture's proportions, at least one pixel.
+int Proportional(int side, int otherNow, int otherThen) {
+  const double exact = static_cast<double>(side) * otherThen / otherNow;
+  return static_cast<int>(std::lround(std::clamp<double>(exact, 1, kMostPixels)));
+}
+
+int Resize(Job& job) {
+  const auto shape = ShapeOf(job.image.get());
+  if (!shape) return ORVO_ERR_NO_BITMAP;
+  const Parameters& asked = job.parameters;
+  const int width = asked.has("width")
+                        ? asked.whole("width")
+                        : Proportional(shape->width, shape->height, asked.whole("height"));
+  const int height = asked.has("height") ? asked.whole("height")
+                                         : Proportional(shape->height, shape->width, width);
+  const unsigned method = kMethodFlags[asked.whole("method")];
+  return job.toolkit.ChangeSizeInPlace(job.image.address(), width, height, method, ReportProgress);
+}
+
+std::string CheckResize(const Parameters& parameters) {
+  if (parameters.has("width") || parameters.has("height")) return {};
+  return "--width or --height is needed";
+}
+
+// People count rows from the top, the toolkit from the bottom.
+int Trim(Job& job) {
+  const auto shape = ShapeOf(job.image.get());
+  if (!shape) return ORVO_ERR_NO_BITMAP;
+  const auto side = [&job](std::size_t index) { return job.parameters.whole("rect", index); };
+  if (side(2) > shape->width || side(3) > shape->height) {
+    job.hint = "the picture has " + std::to_string(shape->width) + " x " +
+               std::to_string(shape->height) + " pixels";
+    return ORVO_ERR_OUT_OF_RANGE;
+  }
+  return job.toolkit.TrimInPlace(job.image.address(), side(0), shape->height - side(3), side(2),
+                                 shape->height - side(1));
+}
+
+std::string CheckTrim(const Parameters& parameters) {
+  const std::vector<double>& rect = parameters.numbers("rect");
+  if (rect[0] < rect[2] && rect[1] < rect[3]) return {};
+  return "--rect has no area: left,top,right,bottom, right and bottom exclusive";
+}
+
+int Resolution(Job& job) {
+  const std::vector<double>& dpi = job.parameters.numbers("dpi");
+  const int code =
+      job.toolkit.ChangeResolutionInPlace(job.image.address(), static_cast<int>(dpi.front()),
+                                          static_cast<int>(dpi.back()), ReportProgress);
+  if (code == ORVO_ERR_NOT_SUPPORTED) job.hint = "the picture has no resolution of its own";
+  return code;
+}
+
+int Thumbnail(Job& job) {
+  return job.toolkit.CreateThumbnailFromFile(job.source.c_str(), job.image.receive(),
+                                             job.parameters.whole("size", 0),
+                                             job.parameters.whole("size", 1));
+}
+
+// What the conversion of whole files refuses goes through memory: it knows fewer formats and pages,
+// and tells less about what went wrong.
+int Convert(Job& job) {
+  const int code =
+      job.toolkit.ConvertFile(job.source.c_str(), job.target.c_str(), job.quality, ReportProgress);
+  if (Interrupted()) return ORVO_ERR_CANCELLED;
+  job.written = code == ORVO_OK;
+  if (job.written || code == ORVO_ERR_NO_VENDOR) return code;
+  return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+}
+
+constexpr Option kRotateOptions[] = {{.name = "angle",
+                                      .meaning = "whole degrees, clockwise",
+                                      .least = -360,
+                                      .most = 360,
+                                      .required = true}};
+constexpr Option kResizeOptions[] = {
+    {.name = "width", .meaning = "in pixels", .least = 1, .most = kMostPixels},
+    {.name = "height", .meaning = "in pixels", .least = 1, .most = kMostPixels},
+    {.name = "method",
+     .meaning = "quality against speed",
+     .kind = ValueKind::kChoice,
+     .choices = kMethods,
+     .fallback = "best"}};
+constexpr Option kTrimOptions[] = {
+    {.name = "rect",
+     .meaning = "left,top,right,bottom in pixels from the top left, right and bottom exclusive",
+     .least = 0,
+     .most = kMostPixels,
+     .fewest = 4,
+     .atMost = 4,
+     .required = true}};
+constexpr Option kResolutionOptions[] = {{.name = "dpi",
+                                          .meaning = "dots per inch, across and down",
+                                          .least = 1,
+                                          .most = kMostDotsPerInch,
+                                          .fewest = 1,
+                                          .atMost = 2,
+                                          .required = true}};
+constexpr Option kThumbnailOptions[] = {{.name = "size",
+                                         .meaning = "width and height in pixels",
+                                         .least = 1,
+                                         .most = kMostPixels,
+                                         .fewest = 2,
+                                         .atMost = 2,
+                                         .separator = 'x',
+                                         .fallback = "160x160"}};
+
+constexpr Operation kRows[] = {
+    {.name = "convert",
+     .summary = "Convert to another file format",
+     .example = "--to png *.tif -o pages/",
+     .run = Convert,
+     .loads = false,
+     .inPlace = false},
+    {.name = "rotate",
+     .summary = "Turn clockwise; the picture grows, its new corners are white",
+     .example = "--angle 90 photo.jpg -o upright.jpg",
+     .run = Rotate,
+     .options = kRotateOptions},
+    {.name = "resize",
+     .summary = "Change the number of pixels; one side alone keeps the proportions",
+     .example = "--width 1200 photo.jpg -o web.jpg",
+     .run = Resize,
+     .options = kResizeOptions,
+     .check = CheckResize},
+    {.name = "trim",
+     .summary = "Cut out a rectangle",
+     .example = "--rect 100,50,900,650 photo.jpg -o cut.jpg",
+     .run = Trim,
+     .options = kTrimOptions,
+     .check = CheckTrim},
+    {.name = "resolution",
+     .summary = "Resample to a resolution, keeping the size on paper",
+     .example = "--dpi 150 scan.tif -o small.tif",
+     .run = Resolution,
+     .options = kResolutionOptions,
+     .depths = kFromFourBits},
+    {.name = "thumbnail",
+     .summary = "Make a small picture of exactly one size, on white",
+     .example = "--size 120x90 *.jpg -o thumbs/",
+     .run = Thumbnail,
+     .options = kThumbnailOptions,
+     .loads = false,
+     .inPlace = false},
+};
+
+}  // namespace
+
+std::span<const Operation> GeometryOperations() {
+  return kRows;
+}
+
+}  // namespace client

@@ -1,0 +1,110 @@
+// Commands that change nothing: they report.
+#include "completion.h"
+#include "operations.h"
+#include "picture.h"
+#include "tiff_pages.h"
+
+namespace client {
+namespace {
+
+using nlohmann::ordered_json;
+
+int Info(Job& job) {
+  ORVOIMAGEFILEINFO info{};
+  if (const int code = job.toolkit.ImageFileInfo(job.source.c_str(), &info); code != ORVO_OK) {
+    return code;
+  }
+  job.report["file"] = {{"width", info.width},
+                        {"height", info.height},
+                        {"bits", info.bitsPerPixel},
+                        {"x_dpi", info.xResolution},
+                        {"y_dpi", info.yResolution},
+                        {"bytes_on_disk", info.sizeOnDisk},
+                        {"bytes_in_memory", info.sizeInMemory},
+                        {"pages", PageCount(job.source)}};
+  const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  if (code != ORVO_OK) return code;
+  const auto shape = ShapeOf(job.image.get());
+  if (!shape) return ORVO_ERR_NO_BITMAP;
+  job.report["picture"] = ToJson(*shape);
+  return ORVO_OK;
+}
+
+int Formats(Job& job) {
+  std::uint32_t bytes = 0;
+  job.toolkit.GetFileExtensions(nullptr, nullptr, &bytes);
+  std::string names(bytes, '\0');
+  int count = 0;
+  const int code = job.toolkit.GetFileExtensions(&count, names.data(), &bytes);
+  if (code != ORVO_OK) return code;
+  ordered_json& list = job.report["extensions"] = ordered_json::array();
+  const char* name = names.c_str();
+  for (int i = 0; i < count; ++i) {
+    list.push_back(name);
+    name += list.back().get_ref<const std::string&>().size() + 1;
+  }
+  return ORVO_OK;
+}
+
+// Missing imaging modules are an answer here, no failure.
+int Version(Job& job) {
+  LTVERSIONINFO module{};
+  module.size = sizeof module;
+  ORVOVERSIONINFO info{};
+  info.vendorInfo = &module;
+  const int code = job.toolkit.GetVersion(&info);
+  job.report["version"] = info.version;
+  if (code == ORVO_OK) {
+    job.report["module"] = std::string(module.product) + " " + module.version;
+    job.report["codecs"] = module.codecs;
+  } else {
+    job.report["module"] = nullptr;
+  }
+  return code == ORVO_ERR_NO_VENDOR ? ORVO_OK : code;
+}
+
+int Completion(Job& job) {
+  job.report = CompletionScript();
+  return ORVO_OK;
+}
+
+constexpr std::string_view kShells[] = {"bash"};
+constexpr Option kCompletionOptions[] = {{.name = "shell",
+                                          .meaning = "the shell that reads the script",
+                                          .kind = ValueKind::kChoice,
+                                          .choices = kShells,
+                                          .required = true,
+                                          .positional = true}};
+
+constexpr Operation kRows[] = {
+    {.name = "info",
+     .summary = "Tell what image files hold",
+     .example = "--json photo.jpg",
+     .run = Info,
+     .subject = Subject::kFiles,
+     .loads = false},
+    {.name = "formats",
+     .summary = "List the extensions of files that can be read",
+     .example = "",
+     .run = Formats,
+     .subject = Subject::kToolkit},
+    {.name = "version",
+     .summary = "Tell the version of the toolkit and its imaging modules",
+     .example = "--json",
+     .run = Version,
+     .subject = Subject::kToolkit},
+    {.name = "completion",
+     .summary = "Print a script that completes command lines",
+     .example = "bash > /etc/bash_completion.d/orvo",
+     .run = Completion,
+     .options = kCompletionOptions,
+     .subject = Subject::kToolkit},
+};
+
+}  // namespace
+
+std::span<const Operation> Inquiries() {
+  return kRows;
+}
+
+}  // namespace client

@@ -1,0 +1,43 @@
+#include "operations.h"
+
+namespace client {
+namespace {
+
+// The options of commands that write come first, the one of all commands last; commands that may
+// not write over their inputs do without the first.
+constexpr Option kCommonOptions[] = {
+    {.name = "in-place", .meaning = "write over the input files", .kind = ValueKind::kFlag},
+    {.name = "output",
+     .meaning = "output file, or folder when it ends in / or several files are given; other "
+                "files that stand there are replaced",
+     .kind = ValueKind::kFile,
+     .shortName = 'o'},
+    {.name = "to",
+     .meaning = "extension of the output files, which chooses their format; without -o they go "
+                "beside the inputs",
+     .kind = ValueKind::kText},
+    {.name = "quality", .meaning = "of JPEG files, 100 best", .least = 1, .most = 100},
+    {.name = "json", .meaning = "report on standard output as JSON", .kind = ValueKind::kFlag},
+};
+
+}  // namespace
+
+const std::vector<Operation>& Operations() {
+  static const std::vector<Operation> all = [] {
+    std::vector<Operation> rows;
+    for (const auto part :
+         {ToneOperations(), ColorOperations(), GeometryOperations(), Inquiries()}) {
+      rows.insert(rows.end(), part.begin(), part.end());
+    }
+    return rows;
+  }();
+  return all;
+}
+
+std::span<const Option> CommonOptions(const Operation& operation) {
+  const std::span<const Option> all = kCommonOptions;
+  if (operation.subject != Subject::kPictures) return all.last(1);
+  return operation.inPlace ? all : all.subspan(1);
+}
+
+}  // namespace client

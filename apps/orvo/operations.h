@@ -1,0 +1,69 @@
+// The table of commands. One row says all there is to know about a command: its name and help, its
+// options with ranges, and the function that does the work.
+#ifndef APPS_ORVO_OPERATIONS_H
+#define APPS_ORVO_OPERATIONS_H
+
+#include <nlohmann/json.hpp>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <orvo/orvo.h>
+
+#include "options.h"
+
+namespace client {
+
+// One file on its way through one command, or one question put to the toolkit.
+struct Job {
+  COrvoInstance& toolkit;
+  const Parameters& parameters;
+  std::string source;
+  std::string target;
+  int quality = 0;  // of SaveFile
+
+  orvo::OwnedDib image = {};  // loaded before and saved after the work, if the row says so
+  bool written = false;       // the work has written the target itself
+  std::string hint = {};      // what may help after a failure
+  nlohmann::ordered_json report = nlohmann::ordered_json::object();
+};
+
+enum class Subject {
+  kPictures,  // input files become output files
+  kFiles,     // input files are looked at
+  kToolkit,   // no files
+};
+
+struct Operation {
+  std::string_view name;
+  std::string_view summary;
+  std::string_view example;  // what follows "orvo NAME"
+  int (*run)(Job& job);      // a result code of the toolkit
+  std::span<const Option> options = {};
+  Subject subject = Subject::kPictures;
+  bool loads = true;             // the picture is in job.image before the work
+  bool inPlace = true;           // may write over its inputs
+  std::string_view depths = {};  // of pictures that it takes, in words; empty for all
+  // What is wrong with options that are each right; empty for nothing.
+  std::string (*check)(const Parameters& parameters) = nullptr;
+};
+
+// The depths that the adjustments of the imaging module take.
+inline constexpr std::string_view kFromFourBits = "4 bits and up";
+
+// The rows, each beside the functions that they name.
+std::span<const Operation> ToneOperations();
+std::span<const Operation> ColorOperations();
+std::span<const Operation> GeometryOperations();
+std::span<const Operation> Inquiries();
+
+// All of them, in the order of the help.
+const std::vector<Operation>& Operations();
+
+// The options that every command of a kind has.
+std::span<const Option> CommonOptions(const Operation& operation);
+
+}  // namespace client
+
+#endif  // APPS_ORVO_OPERATIONS_H

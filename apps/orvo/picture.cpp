@@ -1,0 +1,45 @@
+#include "picture.h"
+
+#include <algorithm>
+#include <span>
+
+namespace client {
+namespace {
+
+std::string_view ColorsOf(const void* block, const orvo::DibLayout& layout) {
+  const std::size_t count = orvo::DibPaletteBytes(layout.depth) / sizeof(RGBQUAD);
+  if (count == 0) return "true color";
+  const auto* const palette = reinterpret_cast<const RGBQUAD*>(
+      static_cast<const std::byte*>(block) + orvo::kDibHeaderBytes);
+  const auto entries = std::span(palette, count);
+  const bool gray = std::all_of(entries.begin(), entries.end(), [](const RGBQUAD& color) {
+    return color.rgbRed == color.rgbGreen && color.rgbGreen == color.rgbBlue;
+  });
+  return gray ? "gray" : "palette";
+}
+
+}  // namespace
+
+std::optional<Shape> ShapeOf(DibHandle picture) {
+  const void* block = GlobalLock(picture);
+  if (block == nullptr) return std::nullopt;
+  std::optional<Shape> shape;
+  if (const auto layout = orvo::DibLayoutOf(block, GlobalSize(picture))) {
+    const BITMAPINFOHEADER header = orvo::DibHeaderOf(block);
+    shape = Shape{.width = layout->width,
+                  .height = layout->height,
+                  .bits = layout->depth,
+                  .xDotsPerInch = orvo::DotsPerInch(header.biXPelsPerMeter),
+                  .yDotsPerInch = orvo::DotsPerInch(header.biYPelsPerMeter),
+                  .colors = ColorsOf(block, *layout)};
+  }
+  GlobalUnlock(picture);
+  return shape;
+}
+
+nlohmann::ordered_json ToJson(const Shape& shape) {
+  return {{"width", shape.width},   {"height", shape.height},      {"bits", shape.bits},
+          {"colors", shape.colors}, {"x_dpi", shape.xDotsPerInch}, {"y_dpi", shape.yDotsPerInch}};
+}
+
+}  // namespace client

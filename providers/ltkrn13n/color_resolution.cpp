@@ -1,0 +1,177 @@
+// Change of depth.
+//
+// To 16 bits and above each colour goes over by itself; nothing is dithered there, so that 16 bits
+// survive the way through 24. To 4 and 8 bits a palette is chosen: the image's own best one, or a
+// fixed one for all images. 1 bit is black and white, after the image's brightness.
+#include <vector>
+
+#include "common/guard.h"
+#include "common/kernel_services.h"
+#include "ltkrn13n/color_rows.h"
+#include "ltkrn13n/dithering.h"
+#include "ltkrn13n/optimised_palette.h"
+#include "ltkrn13n/redrawing.h"
+
+namespace {
+
+using provider::ChosenPalette;
+using provider::Color;
+using provider::DitheringMode;
+using provider::ForEachRow;
+using provider::Pixels;
+using provider::Redrawing;
+
+unsigned defaultDithering = 0;
+
+std::vector<Color> BlackAndWhite() {
+  return {provider::GrayOf(0), provider::GrayOf(255)};
+}
+
+// Black to light gray, and the pure colours at half and full strength.
+std::vector<Color> SixteenColors() {
+  std::vector<Color> colors;
+  for (unsigned i = 0; i < 16; ++i) {
+    const auto strength = static_cast<std::uint8_t>(i < 8 ? 128 : 255);
+    const auto channel = [&](unsigned bit) { return (i & bit) != 0 ? strength : std::uint8_t{0}; };
+    colors.push_back({channel(4), channel(2), channel(1)});
+  }
+  constexpr std::uint8_t kLightGray = 192;
+  colors[8] = colors[7];
+  colors[7] = provider::GrayOf(kLightGray);
+  return colors;
+}
+
+// A cube of six levels a channel, and grays between its own.
+std::vector<Color> ColorCube() {
+  constexpr int kLevels = 6;
+  constexpr int kStep = 255 / (kLevels - 1);
+  constexpr int kGrays = 256 - kLevels * kLevels * kLevels;
+  std::vector<Color> colors;
+  for (int i = 0; i < kLevels * kLevels * kLevels; ++i) {
+    colors.push_back({provider::ClampedTone(i % kLevels * kStep),
+                      provider::ClampedTone(i / kLevels % kLevels * kStep),
+                      provider::ClampedTone(i / kLevels / kLevels * kStep)});
+  }
+  for (int i = 1; i <= kGrays; ++i) {
+    colors.push_back(provider::GrayOf(provider::ClampedTone(i * 255 / (kGrays + 1))));
+  }
+  return colors;
+}
+
+std::vector<Color> FixedPalette(int bits) {
+  if (bits == 1) return BlackAndWhite();
+  return bits == 4 ? SixteenColors() : ColorCube();
+}
+
+// The new pixels' colours at 16 bits and above.
+int DrawColors(const Redrawing& drawing) {
+  std::vector<Color> colors(static_cast<std::size_t>(drawing.source().width));
+  return ForEachRow(drawing.source().height, [&](int y) {
+    provider::ReadColors(drawing.source(), y, colors.data());
+    provider::WriteColors(drawing.target(), y, colors.data());
+  });
+}
+
+// Draws the image in the colours of a palette; `progress` goes on with stage `stage`.
+int DrawIndexes(const Redrawing& drawing, const std::vector<Color>& palette, DitheringMode mode,
+                provider::Progress& progress, int stage) {
+  const Pixels& source = drawing.source();
+  const Pixels& target = drawing.target();
+  for (std::size_t i = 0; i < palette.size(); ++i)
+    target.palette[i] = provider::EntryOf(palette[i]);
+  std::vector<Color> colors(static_cast<std::size_t>(source.width));
+  std::vector<std::uint8_t> indexes(colors.size());
+  const auto ditherer = provider::MakeDitherer(mode, palette, colors.size());
+  return ForEachRow(
+      source.height,
+      [&](int y) {
+        provider::ReadColors(source, y, colors.data());
+        if (target.depth == 1) {
+          for (Color& color : colors) color = provider::GrayOf(provider::LumaOf(color));
+        }
+        ditherer->nextRow(colors, indexes.data());
+        provider::WriteIndexes(target, y, indexes.data());
+      },
+      progress, stage);
+}
+
+int DrawInFixedPalette(const Redrawing& drawing, DitheringMode mode) {
+  provider::Progress progress(static_cast<std::uint64_t>(drawing.source().height));
+  return DrawIndexes(drawing, FixedPalette(drawing.target().depth), mode, progress, 0);
+}
+
+// Reads the image twice: once to choose the palette, once to draw.
+int DrawInOptimisedPalette(const Redrawing& drawing, DitheringMode mode) {
+  const Pixels& source = drawing.source();
+  provider::Progress progress(2 * static_cast<std::uint64_t>(source.height));
+  provider::ColorHistogram histogram;
+  std::vector<Color> colors(static_cast<std::size_t>(source.width));
+  const int code = ForEachRow(
+      source.height,
+      [&](int y) {
+        provider::ReadColors(source, y, colors.data());
+        histogram.add(colors.data(), colors.size());
+      },
+      progress);
+  if (code != kVendorSuccess) return code;
+  const auto most = static_cast<std::size_t>(drawing.target().paletteSize());
+  const ChosenPalette palette = provider::OptimisedPalette(histogram, most);
+  // A matrix would move even colours that the palette holds.
+  return DrawIndexes(drawing, palette.colors, palette.isExact ? DitheringMode::kNone : mode,
+                     progress, 1);
+}
+
+int CopyAtSameDepth(const Redrawing& drawing, struct_LEAD_Bitmap& target) {
+  provider::OwnedBlock copy = provider::CopyOf(drawing.lockedSource());
+  if (!copy) return kVendorNoMemory;
+  provider::TakeBlock(target, std::move(copy));
+  return kVendorSuccess;
+}
+
+int ChangeDepth(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int bits, unsigned flags) {
+  Redrawing drawing(source);
+  if (!drawing.hasSource() || target == nullptr) return kVendorNoBitmap;
+  const Pixels& image = drawing.source();
+  if (bits == image.depth) {
+    if (const int code = provider::ReportNothingToDo(); code != kVendorSuccess) return code;
+    return source == target ? kVendorSuccess : CopyAtSameDepth(drawing, *target);
+  }
+  if (const int code = drawing.begin(image.width, image.height, bits); code != kVendorSuccess) {
+    return code;
+  }
+  const auto mode = static_cast<DitheringMode>(flags >> kColorResDitheringShift);
+  int code;
+  if (bits > 8) {
+    code = DrawColors(drawing);
+  } else if (bits > 1 && (flags & kColorResOptimisedPalette) != 0) {
+    code = DrawInOptimisedPalette(drawing, mode);
+  } else {
+    code = DrawInFixedPalette(drawing, mode);
+  }
+  return code == kVendorSuccess ? drawing.finish(*target) : code;
+}
+
+bool IsDepth(int bits) {
+  return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
+}
+
+}  // namespace
+
+int L_DefaultDithering(unsigned mode) {
+  defaultDithering = mode;
+  return kVendorSuccess;
+}
+
+unsigned KernelDefaultDithering() {
+  return defaultDithering;
+}
+
+// Palettes of the caller's are not taken; the callback is that of L_SetStatusCallBack.
+int L_ColorResBitmap(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int bits,
+                     unsigned flags, void* palette, void* systemPalette, void* colors,
+                     void* callback, void* /*userData*/) {
+  const bool plain =
+      palette == nullptr && systemPalette == nullptr && colors == nullptr && callback == nullptr;
+  if (!plain || !IsDepth(bits)) return kVendorBadParameter;
+  return provider::Guarded([=] { return ChangeDepth(source, target, bits, flags); });
+}

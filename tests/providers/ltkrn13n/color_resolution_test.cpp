@@ -1,0 +1,235 @@
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+
+#include "kernel_fixture.h"
+
+namespace {
+
+using kernel::Changed;
+using kernel::ColorAt;
+using kernel::ColorDifference;
+using kernel::KernelTest;
+using kernel::Picture;
+using kernel::Rgb;
+using kernel::ToDepth;
+
+std::size_t ColorCount(const orvo::OwnedDib& dib) {
+  const pictures::Locked image(dib.get());
+  std::set<Rgb> colors;
+  for (int y = 0; y < image.layout().height; ++y) {
+    for (int x = 0; x < image.layout().width; ++x) colors.insert(ColorAt(image, x, y));
+  }
+  return colors.size();
+}
+
+// Root of the mean squared difference of all channels.
+double Error(const orvo::OwnedDib& expected, const orvo::OwnedDib& got) {
+  const pictures::Locked a(expected.get());
+  const pictures::Locked b(got.get());
+  double sum = 0;
+  for (int y = 0; y < a.layout().height; ++y) {
+    for (int x = 0; x < a.layout().width; ++x) {
+      const Rgb one = ColorAt(a, x, y);
+      const Rgb other = ColorAt(b, x, y);
+      for (std::size_t c = 0; c < 3; ++c) sum += std::pow(one[c] - other[c], 2);
+    }
+  }
+  return std::sqrt(sum / (3.0 * a.layout().width * a.layout().height));
+}
+
+// A smooth picture of many colours.
+orvo::OwnedDib Gradients(int width, int height) {
+  orvo::OwnedDib dib = pictures::Blank(width, height, 24);
+  const pictures::Locked image(dib.get());
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const double across = static_cast<double>(x) / width;
+      const double down = static_cast<double>(y) / height;
+      std::uint8_t* const pixel = image.row(y) + 3 * x;
+      pixel[0] = static_cast<std::uint8_t>(60 + 150 * down);
+      pixel[1] = static_cast<std::uint8_t>(30 + 200 * across);
+      pixel[2] = static_cast<std::uint8_t>(128 + 100 * std::sin(6 * across + 4 * down));
+    }
+  }
+  return dib;
+}
+
+TEST_F(KernelTest, depths_that_can_hold_the_colours_hold_them_exactly) {
+  for (const int from : kernel::kDepths) {
+    const orvo::OwnedDib source = Picture(37, 11, from);
+    for (const int to : kernel::kDepths) {
+      const bool widens = to >= from || (from == 32 && to == 24);
+      if (!widens || to == 1) continue;
+      for (const unsigned dithering : {0U, 1U, 7U}) {
+        if (from == 8 && to == 16) continue;  // 256 colours of 24 bits each
+        if (from <= 4 && to == 16) continue;
+        const orvo::OwnedDib wide = Changed(source, ToDepth(to, dithering));
+        EXPECT_EQ(ColorDifference(source, wide), "") << from << " to " << to << ", " << dithering;
+      }
+    }
+  }
+}
+
+TEST_F(KernelTest, sixteen_and_thirty_two_bits_survive_the_way_through_24) {
+  for (const int depth : {16, 32}) {
+    orvo::OwnedDib source = Picture(64, 40, depth);
+    {  // padding and the bits without colour come back as 0
+      const pictures::Locked image(source.get());
+      for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 64; ++x) {
+          image.row(y)[x * depth / 8 + depth / 8 - 1] &= depth == 16 ? 0x7F : 0;
+        }
+      }
+    }
+    const orvo::OwnedDib back = Changed(Changed(source, ToDepth(24)), ToDepth(depth));
+    EXPECT_EQ(pictures::Difference(source.get(), back.get()), "");
+  }
+}
+
+TEST_F(KernelTest, sixteen_bits_take_the_nearest_of_their_tones) {
+  const orvo::OwnedDib ramp = kernel::GrayRamp(256, 1);
+  const orvo::OwnedDib narrow = Changed(ramp, ToDepth(16));
+  const pictures::Locked image(narrow.get());
+  for (int tone = 0; tone < 256; ++tone) {
+    EXPECT_NEAR(ColorAt(image, tone, 0)[0], tone, 4.5) << tone;
+  }
+}
+
+TEST_F(KernelTest, few_colours_come_over_exactly_however_they_are_dithered) {
+  for (const int from : {8, 16, 24, 32}) {
+    for (const int to : {4, 8}) {
+      if (to >= from) continue;
+      const int colors = 1 << to;
+      const orvo::OwnedDib palette = Picture(colors, 1, 24);
+      orvo::OwnedDib source = Changed(palette, ToDepth(from));  // 256 are exact at 8 bits too
+      ASSERT_LE(ColorCount(source), static_cast<std::size_t>(colors));
+      for (unsigned dithering = 0; dithering <= 8; ++dithering) {
+        const orvo::OwnedDib got = Changed(source, ToDepth(to, dithering));
+        EXPECT_EQ(ColorDifference(source, got), "") << from << " to " << to << ", " << dithering;
+      }
+    }
+  }
+}
+
+TEST_F(KernelTest, gray_pictures_of_any_depth_become_gray_bytes) {
+  const orvo::OwnedDib ramp = kernel::GrayRamp(256, 3);
+  for (const orvo::OwnedDib& gray :
+       {Changed(ramp, ToDepth(8, 1)), Changed(Changed(ramp, ToDepth(32)), ToDepth(8, 7)),
+        Changed(ramp, [](auto* bitmap) { return L_GrayScaleBitmap(bitmap, 8); })}) {
+    const pictures::Locked image(gray.get());
+    for (int tone = 0; tone < 256; ++tone) {
+      ASSERT_EQ(kernel::ValueAt(image, tone, 2), static_cast<unsigned>(tone));
+      ASSERT_EQ(image.palette()[tone].rgbGreen, tone);
+    }
+  }
+}
+
+TEST_F(KernelTest, gray_is_the_rounded_brightness_of_each_colour) {
+  for (const int depth : kernel::kDepths) {
+    const orvo::OwnedDib source = Picture(21, 9, depth);
+    const orvo::OwnedDib gray = Changed(source, [](auto* b) { return L_GrayScaleBitmap(b, 8); });
+    const pictures::Locked from(source.get());
+    const pictures::Locked to(gray.get());
+    for (int y = 0; y < 9; ++y) {
+      for (int x = 0; x < 21; ++x) {
+        const Rgb color = ColorAt(from, x, y);
+        const double luma = 0.299 * color[0] + 0.587 * color[1] + 0.114 * color[2];
+        ASSERT_NEAR(ColorAt(to, x, y)[0], luma, 0.5 + 1e-9) << depth;
+      }
+    }
+  }
+}
+
+// Flat grays and ramps keep their mean: to 1 bit nothing else is left of a tone.
+TEST_F(KernelTest, dithering_to_black_and_white_keeps_each_tone) {
+  constexpr int kSide = 64;
+  for (unsigned dithering = 1; dithering <= 8; ++dithering) {
+    // Sixteen thresholds can only show every sixteenth part of white.
+    const double bound = dithering == 8 ? 255 / 32.0 + 0.1 : 3.0;
+    for (const int tone : {0, 1, 40, 100, 127, 128, 200, 250, 255}) {
+      orvo::OwnedDib flat = pictures::Blank(kSide, kSide, 8);
+      std::fill_n(pictures::Locked(flat.get()).row(0), kSide * kSide,
+                  static_cast<std::uint8_t>(tone));
+      ASSERT_EQ(kernel::Apply(ToDepth(1, dithering), flat), kVendorSuccess);
+      const pictures::Locked image(flat.get());
+      double sum = 0;
+      for (int y = 0; y < kSide; ++y) {
+        for (int x = 0; x < kSide; ++x) sum += ColorAt(image, x, y)[0];
+      }
+      const bool isEnd = tone == 0 || tone == 255;
+      EXPECT_NEAR(sum / kSide / kSide, tone, isEnd ? 0 : bound) << dithering;
+    }
+  }
+}
+
+TEST_F(KernelTest, dithering_modes_differ_and_others_mean_none) {
+  const orvo::OwnedDib ramp = kernel::GrayRamp(96, 24);
+  std::set<std::vector<std::uint8_t>> results;
+  for (unsigned mode = 0; mode <= 8; ++mode) {
+    results.insert(pictures::BytesOf(Changed(ramp, ToDepth(1, mode)).get()));
+  }
+  EXPECT_EQ(results.size(), 9U);
+  results.insert(pictures::BytesOf(Changed(ramp, ToDepth(1, 9)).get()));
+  EXPECT_EQ(results.size(), 9U);
+  const orvo::OwnedDib none = Changed(ramp, ToDepth(1, 0));
+  const pictures::Locked image(none.get());
+  for (int x = 0; x < 96; ++x) EXPECT_EQ(ColorAt(image, x, 0)[0], x * 255 / 95 > 127 ? 255 : 0);
+}
+
+TEST_F(KernelTest, an_optimised_palette_shows_a_picture_better_than_the_fixed_one) {
+  const orvo::OwnedDib picture = Gradients(240, 160);
+  ASSERT_GT(ColorCount(picture), 10000U);
+  struct Row {
+    int bits;
+    double bound;  // an even grid of as many boxes as the palette has colours leaves about as much
+  };
+  for (const Row& row : {Row{8, 6}, Row{4, 22}}) {
+    const double best = Error(picture, Changed(picture, ToDepth(row.bits)));
+    EXPECT_LT(best, row.bound) << row.bits;
+    EXPECT_LT(best, 0.8 * Error(picture, Changed(picture, ToDepth(row.bits, 0, 0))));
+  }
+}
+
+// What the eye sees of a dithered picture is the mean over a few pixels.
+TEST_F(KernelTest, dithering_brings_neighbourhoods_nearer_to_the_picture) {
+  const orvo::OwnedDib picture = Gradients(240, 160);
+  const auto seen = [](const orvo::OwnedDib& dib) {
+    return Changed(Changed(dib, ToDepth(24)),
+                   [](auto* bitmap) { return L_SizeBitmap(bitmap, 30, 20, kSizeBest); });
+  };
+  for (const int bits : {4, 8}) {
+    for (const unsigned flags : {0U, 1U}) {
+      const double plain = Error(seen(picture), seen(Changed(picture, ToDepth(bits, 0, flags))));
+      for (unsigned mode = 1; mode <= 8; ++mode) {
+        EXPECT_LT(Error(seen(picture), seen(Changed(picture, ToDepth(bits, mode, flags)))),
+                  plain * 0.8)
+            << bits << " bits, mode " << mode << ", flags " << flags;
+      }
+    }
+  }
+}
+
+TEST_F(KernelTest, another_bitmap_may_take_the_result) {
+  const orvo::OwnedDib picture = Picture(20, 10, 24);
+  for (const int bits : {8, 24}) {
+    struct_LEAD_Bitmap source{};
+    struct_LEAD_Bitmap target{};
+    L_ChangeFromDIB(&source, pictures::CopyOf(picture.get()).release());
+    L_ChangeFromDIB(&target, Picture(3, 3, 1).release());
+    source.xResolution = 72;
+    ASSERT_EQ(L_ColorResBitmap(&source, &target, bits, 1, nullptr, nullptr, nullptr, nullptr,
+                               nullptr),
+              kVendorSuccess);
+    EXPECT_EQ(target.bitsPerPixel, bits);
+    EXPECT_EQ(target.width, 20);
+    EXPECT_EQ(target.xResolution, 72);
+    source.xResolution = 300;
+    const orvo::OwnedDib kept(L_ChangeToDIB(&source));
+    EXPECT_EQ(pictures::Difference(picture.get(), kept.get()), "");
+    L_FreeBitmap(&target);
+  }
+}
+
+}  // namespace
