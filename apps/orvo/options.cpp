@@ -67,7 +67,7 @@ std::string ReadValue(const Option& option, const std::string& text, Value& valu
     case ValueKind::kDecimal:
       return ReadNumbers(option, text, value.numbers);
     case ValueKind::kChoice: {
-      const auto* found = std::find(option.choices.begin(), option.choices.end(), text);
+      const auto found = std::find(option.choices.begin(), option.choices.end(), text);
       if (found == option.choices.end()) return "is not one of " + JoinedChoices(option);
       value.numbers = {static_cast<double>(found - option.choices.begin())};
       return {};
@@ -86,9 +86,14 @@ std::string Placeholder(const Option& option) {
     case ValueKind::kWhole:
     case ValueKind::kDecimal: {
       std::string text = "N";
-      for (std::size_t i = 1; i < option.fewest; ++i) text += option.separator + std::string("N");
-      if (option.atMost > option.fewest) text += "[" + std::string(1, option.separator) + "N]";
-      if (option.atMost > option.fewest + 1) text += "...";
+      for (std::size_t i = 1; i < option.fewest; ++i) {
+        text += option.separator;
+        text += 'N';
+      }
+      if (option.atMost == option.fewest) return text;
+      text += '[';
+      text += option.separator;
+      text += option.atMost == option.fewest + 1 ? "N]" : "N...]";
       return text;
     }
     case ValueKind::kChoice:

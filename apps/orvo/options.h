@@ -31,10 +31,6 @@ struct Option {
   char shortName = 0;
 };
 
-// The words of a choice.
-template <std::size_t N>
-using Words = std::string_view[N];
-
 struct Value {
   std::string text;             // as given
   std::vector<double> numbers;  // of a choice: its index

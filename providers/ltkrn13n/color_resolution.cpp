@@ -3,6 +3,7 @@
 // To 16 bits and above each colour goes over by itself; nothing is dithered there, so that 16 bits
 // survive the way through 24. To 4 and 8 bits a palette is chosen: the image's own best one, or a
 // fixed one for all images. 1 bit is black and white, after the image's brightness.
+#include <cstring>
 #include <vector>
 
 #include "common/guard.h"
@@ -121,33 +122,29 @@ int DrawInOptimisedPalette(const Redrawing& drawing, DitheringMode mode) {
                      progress, 1);
 }
 
-int CopyAtSameDepth(const Redrawing& drawing, struct_LEAD_Bitmap& target) {
-  provider::OwnedBlock copy = provider::CopyOf(drawing.lockedSource());
-  if (!copy) return kVendorNoMemory;
-  provider::TakeBlock(target, std::move(copy));
-  return kVendorSuccess;
+int CopyRows(const Redrawing& drawing) {
+  const Pixels& source = drawing.source();
+  return ForEachRow(source.height, [&](int y) {
+    std::memcpy(drawing.target().row(y), source.row(y), source.rowBytes());
+  });
+}
+
+int Draw(const Redrawing& drawing, int bits, unsigned flags) {
+  if (bits == drawing.source().depth) return CopyRows(drawing);
+  if (bits > 8) return DrawColors(drawing);
+  const auto mode = static_cast<DitheringMode>(flags >> kColorResDitheringShift);
+  return bits > 1 && (flags & kColorResOptimisedPalette) != 0
+             ? DrawInOptimisedPalette(drawing, mode)
+             : DrawInFixedPalette(drawing, mode);
 }
 
 int ChangeDepth(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int bits, unsigned flags) {
   Redrawing drawing(source);
   if (!drawing.hasSource() || target == nullptr) return kVendorNoBitmap;
   const Pixels& image = drawing.source();
-  if (bits == image.depth) {
-    if (const int code = provider::ReportNothingToDo(); code != kVendorSuccess) return code;
-    return source == target ? kVendorSuccess : CopyAtSameDepth(drawing, *target);
-  }
-  if (const int code = drawing.begin(image.width, image.height, bits); code != kVendorSuccess) {
-    return code;
-  }
-  const auto mode = static_cast<DitheringMode>(flags >> kColorResDitheringShift);
-  int code;
-  if (bits > 8) {
-    code = DrawColors(drawing);
-  } else if (bits > 1 && (flags & kColorResOptimisedPalette) != 0) {
-    code = DrawInOptimisedPalette(drawing, mode);
-  } else {
-    code = DrawInFixedPalette(drawing, mode);
-  }
+  if (bits == image.depth && source == target) return provider::ReportNothingToDo();
+  int code = drawing.begin(image.width, image.height, bits);
+  if (code == kVendorSuccess) code = Draw(drawing, bits, flags);
   return code == kVendorSuccess ? drawing.finish(*target) : code;
 }
 

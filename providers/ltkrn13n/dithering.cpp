@@ -1,6 +1,7 @@
 #include "ltkrn13n/dithering.h"
 
 #include <array>
+#include <cmath>
 #include <cstdlib>
 
 #include "ltkrn13n/dithering_tables.h"
@@ -59,7 +60,7 @@ class Ordered : public Ditherer {
     for (std::size_t y = 0; y < kMatrixSide; ++y) {
       for (std::size_t x = 0; x < kMatrixSide; ++x) {
         const int place = 2 * matrix.thresholds[y][x] + 1 - matrix.levels;
-        moves_[y][x] = place * step / (2 * matrix.levels);
+        moves_[y][x] = static_cast<int>(std::lround(place * step / (2.0 * matrix.levels)));
       }
     }
   }

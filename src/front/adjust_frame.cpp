@@ -26,10 +26,6 @@ std::optional<std::uint8_t> DepthOf(DibHandle image) {
   return static_cast<std::uint8_t>(locked.layout().depth);
 }
 
-bool SameMeasures(const orvo::DibLayout& a, const orvo::DibLayout& b) {
-  return a.width == b.width && a.height == b.height && a.depth == b.depth;
-}
-
 enum class GrayAnswer { kGray, kNotGray, kNoMemory, kNoLock };
 
 // Asks the bridge whether the palette of an 8-bit image is gray. The bridge may give an image back
@@ -70,22 +66,6 @@ int CodeFor(GrayAnswer answer) {
       break;
   }
   return ORVO_ERR_FAILURE;
-}
-
-// Overwrites an image with the pixels of another of the same measures. Its own header stays.
-void TakePixels(DibHandle target, DibHandle source) {
-  const LockedImage to(target, kLowByteOfDepth);
-  const LockedImage from(source, kLowByteOfDepth);
-  if (!to || !from || !SameMeasures(to.layout(), from.layout())) return;
-  std::memcpy(to.pixels(), from.pixels(), to.layout().totalBytes - to.layout().pixelOffset);
-}
-
-// Gives an image the header of another of the same measures.
-void TakeHeader(DibHandle target, DibHandle source) {
-  const LockedImage to(target, kLowByteOfDepth);
-  const LockedImage from(source, kLowByteOfDepth);
-  if (!to || !from || !SameMeasures(to.layout(), from.layout())) return;
-  std::memcpy(to.bytes(), from.bytes(), orvo::kDibHeaderBytes);
 }
 
 }  // namespace
@@ -180,7 +160,7 @@ int COrvoCS::RunAdjust(DibHandle source, DibHandle* result, std::uint8_t level,
   if (image.copy != nullptr) {
     leadTools->LTConvertToColorRes(image.copy, nullptr, image.incomingDepth);
     if (*result == source) {
-      TakePixels(source, image.copy);
+      TakeImage(source, image.copy);
     } else {
       TakeHeader(image.copy, source);
       *result = std::exchange(image.copy, nullptr);

@@ -1,6 +1,7 @@
 // The table of operations. Each entry forwards to a method of the bridge or of the toolkit's own
 // algorithms and adds the handle plumbing of its form.
 #include <cstring>
+#include <utility>
 
 #include <orvo/CLeadTools.h>
 #include <orvo/COrvoCS.h>
@@ -29,25 +30,14 @@ constexpr std::uint32_t kTableRotationFlags = 1;
 
 }  // namespace
 
-COrvoInstance::~COrvoInstance() {
-  delete leadTools;
-  delete orvoCS;
-}
-
 void* COrvoInstance::operator new(std::size_t bytes) noexcept {
   return LocalAlloc(LMEM_ZEROINIT, bytes);
 }
 
-void COrvoInstance::operator delete(void* memory) noexcept {
-  LocalFree(memory);
-}
-
 void COrvoInstance::Destroy(unsigned flag) noexcept {
-  if ((flag & 1U) != 0) {
-    delete this;
-  } else {
-    this->~COrvoInstance();
-  }
+  delete std::exchange(leadTools, nullptr);
+  delete std::exchange(orvoCS, nullptr);
+  if ((flag & 1U) != 0) LocalFree(this);
 }
 
 // --- The toolkit's own algorithms ----------------------------------------------------------------

@@ -25,28 +25,6 @@ int COrvoInstance::AutoRedEye(DibHandle, DibHandle*, int*) noexcept {
   return ORVO_ERR_NOT_SUPPORTED;
 }
 
-int COrvoInstance::Descreen(DibHandle, DibHandle*, std::uint32_t, std::uint32_t,
-                            StatusCallback) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::DescreenInPlace(DibHandle, std::uint32_t, std::uint32_t,
-                                   StatusCallback) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::AutoTrim(DibHandle, DibHandle*, std::uint8_t) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::AutoTrimInPlace(DibHandle*, std::uint8_t) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::GetAutoTrimRect(DibHandle, std::uint8_t, RECT*) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
 int COrvoInstance::FindRegions(DibHandle, RegionRecord**, int*, int, int) noexcept {
   return ORVO_ERR_NOT_SUPPORTED;
 }

@@ -11,6 +11,11 @@
 // A new movable block of the source's size, all zero; null on any failure or for a null source.
 [[nodiscard]] DibHandle CreateDIBOfSameSize(DibHandle source) noexcept;
 
+// Overwrites an image with the palette and pixels, or with the header alone, of another of the same
+// measures. Nothing happens when the measures differ or a block cannot be locked.
+void TakeImage(DibHandle target, DibHandle source) noexcept;
+void TakeHeader(DibHandle target, DibHandle source) noexcept;
+
 // The part of biBitCount that the frames of the pixel functions take as the depth.
 constexpr std::uint16_t kLowByteOfDepth = 0xFF;
 

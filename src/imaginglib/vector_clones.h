@@ -12,4 +12,11 @@
 #define ORVO_VECTOR_CLONES
 #endif
 
+// For templates that such a loop is made of: a template cannot be cloned itself.
+#if defined(__GNUC__)
+#define ORVO_ALWAYS_INLINE __attribute__((always_inline)) inline
+#else
+#define ORVO_ALWAYS_INLINE inline
+#endif
+
 #endif  // ORVO_IMAGINGLIB_VECTOR_CLONES_H

@@ -39,15 +39,15 @@ TEST_P(BindingTest, LoadsLooksUpAndUnloadsInOrder) {
                                               {"ltkrn13n.dll", kKernelEntries},
                                               {"ltimg13n.dll", kImageEntries},
                                               {"ltfil13n.dll", kFileEntries}};
-  const std::string folder =
-      std::filesystem::read_symlink("/proc/self/exe").parent_path().string() + "/";
+  const std::filesystem::path folder =
+      std::filesystem::read_symlink("/proc/self/exe").parent_path();
   Log bound;
   for (const std::string& module : GetParam().tried) {
-    bound.push_back("load " + folder + module);
-    if (GetParam().absent.count(module) != 0) continue;
+    bound.push_back("load " + (folder / module).string());
+    if (GetParam().absent.contains(module)) continue;
     for (const std::string& entry : entries.at(module)) bound.push_back("find " + entry);
   }
-  if (GetParam().absent.count("ltkrn13n.dll") == 0) bound.emplace_back("L_DefaultDithering(1)");
+  if (!GetParam().absent.contains("ltkrn13n.dll")) bound.emplace_back("L_DefaultDithering(1)");
   Log unloaded;
   for (const std::string& module : GetParam().unloaded) unloaded.push_back("unload " + module);
 

@@ -161,13 +161,5 @@ TEST_F(BitmapRules, GrayQuestionWithoutTheKernelIsAnsweredNo) {
   EXPECT_EQ(photo.get(), given);
 }
 
-TEST_F(BitmapRules, ToneTableIsPassedAsTheCallerGaveIt) {
-  const auto tools = Bind();
-  Name(kToneTable, "table");
-  orvo::OwnedDib photo = Photo(24);
-  EXPECT_EQ(tools->LTRemapIntensity(*photo.address(), nullptr, kToneTable, -4, nullptr), ORVO_OK);
-  EXPECT_EQ(TakeLog().at(1), "L_RemapBitmapIntensity(b1, table, 256, -4)");
-}
-
 }  // namespace
 }  // namespace bridge

@@ -4,29 +4,17 @@
 using doubles::Called;
 using doubles::Operate;
 
-int L_ChangeBitmapContrast(struct_LEAD_Bitmap* bitmap, int change) {
-  return Operate(Called("L_ChangeBitmapContrast", bitmap, change), bitmap);
-}
-
-int L_ChangeBitmapHue(struct_LEAD_Bitmap* bitmap, int change) {
-  return Operate(Called("L_ChangeBitmapHue", bitmap, change), bitmap);
-}
-
-int L_ChangeBitmapIntensity(struct_LEAD_Bitmap* bitmap, int change) {
-  return Operate(Called("L_ChangeBitmapIntensity", bitmap, change), bitmap);
-}
-
-int L_ChangeBitmapSaturation(struct_LEAD_Bitmap* bitmap, int change) {
-  return Operate(Called("L_ChangeBitmapSaturation", bitmap, change), bitmap);
-}
-
-int L_SharpenBitmap(struct_LEAD_Bitmap* bitmap, int change) {
-  return Operate(Called("L_SharpenBitmap", bitmap, change), bitmap);
-}
-
-int L_GammaCorrectBitmap(struct_LEAD_Bitmap* bitmap, unsigned gamma) {
-  return Operate(Called("L_GammaCorrectBitmap", bitmap, gamma), bitmap);
-}
+#define ORVO_DOUBLE_OF(function, number)                       \
+  int function(struct_LEAD_Bitmap* bitmap, number change) {    \
+    return Operate(Called(#function, bitmap, change), bitmap); \
+  }
+ORVO_DOUBLE_OF(L_ChangeBitmapContrast, int)
+ORVO_DOUBLE_OF(L_ChangeBitmapHue, int)
+ORVO_DOUBLE_OF(L_ChangeBitmapIntensity, int)
+ORVO_DOUBLE_OF(L_ChangeBitmapSaturation, int)
+ORVO_DOUBLE_OF(L_SharpenBitmap, int)
+ORVO_DOUBLE_OF(L_GammaCorrectBitmap, unsigned)
+#undef ORVO_DOUBLE_OF
 
 int L_InvertBitmap(struct_LEAD_Bitmap* bitmap) {
   return Operate(Called("L_InvertBitmap", bitmap), bitmap);

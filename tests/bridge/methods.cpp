@@ -4,8 +4,6 @@
 
 namespace bridge {
 
-const std::uint32_t kToneTable[256] = {};
-
 namespace {
 
 // A method that takes one number of any integer type and a callback.

@@ -42,7 +42,7 @@ const std::vector<Method>& Methods();
 const Method& MethodNamed(const std::string& name);
 
 // The table that LTRemapIntensity is given; the log calls it "table".
-extern const std::uint32_t kToneTable[256];
+inline constexpr std::uint32_t kToneTable[256] = {};
 
 }  // namespace bridge
 

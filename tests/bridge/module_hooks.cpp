@@ -32,7 +32,7 @@ void* LoadLibraryA(const char* path) {
   static auto* const real = Real<decltype(LoadLibraryA)>("LoadLibraryA");
   doubles::TheState().log.push_back("load " + std::string(path));
   const std::string name = std::string(path).substr(std::string(path).find_last_of("/\\") + 1);
-  void* const module = hooks::Absent().count(name) != 0 ? nullptr : real(path);
+  void* const module = hooks::Absent().contains(name) ? nullptr : real(path);
   if (module != nullptr) Loaded()[module] = name;
   return module;
 }
@@ -40,7 +40,7 @@ void* LoadLibraryA(const char* path) {
 void* GetProcAddress(void* module, const char* name) {
   static auto* const real = Real<decltype(GetProcAddress)>("GetProcAddress");
   doubles::TheState().log.push_back("find " + std::string(name));
-  return hooks::Absent().count(name) != 0 ? nullptr : real(module, name);
+  return hooks::Absent().contains(name) ? nullptr : real(module, name);
 }
 
 int FreeLibrary(void* module) {

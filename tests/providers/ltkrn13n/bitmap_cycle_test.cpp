@@ -48,7 +48,9 @@ TEST_F(KernelTest, copies_hold_the_whole_image_whatever_the_header_counts) {
 }
 
 TEST_F(KernelTest, only_a_resolution_that_was_changed_reaches_the_header) {
-  const auto header = [](const orvo::OwnedDib& dib) { return *pictures::Locked(dib.get()).header(); };
+  const auto header = [](const orvo::OwnedDib& dib) {
+    return *pictures::Locked(dib.get()).header();
+  };
   orvo::OwnedDib dib = Picture(4, 4, 24);
   pictures::Locked(dib.get()).header()->biXPelsPerMeter = 11812;
   struct_LEAD_Bitmap bitmap{};
@@ -58,8 +60,8 @@ TEST_F(KernelTest, only_a_resolution_that_was_changed_reaches_the_header) {
   ASSERT_EQ(L_SizeBitmap(&bitmap, 8, 2, kSizeNearest), kVendorSuccess);
   EXPECT_EQ(bitmap.yResolution, 150);
   const orvo::OwnedDib copy(L_ConvertToDIB(&bitmap));
-  dib.reset(L_ChangeToDIB(&bitmap));
-  for (const auto* image : {&copy, &dib}) {
+  const orvo::OwnedDib own(L_ChangeToDIB(&bitmap));
+  for (const auto* image : {&copy, &own}) {
     EXPECT_EQ(header(*image).biXPelsPerMeter, 11812);
     EXPECT_EQ(header(*image).biYPelsPerMeter, 5906);
   }

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <set>
 
 #include "kernel_fixture.h"
@@ -144,10 +143,10 @@ TEST_F(KernelTest, gray_is_the_rounded_brightness_of_each_colour) {
 
 // Flat grays and ramps keep their mean: to 1 bit nothing else is left of a tone.
 TEST_F(KernelTest, dithering_to_black_and_white_keeps_each_tone) {
-  constexpr int kSide = 64;
+  constexpr int kSide = 256;  // errors that leave at the edges count little
   for (unsigned dithering = 1; dithering <= 8; ++dithering) {
     // Sixteen thresholds can only show every sixteenth part of white.
-    const double bound = dithering == 8 ? 255 / 32.0 + 0.1 : 3.0;
+    const double bound = dithering == 8 ? 255 / 32.0 : 1.5;
     for (const int tone : {0, 1, 40, 100, 127, 128, 200, 250, 255}) {
       orvo::OwnedDib flat = pictures::Blank(kSide, kSide, 8);
       std::fill_n(pictures::Locked(flat.get()).row(0), kSide * kSide,
@@ -166,13 +165,14 @@ TEST_F(KernelTest, dithering_to_black_and_white_keeps_each_tone) {
 
 TEST_F(KernelTest, dithering_modes_differ_and_others_mean_none) {
   const orvo::OwnedDib ramp = kernel::GrayRamp(96, 24);
-  std::set<std::vector<std::uint8_t>> results;
-  for (unsigned mode = 0; mode <= 8; ++mode) {
-    results.insert(pictures::BytesOf(Changed(ramp, ToDepth(1, mode)).get()));
-  }
+  const auto dithered = [&](unsigned mode) {
+    const auto bytes = pictures::BytesOf(Changed(ramp, ToDepth(1, mode)).get());
+    return std::string(bytes.begin(), bytes.end());
+  };
+  std::set<std::string> results;
+  for (unsigned mode = 0; mode <= 8; ++mode) results.insert(dithered(mode));
   EXPECT_EQ(results.size(), 9U);
-  results.insert(pictures::BytesOf(Changed(ramp, ToDepth(1, 9)).get()));
-  EXPECT_EQ(results.size(), 9U);
+  EXPECT_EQ(dithered(9), dithered(0));
   const orvo::OwnedDib none = Changed(ramp, ToDepth(1, 0));
   const pictures::Locked image(none.get());
   for (int x = 0; x < 96; ++x) EXPECT_EQ(ColorAt(image, x, 0)[0], x * 255 / 95 > 127 ? 255 : 0);
@@ -203,8 +203,9 @@ TEST_F(KernelTest, dithering_brings_neighbourhoods_nearer_to_the_picture) {
     for (const unsigned flags : {0U, 1U}) {
       const double plain = Error(seen(picture), seen(Changed(picture, ToDepth(bits, 0, flags))));
       for (unsigned mode = 1; mode <= 8; ++mode) {
-        EXPECT_LT(Error(seen(picture), seen(Changed(picture, ToDepth(bits, mode, flags)))),
-                  plain * 0.8)
+        // A matrix knows nothing of where the palette's colours lie.
+        const double bound = mode >= 7 ? plain : plain * 0.8;
+        EXPECT_LT(Error(seen(picture), seen(Changed(picture, ToDepth(bits, mode, flags)))), bound)
             << bits << " bits, mode " << mode << ", flags " << flags;
       }
     }
@@ -219,9 +220,9 @@ TEST_F(KernelTest, another_bitmap_may_take_the_result) {
     L_ChangeFromDIB(&source, pictures::CopyOf(picture.get()).release());
     L_ChangeFromDIB(&target, Picture(3, 3, 1).release());
     source.xResolution = 72;
-    ASSERT_EQ(L_ColorResBitmap(&source, &target, bits, 1, nullptr, nullptr, nullptr, nullptr,
-                               nullptr),
-              kVendorSuccess);
+    ASSERT_EQ(
+        L_ColorResBitmap(&source, &target, bits, 1, nullptr, nullptr, nullptr, nullptr, nullptr),
+        kVendorSuccess);
     EXPECT_EQ(target.bitsPerPixel, bits);
     EXPECT_EQ(target.width, 20);
     EXPECT_EQ(target.xResolution, 72);

@@ -10,7 +10,9 @@ int Record(int percent, void* /*userData*/) {
   seen.push_back(percent);
   return percent == 77 ? 16 : 0;
 }
-int Other(int /*percent*/, void* /*userData*/) { return 16; }
+int Other(int /*percent*/, void* /*userData*/) {
+  return 16;
+}
 
 class StatusTest : public kernel::KernelTest {
  protected:

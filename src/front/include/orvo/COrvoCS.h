@@ -48,9 +48,9 @@ class ORVO_API COrvoCS {
   // level 0..3. 8-bit gray and 24 bits.
   int CSDescreen(DibHandle source, DibHandle* result, std::uint32_t level,
                  StatusCallback callback) noexcept;
-  // The rectangle of what is dark on a light page, measured at one threshold: 0, 0, 1, 1 when nothing
-  // is. Counts stored rows; right and bottom exclusive. 1-bit (through the bridge), 8-bit gray and 24
-  // bits; reads only.
+  // The rectangle of what is dark on a light page, measured at one threshold: 0, 0, 1, 1 when
+  // nothing is. Counts stored rows; right and bottom exclusive. 1-bit (through the bridge), 8-bit
+  // gray and 24 bits; reads only.
   int CSGetAutoTrimRect(DibHandle source, std::uint8_t threshold, RECT* rect) noexcept;
 
   // Memory of an object comes from the platform's working memory; new gives null when there is

@@ -54,7 +54,7 @@ ORVO_API COrvoInstance* CreateORVOInstance() noexcept;
 ORVO_API void DestroyORVOInstance(COrvoInstance* instance) noexcept;
 }
 
-class COrvoInstance final {
+class COrvoInstance {
  public:
   // 0. Ends the instance; with bit 0 of flag set its memory is released too. DestroyORVOInstance is
   // the usual way.
@@ -241,9 +241,10 @@ class COrvoInstance final {
   friend COrvoInstance* CreateORVOInstance() noexcept;
 
   COrvoInstance() noexcept = default;
-  ~COrvoInstance();
+  ~COrvoInstance() = default;
   static void* operator new(std::size_t bytes) noexcept;
-  static void operator delete(void* memory) noexcept;
+
+  int FindAutoTrimRect(DibHandle source, std::uint8_t threshold, RECT* rect) noexcept;
 
   CLeadTools* leadTools = nullptr;
   COrvoCS* orvoCS = nullptr;
