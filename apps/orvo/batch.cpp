@@ -115,7 +115,11 @@ class Session {
     if (planned > 1 && !(json_ && failed_ + skipped == 0)) tellSummary(planned, skipped);
     if (json_) {
       ordered_json document = StartDocument(*request_.operation, request_.parameters);
-      document[request_.operation->subject == Subject::kToolkit ? "answers" : "files"] = entries_;
+      if (request_.operation->subject == Subject::kToolkit) {
+        document.update(entries_.front());
+      } else {
+        document["files"] = entries_;
+      }
       PrintJson(document);
     }
     if (moduleMissing_) return kModuleMissing;

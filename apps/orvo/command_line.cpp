@@ -7,9 +7,12 @@
 namespace client {
 namespace {
 
-std::string SpelledNames(const Option& option) {
-  if (option.positional) return std::string(option.name);
-  const std::string name = "--" + std::string(option.name);
+std::string Spelled(const Option& option) {
+  return (option.positional ? "" : "--") + std::string(option.name);
+}
+
+std::string AllSpellings(const Option& option) {
+  const std::string name = Spelled(option);
   return option.shortName == 0 ? name : std::string("-") + option.shortName + "," + name;
 }
 
@@ -20,17 +23,17 @@ void AddOption(CLI::App& command, const Option& option, Parameters& parameters,
     const auto note = [&option, &parameters](std::int64_t /*count*/) {
       parameters.set(option, {});
     };
-    added = command.add_flag_function(SpelledNames(option), note, HelpText(option));
+    added = command.add_flag_function(AllSpellings(option), note, HelpText(option));
   } else {
     const auto note = [&option, &parameters](const std::string& text) {
       Value value;
       const std::string problem = ReadValue(option, text, value);
       if (!problem.empty()) {
-        throw CLI::ValidationError("--" + std::string(option.name) + " " + text, problem);
+        throw CLI::ValidationError(Spelled(option) + " " + text, problem);
       }
       parameters.set(option, std::move(value));
     };
-    added = command.add_option_function<std::string>(SpelledNames(option), note, HelpText(option));
+    added = command.add_option_function<std::string>(AllSpellings(option), note, HelpText(option));
     added->type_name(Placeholder(option));
   }
   added->required(option.required)->group(group);
@@ -91,7 +94,8 @@ std::variant<Request, ExitStatus> ReadCommandLine(int argc, const char* const* a
       app.exit(fault);
       return kAllDone;
     }
-    return TellWrongUsage(app, fault.what());
+    const bool unknown = app.get_subcommands().empty() && app.remaining_size() > 0;
+    return TellWrongUsage(app, unknown ? "no command " + app.remaining().front() : fault.what());
   }
   SetFallbacks(request);
   if (request.operation->check != nullptr) {

@@ -8,13 +8,13 @@ namespace {
 constexpr Option kCommonOptions[] = {
     {.name = "in-place", .meaning = "write over the input files", .kind = ValueKind::kFlag},
     {.name = "output",
-     .meaning = "output file, or folder when it ends in / or several files are given; other "
-                "files that stand there are replaced",
+     .meaning =
+         "output file, or folder if it ends in / or several files are given; replaced if it exists",
      .kind = ValueKind::kFile,
      .shortName = 'o'},
     {.name = "to",
-     .meaning = "extension of the output files, which chooses their format; without -o they go "
-                "beside the inputs",
+     .meaning =
+         "extension, and so format, of output files in a folder: that of -o, else the input's own",
      .kind = ValueKind::kText},
     {.name = "quality", .meaning = "of JPEG files, 100 best", .least = 1, .most = 100},
     {.name = "json", .meaning = "report on standard output as JSON", .kind = ValueKind::kFlag},

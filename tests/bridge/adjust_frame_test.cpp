@@ -129,12 +129,12 @@ struct Failure {
   std::string name;
   int depth;  // 0: no image at all
   int code;
-  std::uint8_t level = kLevel;
   std::set<std::string> absent = {};
+  std::deque<int> conversionCodes = {};
+  std::uint8_t level = kLevel;
   bool attached = true;
   bool inColor = false;
   bool malformed = false;
-  std::deque<int> conversionCodes = {};
 };
 
 void PrintTo(const Failure& failure, std::ostream* out) {

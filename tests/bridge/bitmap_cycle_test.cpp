@@ -265,7 +265,7 @@ TEST_P(CycleTest, SourceAndResultMayBeOneVariable) {
   orvo::OwnedDib image = Photo(24);
   const orvo::OwnedDib original = pictures::CopyOf(image.get());
   const orvo::OwnedDib changed = ChangedBy(method, image.get());
-  const DibHandle before = image.get();
+  void* const before = image.get();
 
   doubles::TheState().answers[method.own] = {kVendorFailure};
   EXPECT_EQ(method.call(*tools, *image.address(), image.address(), method.number, nullptr),

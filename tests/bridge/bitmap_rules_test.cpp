@@ -66,7 +66,7 @@ TEST_F(BitmapRules, EntriesForTheWayBackAreNeededToo) {
     SCOPED_TRACE(method);
     const auto tools = Bind({entry});
     orvo::OwnedDib photo = Photo(24);
-    const DibHandle given = photo.get();
+    void* const given = photo.get();
     DibHandle result = nullptr;
     EXPECT_EQ(MethodNamed(method).call(*tools, *photo.address(), inPlace ? nullptr : &result, 10,
                                        nullptr),
@@ -139,7 +139,7 @@ TEST_F(BitmapRules, GrayQuestionChangesTheHandleAndNothingElse) {
   const auto ask = [&](orvo::OwnedDib photo, int expected) {
     doubles::TheState().bitmaps.clear();
     const orvo::OwnedDib original = pictures::CopyOf(photo.get());
-    const DibHandle given = photo.get();
+    void* const given = photo.get();
     Name(given, "source");
     EXPECT_EQ(tools->LTIsGrayScaleBitmap(*photo.address()), expected);
     EXPECT_EQ(TakeLog(),
@@ -156,7 +156,7 @@ TEST_F(BitmapRules, GrayQuestionChangesTheHandleAndNothingElse) {
 TEST_F(BitmapRules, GrayQuestionWithoutTheKernelIsAnsweredNo) {
   const auto tools = Bind({"ltkrn13n.dll"});
   orvo::OwnedDib photo = Photo(8);
-  const DibHandle given = photo.get();
+  void* const given = photo.get();
   EXPECT_EQ(tools->LTIsGrayScaleBitmap(*photo.address()), 0);
   EXPECT_EQ(photo.get(), given);
 }

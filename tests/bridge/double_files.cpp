@@ -8,7 +8,7 @@ namespace {
 // A bitmap of 6 x 4 x 24 at 300 by 200 dots per inch.
 int MakePicture(struct_LEAD_Bitmap* bitmap) {
   const auto layout = orvo::DibLayoutFor(6, 4, 24);
-  const DibHandle block = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);
+  void* const block = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);
   void* const bytes = GlobalLock(block);
   if (bytes == nullptr) return kVendorNoMemory;
   BITMAPINFOHEADER header{};

@@ -38,7 +38,7 @@ DibHandle GiveBack(struct_LEAD_Bitmap* bitmap, int code) {
   *bitmap = {};
   if (code != kVendorSuccess) return GlobalFree(block);
   if (!TheState().freshHandles) return block;
-  const DibHandle fresh = doubles::CopyOfBlock(block);
+  void* const fresh = doubles::CopyOfBlock(block);
   if (fresh == nullptr) return block;
   GlobalFree(block);
   return fresh;
@@ -62,7 +62,7 @@ void StorePixel(std::uint8_t* at, int depth, std::uint32_t color) {
 bool Convert(struct_LEAD_Bitmap* bitmap, int depth) {
   const auto layout = orvo::DibLayoutFor(bitmap->width, bitmap->height, depth);
   const std::size_t size = GlobalSize(bitmap->block);
-  const DibHandle target = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);
+  void* const target = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);
   auto* const to = static_cast<std::uint8_t*>(GlobalLock(target));
   const auto* const from = static_cast<const std::uint8_t*>(GlobalLock(bitmap->block));
   const bool locked = to != nullptr && from != nullptr;
@@ -113,7 +113,7 @@ int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
          std::string("+").append(std::to_string(offset)),
          IsZero(*bitmap) ? "zeroed" : "not zeroed");
   const auto layout = orvo::DibLayoutFor(header->biWidth, header->biHeight, header->biBitCount);
-  const DibHandle copy = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);
+  void* const copy = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);
   void* const to = GlobalLock(copy);
   if (to == nullptr) {
     GlobalFree(copy);

@@ -73,7 +73,7 @@ void Hold(struct_LEAD_Bitmap* bitmap, DibHandle block) {
 
 DibHandle CopyOfBlock(DibHandle block) {
   const std::size_t size = GlobalSize(block);
-  const DibHandle copy = size == 0 ? nullptr : GlobalAlloc(orvo::kDibBlockFlags, size);
+  void* const copy = size == 0 ? nullptr : GlobalAlloc(orvo::kDibBlockFlags, size);
   if (copy == nullptr) return nullptr;
   const void* const from = GlobalLock(block);
   void* const to = GlobalLock(copy);

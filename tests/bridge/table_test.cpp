@@ -220,7 +220,7 @@ TEST_P(TableTest, ForwardsAndLeavesHandlesValid) {
   orvo::OwnedDib image = Photo(24);
   const orvo::OwnedDib original = pictures::CopyOf(image.get());
   const orvo::OwnedDib changed = Inverted(image.get());
-  const DibHandle given = image.get();
+  void* const given = image.get();
   DibHandle result = nullptr;
   Name(kToneTable, "table");
   TakeLog();
