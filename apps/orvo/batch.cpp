@@ -19,9 +19,9 @@ std::string DepthHint(const Operation& operation, DibHandle picture) {
   const auto shape = ShapeOf(picture);
   if (!shape || operation.depths.empty()) return {};
   const std::string remedy = shape->bits == 1 ? "orvo gray" : "orvo depth --bits 24";
-  return "the picture has " + std::to_string(shape->bits) + (shape->bits == 1 ? " bit" : " bits") +
-         " and " + std::string(shape->colors) + ", " + std::string(operation.name) + " takes " +
-         std::string(operation.depths) + ": try " + remedy + " first";
+  return "the picture is " + std::to_string(shape->bits) + "-bit " + std::string(shape->colors) +
+         ", " + std::string(operation.name) + " takes " + std::string(operation.depths) + "; try " +
+         remedy + " first";
 }
 
 // Other pages than the first are never loaded.
@@ -112,7 +112,7 @@ class Session {
 
   ExitStatus finish(std::size_t planned) {
     const std::size_t skipped = planned - done_ - failed_;
-    if (planned > 1 && !(json_ && failed_ + skipped == 0)) tellSummary(planned, skipped);
+    if (planned > 1) tellSummary(planned, skipped);
     if (json_) {
       ordered_json document = StartDocument(*request_.operation, request_.parameters);
       if (request_.operation->subject == Subject::kToolkit) {

@@ -19,7 +19,7 @@ class Numbers {
   explicit Numbers(const std::string& path) : file_(path, std::ios::binary) {}
 
   // Nothing behind the end of the file.
-  std::optional<std::uint64_t> at(std::uint64_t offset, int bytes) {
+  std::optional<std::uint64_t> at(std::uint64_t offset, unsigned bytes) {
     std::array<char, 8> raw{};
     file_.clear();
     if (!file_.seekg(static_cast<std::streamoff>(offset)) || !file_.read(raw.data(), bytes)) {
@@ -27,8 +27,8 @@ class Numbers {
     }
     if (!bigEndian_) std::reverse(raw.begin(), raw.begin() + bytes);
     std::uint64_t number = 0;
-    for (int i = 0; i < bytes; ++i) {
-      number = number << 8 | static_cast<unsigned char>(raw.at(static_cast<std::size_t>(i)));
+    for (unsigned i = 0; i < bytes; ++i) {
+      number = number << 8 | static_cast<unsigned char>(raw.at(i));
     }
     return number;
   }
@@ -49,8 +49,8 @@ class Numbers {
 // Where a page's directory keeps things, by the kind of file.
 struct DirectoryForm {
   std::uint64_t firstAt;  // where the file tells its first directory
-  int offsetBytes;        // of an offset into the file
-  int countBytes;         // of the number of entries, at the start
+  unsigned offsetBytes;   // of an offset into the file
+  unsigned countBytes;    // of the number of entries, at the start
   std::uint64_t entryBytes;
 };
 constexpr DirectoryForm kTiffForm{4, 4, 2, 12};
@@ -62,7 +62,7 @@ constexpr std::uint64_t kMostEntries = 65535;
 int PageCount(const std::string& path) {
   Numbers file(path);
   if (!file.readByteOrder()) return 1;
-  const auto kind = file.at(2, 2);
+  const std::uint64_t kind = file.at(2, 2).value_or(0);
   if (kind != kTiff && kind != kBigTiff) return 1;
   const DirectoryForm& form = kind == kTiff ? kTiffForm : kBigTiffForm;
 
@@ -72,8 +72,8 @@ int PageCount(const std::string& path) {
     const auto entries = file.at(*directory, form.countBytes);
     if (!entries || *entries > kMostEntries) break;
     ++pages;
-    const std::uint64_t countBytes = static_cast<std::uint64_t>(form.countBytes);
-    directory = file.at(*directory + countBytes + *entries * form.entryBytes, form.offsetBytes);
+    const std::uint64_t next = *directory + form.countBytes + *entries * form.entryBytes;
+    directory = file.at(next, form.offsetBytes);
   }
   return std::max(pages, 1);
 }

@@ -78,7 +78,7 @@ OwnedBlock CopyOf(const LockedDib& image) noexcept {
   OwnedBlock copy = NewDibOf(image.header());
   const LockedDib target(copy.get());
   if (!target) return OwnedBlock();
-  if (image->palette != nullptr) {
+  if (image->palette != nullptr && target->palette != nullptr) {
     std::memcpy(target->palette, image->palette, orvo::DibPaletteBytes(image->depth));
   }
   std::memcpy(target->bits, image->bits, image->stride * static_cast<std::size_t>(image->height));

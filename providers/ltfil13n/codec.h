@@ -34,6 +34,10 @@ struct Codec {
   // Writes an image; what stands at request.path after a failure is deleted by the caller.
   // kVendorFormatNotWritten when the depth cannot be written.
   int (*save)(const SaveRequest& request, const LockedDib& image);
+  // Reads a page that may be shrunk, as long as it stays at least this large; null for kinds that
+  // gain nothing by it.
+  int (*loadAtLeast)(const char* path, int page, int width, int height,
+                     struct_LEAD_Bitmap& bitmap) = nullptr;
 };
 
 // All codecs of this build, in the order in which they are asked.

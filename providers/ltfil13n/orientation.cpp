@@ -29,12 +29,14 @@ struct WholeBytes {
 };
 
 // The target's rows are zero, so bits only need setting.
-template <int bits>
+template <unsigned bits>
 struct PartsOfBytes {
-  static int shift(int x) { return 8 - bits - x * bits % 8; }
+  static std::size_t bitOf(int x) { return static_cast<std::size_t>(x) * bits; }
+  static unsigned shift(int x) { return static_cast<unsigned>(8 - bits - bitOf(x) % 8); }
   static void copy(const std::uint8_t* from, int fromX, std::uint8_t* to, int toX) {
-    const int value = from[fromX * bits / 8] >> shift(fromX) & ((1 << bits) - 1);
-    to[toX * bits / 8] = static_cast<std::uint8_t>(to[toX * bits / 8] | value << shift(toX));
+    const unsigned value = from[bitOf(fromX) / 8] >> shift(fromX) & ((1U << bits) - 1U);
+    std::uint8_t& byte = to[bitOf(toX) / 8];
+    byte = static_cast<std::uint8_t>(byte | value << shift(toX));
   }
 };
 

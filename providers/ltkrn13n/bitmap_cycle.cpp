@@ -39,7 +39,7 @@ int L_ChangeFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) {
 DibHandle L_ChangeToDIB(struct_LEAD_Bitmap* bitmap) {
   if (bitmap == nullptr) return nullptr;
   StampResolution(*bitmap, bitmap->block);
-  const DibHandle block = bitmap->block;
+  DibHandle block = bitmap->block;
   *bitmap = {};
   return block;
 }

@@ -48,6 +48,7 @@ std::vector<Color> ColorCube() {
   constexpr int kStep = 255 / (kLevels - 1);
   constexpr int kGrays = 256 - kLevels * kLevels * kLevels;
   std::vector<Color> colors;
+  colors.reserve(256);
   for (int i = 0; i < kLevels * kLevels * kLevels; ++i) {
     colors.push_back({provider::ClampedTone(i % kLevels * kStep),
                       provider::ClampedTone(i / kLevels % kLevels * kStep),

@@ -103,7 +103,7 @@ class ErrorDiffusion : public Ditherer {
       Channels rounded;
       for (std::size_t c = 0; c < kChannels; ++c) {
         wanted[c] = static_cast<float>(pixel[c]) + inherited[c];
-        rounded[c] = static_cast<int>(wanted[c] + kLift + 0.5F) - static_cast<int>(kLift);
+        rounded[c] = static_cast<int>(wanted[c] + kLift) - static_cast<int>(kLift);
       }
       indexes[x] = search_.nearest(ClampedColor(rounded));
       spread(x, wanted, ChannelsOf(search_.color(indexes[x])));
@@ -120,8 +120,8 @@ class ErrorDiffusion : public Ditherer {
     std::size_t down;
     float part;
   };
-  // Makes values positive before they are cut to integers, so that all of them round alike.
-  static constexpr float kLift = 1024;
+  // Makes values positive, so that cutting off their fraction rounds all of them alike to nearest.
+  static constexpr float kLift = 1024.5F;
 
   // An error larger than a step comes from a colour outside the palette's reach. Passed on in full
   // it would pile up and smear over what follows.

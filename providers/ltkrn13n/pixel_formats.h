@@ -27,7 +27,8 @@ struct PackedFormat {
   // The other pixels of the byte stay.
   static void write(std::uint8_t* row, std::size_t x, Value value) {
     std::uint8_t& byte = row[x / kPerByte];
-    byte = static_cast<std::uint8_t>((byte & ~(kMask << shiftOf(x))) | value << shiftOf(x));
+    const unsigned shift = shiftOf(x);
+    byte = static_cast<std::uint8_t>((byte & ~(kMask << shift)) | unsigned{value} << shift);
   }
 };
 

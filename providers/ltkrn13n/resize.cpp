@@ -1,6 +1,7 @@
 // Change of size. Depth and palette stay: where bytes stand for colours of a palette, the nearest
 // pixel is taken whatever the flags say, because colours between two entries may not be there.
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "common/guard.h"
@@ -21,10 +22,7 @@ using provider::Resampling;
 class NearestStepper {
  public:
   NearestStepper(int from, int to)
-      : from_(static_cast<std::uint64_t>(from)), to_(static_cast<std::uint64_t>(to)) {
-    place_ = from_ / (2 * to_);
-    rest_ = from_ % (2 * to_);
-  }
+      : from_(static_cast<std::uint64_t>(from)), to_(static_cast<std::uint64_t>(to)) {}
   // The next old pixel.
   std::size_t next() {
     const auto place = static_cast<std::size_t>(place_);
@@ -42,8 +40,8 @@ class NearestStepper {
   std::uint64_t to_;
   std::uint64_t wholes_ = from_ / to_;
   std::uint64_t parts_ = 2 * (from_ % to_);
-  std::uint64_t place_;
-  std::uint64_t rest_;  // in parts of 1/(2 to)
+  std::uint64_t place_ = from_ / (2 * to_);
+  std::uint64_t rest_ = from_ % (2 * to_);  // in parts of 1/(2 to)
 };
 
 int DrawNearest(const Pixels& source, const Pixels& target) {
@@ -103,13 +101,14 @@ void MixColumns(const std::vector<float>& line, const Resampling& columns, std::
   for (std::size_t x = 0; x < columns.size(); ++x) {
     const Resampling::Mix mix = columns.mix(x);
     const float* pixel = line.data() + mix.first * kChannels;
-    float sums[kChannels] = {};
+    std::array<float, kChannels> sums;
+    sums.fill(0.5F);  // so that what is cut off in the end was rounded
     for (const float weight : mix.weights) {
       for (std::size_t c = 0; c < kChannels; ++c) sums[c] += weight * pixel[c];
       pixel += kChannels;
     }
     for (std::size_t c = 0; c < kChannels; ++c) {
-      *row++ = static_cast<std::uint8_t>(std::clamp(sums[c], 0.0F, 255.0F) + 0.5F);
+      *row++ = static_cast<std::uint8_t>(std::clamp(sums[c], 0.0F, 255.0F));
     }
   }
 }

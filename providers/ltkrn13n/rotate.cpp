@@ -45,7 +45,7 @@ Turn TurnBy(int angle) {
     const auto sineOf = [&](int n) { return double(kSines[static_cast<std::size_t>(n % 4)]); };
     return {sineOf(quarters + 1), sineOf(quarters), quarters};
   }
-  const double radians = within * std::numbers::pi / (kFullTurn / 2);
+  const double radians = within * 2 * std::numbers::pi / kFullTurn;
   return {std::cos(radians), std::sin(radians), std::nullopt};
 }
 
@@ -107,6 +107,7 @@ Value PixelOf(const Pixels& image, Color color);
 template <>
 std::uint8_t PixelOf(const Pixels& image, Color color) {
   std::vector<Color> entries;
+  entries.reserve(static_cast<std::size_t>(image.paletteSize()));
   for (int i = 0; i < image.paletteSize(); ++i)
     entries.push_back(provider::ColorOf(image.palette[i]));
   return provider::PaletteSearch(entries).nearest(color);

@@ -38,7 +38,7 @@ class DescreenFilter {
   DescreenImage image_;
   std::uint32_t level_;
   std::int32_t half_;  // of the window
-  ImgArray<std::uint32_t> sums_;
+  ImgArray<std::uint16_t> sums_;
 };
 
 #endif  // ORVO_CLEANUP_DESCREEN_FILTER_H

@@ -68,7 +68,12 @@ class Equalizer {
         window_(tones_, width, height) {}
 
   int run() {
-    if (!tones_.take(source_, width_, height_, depth_) || !window_.allocate()) return kImgNoMemory;
+    maps_ = ImgAllocArray<ToneMap>(width_ / kTileSide + 1);
+    luma_ = ImgAllocArray<double>(width_);
+    if (maps_ == nullptr || luma_ == nullptr || !window_.allocate() ||
+        !tones_.take(source_, width_, height_, depth_)) {
+      return kImgNoMemory;
+    }
     // At 8 bits the tones are the source's own bytes, which an in-place call changes on the way.
     const bool tonesChange = depth_ == kGrayDepth && source_ == target_;
     for (std::uint32_t top = 0; top + kCentre < height_; top += kTileSide) {
@@ -77,22 +82,27 @@ class Equalizer {
       } else {
         window_.moveDown(top);
       }
-      adjustTileRow(top);
+      makeMaps(top);
+      const Span rows = TileSpan(top, height_);
+      for (std::uint32_t y = rows.first; y < rows.end; ++y) applyMaps(y);
     }
     return kImgDone;
   }
 
  private:
-  void adjustTileRow(std::uint32_t top) {
+  // The maps of a row of tiles, which can all be made before the first is applied: what a tile
+  // writes lies neither in the centre of a later tile nor in columns that are still to enter the
+  // window.
+  void makeMaps(std::uint32_t top) {
     window_.moveToStart();
+    ToneMap* map = maps_.get();
     for (std::uint32_t left = 0; left + kCentre < width_; left += kTileSide) {
-      makeMap(left, top);
-      applyMap(left, top);
+      makeMap(left, top, *map++);
       window_.moveRight();
     }
   }
 
-  void makeMap(std::uint32_t left, std::uint32_t top) {
+  void makeMap(std::uint32_t left, std::uint32_t top, ToneMap& map) {
     Count centre[kToneCount] = {};
     const std::uint32_t bottom = std::min(top + kCentre + kTileSide, height_);
     const std::uint32_t right = std::min(left + kCentre + kTileSide, width_);
@@ -101,22 +111,28 @@ class Equalizer {
       for (std::uint32_t x = left + kCentre; x < right; ++x) ++centre[row[x]];
     }
     const std::uint32_t rows = window_.bottomOf(top) - top;
-    FillMap(window_.counts(), rows * window_.columns(), level_, VarietyOf(centre), map_);
+    FillMap(window_.counts(), rows * window_.columns(), level_, VarietyOf(centre), map);
   }
 
-  void applyMap(std::uint32_t left, std::uint32_t top) {
-    const Span rows = TileSpan(top, height_);
-    const Span columns = TileSpan(left, width_);
-    if (columns.first >= columns.end) return;
-    const std::size_t count = columns.end - columns.first;
-    for (std::uint32_t y = rows.first; y < rows.end; ++y) {
-      const std::uint8_t* const tones = tones_.row(y) + columns.first;
-      const std::size_t at = stride_ * y + std::size_t{columns.first} * (depth_ / 8U);
+  void applyMaps(std::uint32_t y) {
+    const std::uint8_t* const tones = tones_.row(y);
+    const ToneMap* map = maps_.get();
+    for (std::uint32_t left = 0; left + kCentre < width_; left += kTileSide, ++map) {
+      const Span columns = TileSpan(left, width_);
       if (depth_ == kGrayDepth) {
-        MapTones(map_, tones, count, target_ + at);
+        std::uint8_t* const target = target_ + stride_ * y;
+        for (std::uint32_t x = columns.first; x < columns.end; ++x) {
+          target[x] = map->truncated[tones[x]];
+        }
       } else {
-        MapColors(map_, tones, count, source_ + at, target_ + at);
+        for (std::uint32_t x = columns.first; x < columns.end; ++x) {
+          luma_[x] = map->value[tones[x]];
+        }
       }
+    }
+    if (depth_ == kColorDepth) {
+      const std::size_t at = stride_ * y + std::size_t{kBorder} * 3;
+      StoreColors(luma_.get() + kBorder, width_ - 2 * kBorder, source_ + at, target_ + at);
     }
   }
 
@@ -129,7 +145,8 @@ class Equalizer {
   std::size_t stride_;
   Tones tones_;
   WindowHistogram window_;
-  ToneMap map_;
+  ImgArray<ToneMap> maps_;  // one for each tile of a row
+  ImgArray<double> luma_;   // of one row, mapped
 };
 
 }  // namespace

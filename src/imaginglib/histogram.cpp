@@ -62,13 +62,18 @@ int ImgHistogramAdjust(const std::uint8_t* source, std::uint8_t* target, std::ui
   ImgCopy(target, source, stride * height);
   Tones tones;
   if (!tones.take(source, width, height, depth)) return kImgNoMemory;
+  const auto luma = ImgAllocArray<double>(width);
+  if (luma == nullptr) return kImgNoMemory;
   const std::uint32_t clipped = ((width / 10) * (height / 10) * level) / 2;
   const ToneMap map = StretchFor(CountTones(tones, width, height), clipped);
   for (std::uint32_t y = 0; y < height; ++y) {
+    const std::uint8_t* const row = tones.row(y);
+    std::uint8_t* const out = target + stride * y;
     if (depth == kGrayDepth) {
-      MapTones(map, tones.row(y), width, target + stride * y);
+      for (std::uint32_t x = 0; x < width; ++x) out[x] = map.truncated[row[x]];
     } else {
-      MapColors(map, tones.row(y), width, source + stride * y, target + stride * y);
+      for (std::uint32_t x = 0; x < width; ++x) luma[x] = map.value[row[x]];
+      StoreColors(luma.get(), width, source + stride * y, out);
     }
   }
   return kImgDone;

@@ -7,7 +7,8 @@
 // Sanitizers cannot follow the loader's choice between versions.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define ORVO_VECTOR_CLONES __attribute__((target_clones("avx512f", "avx2", "default")))
+#define ORVO_VECTOR_CLONES \
+  __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
 #else
 #define ORVO_VECTOR_CLONES
 #endif

@@ -30,7 +30,7 @@ enum class Form {
   kToNew,    // an image operation of the modules, to a new handle
   kInPlace,  // the same in place
   kOther,
-  kLater,  // not built yet: only has to bear a call
+  kBorne,  // only has to bear a call here
 };
 
 struct Entry {
@@ -58,23 +58,23 @@ const Entry kEntries[] = {
      "load /none/convert.so", false, ORVO_ERR_NO_CONVERTER},
     {3, "SharpnessAdjust", Form::kOther, [](S s, H i, H r) { return s(*i, r, kLevel); }},
     {4, "SharpnessAdjustInPlace", Form::kOther, [](S s, H i, H) { return s(*i, kLevel); }},
-    {5, "HistogramAdjust", Form::kLater, [](S s, H i, H r) { return s(*i, r, kLevel); }},
-    {6, "HistogramAdjustInPlace", Form::kLater, [](S s, H i, H) { return s(*i, kLevel); }},
-    {7, "ExposureAdjust", Form::kLater, [](S s, H i, H r) { return s(*i, r, kLevel); }},
-    {8, "ExposureAdjustInPlace", Form::kLater, [](S s, H i, H) { return s(*i, kLevel); }},
-    {9, "SearchRedEyeRegion", Form::kLater,
+    {5, "HistogramAdjust", Form::kBorne, [](S s, H i, H r) { return s(*i, r, kLevel); }},
+    {6, "HistogramAdjustInPlace", Form::kBorne, [](S s, H i, H) { return s(*i, kLevel); }},
+    {7, "ExposureAdjust", Form::kBorne, [](S s, H i, H r) { return s(*i, r, kLevel); }},
+    {8, "ExposureAdjustInPlace", Form::kBorne, [](S s, H i, H) { return s(*i, kLevel); }},
+    {9, "SearchRedEyeRegion", Form::kBorne,
      [](S s, H i, H) {
        std::uint32_t found[3] = {};
        return s(*i, kOne, kOne, &found[0], &found[1], &found[2]);
      }},
-    {10, "ReduceRedEye", Form::kLater, [](S s, H i, H r) { return s(*i, r, kOne, kOne, kOne); }},
-    {11, "ReduceRedEyeInPlace", Form::kLater, [](S s, H i, H) { return s(*i, kOne, kOne, kOne); }},
-    {12, "AutoRedEyeInPlace", Form::kLater,
+    {10, "ReduceRedEye", Form::kBorne, [](S s, H i, H r) { return s(*i, r, kOne, kOne, kOne); }},
+    {11, "ReduceRedEyeInPlace", Form::kBorne, [](S s, H i, H) { return s(*i, kOne, kOne, kOne); }},
+    {12, "AutoRedEyeInPlace", Form::kBorne,
      [](S s, H i, H) {
        int found = 0;
        return s(*i, &found);
      }},
-    {13, "AutoRedEye", Form::kLater,
+    {13, "AutoRedEye", Form::kBorne,
      [](S s, H i, H r) {
        int found = 0;
        return s(*i, r, &found);
@@ -84,8 +84,8 @@ const Entry kEntries[] = {
      ORVO_ERR_OUT_OF_RANGE},
     {15, "WhitenessAdjustInPlace", Form::kOther,
      [](S s, H i, H) { return s(*i, std::uint32_t{255}); }},
-    {16, "Descreen", Form::kLater, [](S s, H i, H r) { return s(*i, r, kOne, kOne, kNone); }},
-    {17, "DescreenInPlace", Form::kLater, [](S s, H i, H) { return s(*i, kOne, kOne, kNone); }},
+    {16, "Descreen", Form::kBorne, [](S s, H i, H r) { return s(*i, r, kOne, kOne, kNone); }},
+    {17, "DescreenInPlace", Form::kBorne, [](S s, H i, H) { return s(*i, kOne, kOne, kNone); }},
     {18, "GetVersion", Form::kOther,
      [](S s, H, H) {
        LTVERSIONINFO vendor{};
@@ -142,9 +142,9 @@ const Entry kEntries[] = {
      "L_SharpenBitmap(b1, 40)", true},
     {41, "LeadSharpnessAdjustInPlace", Form::kInPlace,
      [](S s, H i, H) { return s(i, 41, &Watcher); }, "L_SharpenBitmap(b1, 41)", true},
-    {42, "AutoTrim", Form::kLater, [](S s, H i, H r) { return s(*i, r, kLevel); }},
-    {43, "AutoTrimInPlace", Form::kLater, [](S s, H i, H) { return s(i, kLevel); }},
-    {44, "GetAutoTrimRect", Form::kLater,
+    {42, "AutoTrim", Form::kBorne, [](S s, H i, H r) { return s(*i, r, kLevel); }},
+    {43, "AutoTrimInPlace", Form::kBorne, [](S s, H i, H) { return s(i, kLevel); }},
+    {44, "GetAutoTrimRect", Form::kBorne,
      [](S s, H i, H) {
        RECT rect{};
        return s(*i, kLevel, &rect);
@@ -177,7 +177,7 @@ const Entry kEntries[] = {
        EXPECT_EQ(count, 16);
        return code;
      }},
-    {54, "FindRegions", Form::kLater,
+    {54, "FindRegions", Form::kBorne,
      [](S s, H i, H) {
        RegionRecord* list = nullptr;
        int count = 0;
@@ -185,7 +185,7 @@ const Entry kEntries[] = {
        GlobalFree(list);
        return code;
      }},
-    {55, "AutoDeskew", Form::kLater,
+    {55, "AutoDeskew", Form::kBorne,
      [](S s, H i, H r) {
        int angle = 0;
        return s(*i, r, &angle, kNone);
@@ -228,7 +228,7 @@ TEST_P(TableTest, ForwardsAndLeavesHandlesValid) {
   const int code = entry.call({toolkit.get(), entry.position}, image.address(), &result);
   const orvo::OwnedDib made(result == image.get() ? nullptr : result);
   const Log log = TakeLog();
-  if (entry.form == Form::kLater) return;
+  if (entry.form == Form::kBorne) return;
   EXPECT_EQ(code, entry.code);
   EXPECT_EQ(std::count(log.begin(), log.end(), entry.vendorCall), entry.vendorCall.empty() ? 0 : 1)
       << testing::PrintToString(log);

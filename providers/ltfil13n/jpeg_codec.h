@@ -1,0 +1,18 @@
+// Reading and writing of JPEG. The functions are those of a Codec.
+#ifndef PROVIDERS_LTFIL13N_JPEG_CODEC_H
+#define PROVIDERS_LTFIL13N_JPEG_CODEC_H
+
+#include "ltfil13n/codec.h"
+#include "ltfil13n/file_image.h"
+
+namespace provider {
+
+int DescribeJpeg(const char* path, int page, LTFILEINFO& info);
+int LoadJpeg(const char* path, int page, struct_LEAD_Bitmap& bitmap);
+int LoadJpegAtLeast(const char* path, int page, int width, int height,
+                    struct_LEAD_Bitmap& bitmap);
+int SaveJpeg(const SaveRequest& request, const LockedDib& image);
+
+}  // namespace provider
+
+#endif  // PROVIDERS_LTFIL13N_JPEG_CODEC_H
