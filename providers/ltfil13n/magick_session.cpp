@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string>
 
 #include "ltfil13n/library_calls.h"
 
@@ -141,19 +142,18 @@ int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
   return image ? kVendorSuccess : kVendorFormatDamaged;
 }
 
-int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress,
-                 std::string& file) {
+int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file) {
   MagickReport report;
   void* bytes = nullptr;
   std::size_t count = 0;
   if (!CallMagick(&progress, [&] { bytes = ImageToBlob(&info, &image, &count, report.get()); })) {
     return kVendorNoMemory;
   }
-  if (bytes != nullptr) file.assign(static_cast<const char*>(bytes), count);
+  const bool written = bytes != nullptr && std::fwrite(bytes, 1, count, file) == count;
   MagickFree(bytes);
   if (progress.stopped()) return kVendorAborted;
   if (report.code() == kVendorNoMemory) return kVendorNoMemory;
-  return report.code() == kVendorSuccess && !file.empty() ? kVendorSuccess : kVendorWriteFailed;
+  return written && report.code() == kVendorSuccess ? kVendorSuccess : kVendorWriteFailed;
 }
 
 }  // namespace provider

@@ -6,9 +6,9 @@
 #include <magick/api.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <span>
-#include <string>
 
 #include "common/status.h"
 
@@ -70,9 +70,8 @@ MagickImage NewMagickImage(const ImageInfo& info);
 // The first image of a file in memory, without its pixels when progress is null. Vendor code.
 int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
                  MagickProgress* progress, MagickImage& image);
-// The bytes of a file that holds the image. Vendor code.
-int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress,
-                 std::string& file);
+// Writes the bytes of a file that holds the image. Vendor code.
+int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file);
 
 }  // namespace provider
 

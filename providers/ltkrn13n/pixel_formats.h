@@ -26,9 +26,9 @@ struct PackedFormat {
   }
   // The other pixels of the byte stay.
   static void write(std::uint8_t* row, std::size_t x, Value value) {
-    std::uint8_t& byte = row[x / kPerByte];
     const unsigned shift = shiftOf(x);
-    byte = static_cast<std::uint8_t>((byte & ~(kMask << shift)) | unsigned{value} << shift);
+    const unsigned others = row[x / kPerByte] & ~(kMask << shift);
+    row[x / kPerByte] = static_cast<std::uint8_t>(others | unsigned{value} << shift);
   }
 };
 

@@ -3,13 +3,12 @@
 // A movable block's handle is a serial number in the shape of a pointer: it is never reused, so a
 // handle that was freed stays dead for the life of the process, and it is odd, so it is never the
 // address of a fixed block. All handles are looked up, none is followed.
-#include <cstdlib>
-#include <cstring>
 #include <mutex>
 #include <new>
 #include <unordered_map>
 
 #include "platform/fault_injection.h"
+#include "platform/memory.h"
 
 namespace {
 
@@ -44,19 +43,12 @@ Registry& TheRegistry() {
   return *registry;
 }
 
-// Zeroed memory comes from calloc, which leaves large blocks to be zeroed by the system on first
-// touch.
-void* AllocateMemory(unsigned flags, std::size_t bytes) {
-  const std::size_t size = bytes == 0 ? 1 : bytes;
-  return (flags & GMEM_ZEROINIT) != 0 ? std::calloc(1, size) : std::malloc(size);
-}
-
 // Enters a new block; the handle, or null when memory ran out.
 void* Register(Registry& registry, std::unordered_map<void*, Block>& blocks, unsigned flags,
                std::size_t bytes) {
   const std::lock_guard guard(registry.mutex);
   if (registry.failingAllocation.fires()) return nullptr;
-  void* const memory = AllocateMemory(flags, bytes);
+  void* const memory = platform::TakeMemory(bytes, (flags & GMEM_ZEROINIT) != 0);
   if (memory == nullptr) return nullptr;
   void* handle = memory;
   if ((flags & GMEM_MOVEABLE) != 0) {
@@ -66,7 +58,7 @@ void* Register(Registry& registry, std::unordered_map<void*, Block>& blocks, uns
   try {
     blocks.emplace(handle, Block{memory, bytes, 0});
   } catch (const std::bad_alloc&) {
-    std::free(memory);
+    platform::GiveMemory(memory, bytes);
     return nullptr;
   }
   return handle;
@@ -76,7 +68,7 @@ void* Release(Registry& registry, std::unordered_map<void*, Block>& blocks, void
   const std::lock_guard guard(registry.mutex);
   const auto found = blocks.find(handle);
   if (found == blocks.end()) return handle;
-  std::free(found->second.memory);
+  platform::GiveMemory(found->second.memory, found->second.bytes);
   blocks.erase(found);
   return nullptr;
 }
