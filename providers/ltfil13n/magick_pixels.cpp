@@ -20,7 +20,7 @@ Quantum QuantumOf(std::uint8_t tone) {
   return static_cast<Quantum>(tone * (kMost / 255));
 }
 
-Color ColorOf(const PixelPacket& pixel) {
+Color PlainColor(const PixelPacket& pixel) {
   return {ToneOf(pixel.blue), ToneOf(pixel.green), ToneOf(pixel.red)};
 }
 // Laid over white.
@@ -46,7 +46,7 @@ class RowToDib {
   RowToDib(const Image& image, const Pixels& target)
       : target_(target), colors_(image.columns), indexes_(image.columns), matte_(image.matte != 0) {
     for (unsigned i = 0; target.palette != nullptr && i < image.colors; ++i) {
-      target.palette[i] = EntryOf(ColorOf(image.colormap[i]));
+      target.palette[i] = EntryOf(PlainColor(image.colormap[i]));
     }
   }
 
@@ -59,7 +59,7 @@ class RowToDib {
       return WriteIndexes(target_, y, indexes_.data());
     }
     const bool keepsAlpha = target_.depth == 32;
-    const auto color = matte_ && !keepsAlpha ? ColorOverWhite : &provider::ColorOf;
+    const auto color = matte_ && !keepsAlpha ? ColorOverWhite : PlainColor;
     std::transform(pixels, pixels + colors_.size(), colors_.begin(), color);
     WriteColors(target_, y, colors_.data());
     if (!keepsAlpha || !matte_) return;
@@ -108,7 +108,7 @@ bool MakePalette(const Pixels& source, Image& image) {
   const int count = source.paletteSize();
   if (AllocateImageColormap(&image, static_cast<unsigned long>(count)) != MagickPass) return false;
   for (int i = 0; i < count; ++i) {
-    image.colormap[i] = PixelOf(provider::ColorOf(source.palette[i]));
+    image.colormap[i] = PixelOf(ColorOf(source.palette[i]));
   }
   return true;
 }

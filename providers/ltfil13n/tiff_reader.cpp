@@ -11,6 +11,8 @@
 namespace provider {
 namespace {
 
+constexpr std::uint32_t kTileUnit = 16;  // tiles begin at a multiple of this many pixels
+
 // The parts in which a page is coded: tiles, or strips, which are tiles as wide as the page.
 struct Parts {
   bool tiled = false;
@@ -115,9 +117,10 @@ int ReadParts(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, const P
   // Rows must be as long as their samples: the library has its own idea for subsampled colours.
   const std::uint64_t samples =
       std::uint64_t{parts.width} * static_cast<std::uint64_t>(page.planar ? 1 : page.samples);
+  const bool packed = page.kind == TiffPage::Kind::kIndexes && parts.tiled;
   if (static_cast<std::uint64_t>(parts.rowBytes) !=
           (samples * static_cast<std::uint64_t>(page.bits) + 7) / 8 ||
-      (parts.tiled && parts.width % 16 != 0)) {
+      (packed && parts.width % kTileUnit != 0)) {
     return kVendorFormatDamaged;
   }
   return PartReader(tiff, page, parts, image).read();

@@ -52,7 +52,7 @@ const std::uint8_t* TiffRows::samplesOf(const std::uint8_t* const* planes, std::
   return samples_.data();
 }
 
-// Segments begin at a multiple of 16 pixels, so always with a whole byte.
+// Tiles of indexes begin at a multiple of 16 pixels, so always with a whole byte.
 void TiffRows::storeIndexes(const std::uint8_t* packed, int left, int count,
                             std::uint8_t* row) const {
   const auto start = static_cast<std::size_t>(left);

@@ -54,12 +54,11 @@ struct Extent {
   int height;
 };
 
-// The smallest size that holds the whole turned image; nothing when it is beyond all numbers.
+// The smallest size that holds the whole turned image; nothing when it is beyond all numbers. Only
+// quarter turns make whole numbers, and those are exact.
 std::optional<Extent> GrownExtent(const Pixels& image, const Turn& turn) {
-  constexpr double kNoise = 1e-6;  // pixels, which rounding may add to a whole number
   const auto length = [&](double alongWidth, double alongHeight) {
-    return std::ceil(image.width * std::fabs(alongWidth) + image.height * std::fabs(alongHeight) -
-                     kNoise);
+    return std::ceil(image.width * std::fabs(alongWidth) + image.height * std::fabs(alongHeight));
   };
   const double width = length(turn.cosine, turn.sine);
   const double height = length(turn.sine, turn.cosine);

@@ -26,46 +26,30 @@ std::optional<std::uint8_t> DepthOf(DibHandle image) {
   return static_cast<std::uint8_t>(locked.layout().depth);
 }
 
-enum class GrayAnswer { kGray, kNotGray, kNoMemory, kNoLock };
-
-// Asks the bridge whether the palette of an 8-bit image is gray. The bridge may give an image back
-// under another handle, and the caller's handle must not change; so it is shown a single pixel
-// under the same header and palette.
-GrayAnswer AskForGray(CLeadTools& tools, DibHandle image) {
-  const auto onePixel = orvo::DibLayoutFor(1, 1, kGrayDepth);
-  DibHandle probe = GlobalAlloc(orvo::kDibBlockFlags, onePixel->totalBytes);
-  if (probe == nullptr) return GrayAnswer::kNoMemory;
-  GrayAnswer answer = GrayAnswer::kNoLock;
-  {
-    const LockedImage source(image, kLowByteOfDepth);
-    if (void* const bytes = GlobalLock(probe); source && bytes != nullptr) {
-      BITMAPINFOHEADER header = orvo::DibHeaderOf(source.bytes());
-      header.biWidth = header.biHeight = 1;
-      std::memcpy(bytes, source.bytes(), onePixel->pixelOffset);
-      std::memcpy(bytes, &header, sizeof header);
-      GlobalUnlock(probe);
-      answer = GrayAnswer::kGray;
-    }
-  }
-  if (answer == GrayAnswer::kGray && tools.LTIsGrayScaleBitmap(probe) == 0) {
-    answer = GrayAnswer::kNotGray;
-  }
-  GlobalFree(probe);
-  return answer;
+// One pixel under the header and palette of an 8-bit image; false when a block cannot be locked.
+bool FillProbe(DibHandle probe, DibHandle image) {
+  const LockedImage source(image, kLowByteOfDepth);
+  void* const bytes = source ? GlobalLock(probe) : nullptr;
+  if (bytes == nullptr) return false;
+  BITMAPINFOHEADER header = orvo::DibHeaderOf(source.bytes());
+  header.biWidth = header.biHeight = 1;
+  std::memcpy(bytes, source.bytes(), source.layout().pixelOffset);
+  std::memcpy(bytes, &header, sizeof header);
+  GlobalUnlock(probe);
+  return true;
 }
 
-int CodeFor(GrayAnswer answer) {
-  switch (answer) {
-    case GrayAnswer::kGray:
-      return ORVO_OK;
-    case GrayAnswer::kNotGray:
-      return ORVO_ERR_BAD_DEPTH;
-    case GrayAnswer::kNoMemory:
-      return ORVO_ERR_NO_MEMORY;
-    case GrayAnswer::kNoLock:
-      break;
-  }
-  return ORVO_ERR_FAILURE;
+// Asks the bridge whether the palette of an 8-bit image is gray. The bridge may give an image back
+// under another handle, and the caller's handle must not change; so it is shown a single pixel of
+// the same palette.
+int TestGray(CLeadTools& tools, DibHandle image) {
+  const auto onePixel = orvo::DibLayoutFor(1, 1, kGrayDepth);
+  DibHandle probe = GlobalAlloc(orvo::kDibBlockFlags, onePixel->totalBytes);
+  if (probe == nullptr) return ORVO_ERR_NO_MEMORY;
+  int code = FillProbe(probe, image) ? ORVO_OK : ORVO_ERR_FAILURE;
+  if (code == ORVO_OK && tools.LTIsGrayScaleBitmap(probe) == 0) code = ORVO_ERR_BAD_DEPTH;
+  GlobalFree(probe);
+  return code;
 }
 
 }  // namespace
@@ -116,7 +100,7 @@ int COrvoCS::PrepareBitmapForImagingLib(DibHandle source, DibHandle* result,
     if (!depth) return ORVO_ERR_FAILURE;
   }
   if (*depth == kGrayDepth) {
-    const int code = CodeFor(AskForGray(*leadTools, source));
+    const int code = TestGray(*leadTools, source);
     if (code != ORVO_OK) return code;
   }
   if (*depth != kGrayDepth && *depth != kColorDepth) return ORVO_ERR_BAD_DEPTH;

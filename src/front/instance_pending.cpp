@@ -24,11 +24,3 @@ int COrvoInstance::AutoRedEyeInPlace(DibHandle, int*) noexcept {
 int COrvoInstance::AutoRedEye(DibHandle, DibHandle*, int*) noexcept {
   return ORVO_ERR_NOT_SUPPORTED;
 }
-
-int COrvoInstance::FindRegions(DibHandle, RegionRecord**, int*, int, int) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}
-
-int COrvoInstance::AutoDeskew(DibHandle, DibHandle*, int*, StatusCallback) noexcept {
-  return ORVO_ERR_NOT_SUPPORTED;
-}

@@ -14,9 +14,11 @@ namespace {
 constexpr double kScalePerPixel = 0.005;
 constexpr std::size_t kExpandedBytes = 4;  // of a palette colour in a row of colours
 
+// target may be a; otherwise it is apart from both.
 ORVO_VECTOR_CLONES
-void AndBytes(std::uint8_t* target, const std::uint8_t* source, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) target[i] &= source[i];
+void AndBytes(std::uint8_t* target, const std::uint8_t* a, const std::uint8_t* b,
+              std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) target[i] = a[i] & b[i];
 }
 
 // --- Rows of pixels ------------------------------------------------------------------------------
@@ -28,7 +30,7 @@ class PlainRows {
       : pixelBytes(bytesPerPixel), masks(channelMasks) {}
 
   void combine(std::uint8_t* colors, const std::uint8_t* row, int width) const {
-    AndBytes(colors, row, static_cast<std::size_t>(width) * pixelBytes);
+    AndBytes(colors, colors, row, static_cast<std::size_t>(width) * pixelBytes);
   }
 
   std::size_t pixelBytes;
@@ -117,12 +119,16 @@ class ColumnWindows {
   ColumnWindows(int width, int maskWidth, std::size_t pixelBytes)
       : columns_(std::bit_floor(static_cast<unsigned>(width / maskWidth))),
         count_(static_cast<std::size_t>(width)),
-        pixelBytes_(pixelBytes) {}
+        pixelBytes_(pixelBytes),
+        wider_(count_ * pixelBytes) {}
 
-  // Makes every pixel of a row the AND of the window that begins with it.
-  void widen(std::uint8_t* colors) const {
+  // Makes every pixel of a row the AND of the window that begins with it; the last ones, whose
+  // windows would not fit, hold nothing of use.
+  void widen(std::vector<std::uint8_t>& colors) {
     for (std::size_t step = 1; step < columns_; step *= 2) {
-      AndBytes(colors, colors + step * pixelBytes_, (count_ - step) * pixelBytes_);
+      AndBytes(wider_.data(), colors.data(), colors.data() + step * pixelBytes_,
+               (count_ - step) * pixelBytes_);
+      colors.swap(wider_);
     }
   }
 
@@ -141,11 +147,12 @@ class ColumnWindows {
   std::size_t columns_;
   std::size_t count_;
   std::size_t pixelBytes_;
+  std::vector<std::uint8_t> wider_;
 };
 
 template <class PixelRows>
 void FillMask(Mask& mask, const SourceImage& image, const PixelRows& rows, int whiteLevel) {
-  const ColumnWindows windows(image.width, mask.width, rows.pixelBytes);
+  ColumnWindows windows(image.width, mask.width, rows.pixelBytes);
   std::vector<std::uint8_t> colors(static_cast<std::size_t>(image.width) * rows.pixelBytes);
   for (int y = 0; y < mask.height; ++y) {
     std::fill(colors.begin(), colors.end(), std::uint8_t{0xFF});
@@ -153,7 +160,7 @@ void FillMask(Mask& mask, const SourceImage& image, const PixelRows& rows, int w
     for (int line = FirstOf(y, image.height, mask.height); line < end; ++line) {
       rows.combine(colors.data(), image.rowFromTop(line), image.width);
     }
-    windows.widen(colors.data());
+    windows.widen(colors);
     int first = 0;
     for (int x = 0; x < mask.width; ++x) {
       const int next = FirstOf(x + 1, image.width, mask.width);

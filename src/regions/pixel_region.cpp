@@ -30,8 +30,8 @@ void PutIntoRow(Runs& runs, int x) {
       return;
     }
   }
-  const auto place = std::upper_bound(runs.begin(), runs.end(), x,
-                                      [](int left, const PixelRun& run) { return left < run.left; });
+  const auto place = std::upper_bound(
+      runs.begin(), runs.end(), x, [](int left, const PixelRun& run) { return left < run.left; });
   runs.insert(place, {x, x + 1});
 }
 

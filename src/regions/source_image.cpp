@@ -14,11 +14,11 @@ bool IsKnownDepth(int depth) {
   return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
 }
 
-// The offset of the rows follows the size that the header gives itself, in 16 bits; a header is
-// never taken for shorter than it is.
-std::size_t HeaderBytes(const BITMAPINFOHEADER& header, std::size_t colorTable) {
+// Bytes before the rows. They follow the size that the header gives itself, counted in 16 bits; a
+// header is never taken for shorter than it is.
+std::size_t PixelOffset(const BITMAPINFOHEADER& header, std::size_t colorTable) {
   const auto offset = static_cast<std::uint16_t>(header.biSize + colorTable);
-  return std::max<std::size_t>(offset, sizeof header + colorTable) - colorTable;
+  return std::max<std::size_t>(offset, sizeof header + colorTable);
 }
 
 ChannelMasks MasksOf(const std::uint8_t* block, const BITMAPINFOHEADER& header) {
@@ -41,7 +41,7 @@ std::optional<SourceImage> DescribeImage(const std::uint8_t* block, std::size_t 
 
   const std::size_t fieldMasks = header.biCompression == BI_BITFIELDS ? kFieldMaskBytes : 0;
   const std::size_t palette = orvo::DibPaletteBytes(header.biBitCount);
-  const std::size_t headerBytes = HeaderBytes(header, palette + fieldMasks) + fieldMasks;
+  const std::size_t headerBytes = PixelOffset(header, palette + fieldMasks) - palette;
   const auto layout =
       orvo::DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount, headerBytes);
   if (!layout || layout->totalBytes > bytes) return std::nullopt;

@@ -1,28 +1,6 @@
 // What every operation does when it is stopped, or has no memory: the image stays as it was.
-#include <cstdlib>
-#include <new>
-
 #include "common/status.h"
 #include "kernel_fixture.h"
-
-namespace {
-int newsUntilFailure = 0;  // the call of new that fails, counted down; 0 for none
-}
-
-// NOLINTBEGIN: replaces the memory of the whole program.
-void* operator new(std::size_t bytes) {
-  if (newsUntilFailure > 0 && --newsUntilFailure == 0) throw std::bad_alloc();
-  void* const memory = std::malloc(bytes == 0 ? 1 : bytes);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-// NOLINTEND
 
 namespace {
 
@@ -84,12 +62,11 @@ TEST_F(KernelTest, progress_rises_to_100_and_a_stop_leaves_the_image) {
 }
 
 TEST_F(KernelTest, no_memory_or_no_lock_leaves_the_image) {
-  const auto failNew = [](int n) noexcept { newsUntilFailure = n; };
   for (const int depth : {1, 8, 24}) {
     const orvo::OwnedDib source = Picture(40, 30, depth);
     for (const Operation& operation : kOperations) {
       for (void (*const fail)(int) noexcept :
-           {+PlatformFailAllocation, +PlatformFailLock, +failNew}) {
+           {+PlatformFailAllocation, +PlatformFailLock, +kernel::FailNew}) {
         int code = kVendorFailure;
         for (int n = 1; code != kVendorSuccess; ++n) {
           ASSERT_LT(n, 400);

@@ -19,6 +19,9 @@ using Operation = std::function<int(struct_LEAD_Bitmap*)>;
 // Red, green, blue.
 using Rgb = std::array<int, 3>;
 
+// The n-th call of new from now on fails, once; 0 lets all succeed.
+void FailNew(int n) noexcept;
+
 // Runs an operation on an image in place; its owner holds the valid handle afterwards.
 inline int Apply(const Operation& operation, orvo::OwnedDib& image) {
   struct_LEAD_Bitmap bitmap{};
