@@ -117,14 +117,15 @@ struct Target {
   int format;
   const char* magick;
   bool holdsAlpha;
+  bool holdsBits;  // has a form of 1 bit a pixel, in black and white
   CompressionType compression;
 };
 constexpr std::array kTargets{
-    Target{kFormatPcx, "PCX", false, RLECompression},
-    Target{kFormatTga, "TGA", true, RLECompression},
-    Target{kFormatRas, "SUN", false, RLECompression},
-    Target{kFormatPct, "PICT", false, UndefinedCompression},
-    Target{kFormatEps, "EPS2", false, RLECompression},
+    Target{kFormatPcx, "PCX", false, true, RLECompression},
+    Target{kFormatTga, "TGA", true, false, RLECompression},
+    Target{kFormatRas, "SUN", false, true, RLECompression},
+    Target{kFormatPct, "PICT", false, false, UndefinedCompression},
+    Target{kFormatEps, "EPS3", false, true, ZipCompression},
 };
 
 constexpr std::array<int, kTargets.size()> kFormats = [] {
@@ -148,6 +149,8 @@ int Save(const SaveRequest& request, const LockedDib& locked) {
   const MagickImage image = info ? NewMagickImage(*info) : nullptr;
   if (!image) return kVendorNoMemory;
   info->compression = target->compression;
+  // Black and white stay 1 bit where such files are read everywhere; the library has to look.
+  if (pixels.depth == 1 && target->holdsBits) info->type = OptimizeType;
   std::string(target->magick).copy(image->magick, sizeof image->magick - 1);
   image->units = PixelsPerInchResolution;
   image->x_resolution = orvo::DotsPerInch(locked.header().biXPelsPerMeter);
