@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "ltfil13n/index_rows.h"
 #include "ltkrn13n/color_rows.h"
-#include "ltkrn13n/pixel_formats.h"
 
 namespace provider {
 namespace {
@@ -76,17 +76,12 @@ class RowToDib {
   bool matte_;
 };
 
-void CopyIndexes(const Pixels& source, int y, PixelPacket* pixels, IndexPacket* indexes,
-                 const PixelPacket* palette) {
-  const std::uint8_t* const row = source.row(y);
-  WithFormat(source.depth, [&](auto format) {
-    for (std::size_t x = 0; x < static_cast<std::size_t>(source.width); ++x) {
-      if constexpr (std::is_same_v<decltype(format.read(row, x)), std::uint8_t>) {
-        indexes[x] = format.read(row, x);
-        pixels[x] = palette[indexes[x]];
-      }
-    }
-  });
+void CopyIndexes(const Pixels& source, int y, std::vector<std::uint8_t>& indexes,
+                 const Image& image, PixelPacket* pixels, IndexPacket* packets) {
+  ReadIndexes(source, y, indexes.data());
+  std::copy(indexes.begin(), indexes.end(), packets);
+  std::transform(indexes.begin(), indexes.end(), pixels,
+                 [&](std::uint8_t index) { return image.colormap[index]; });
 }
 
 void CopyColors(const Pixels& source, int y, bool withAlpha, std::vector<Color>& colors,
@@ -143,6 +138,7 @@ int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgr
   if (!MakePalette(source, image)) return kVendorNoMemory;
 
   std::vector<Color> colors(image.columns);
+  std::vector<std::uint8_t> indexes(image.columns);
   for (int line = 0; line < source.height; ++line) {
     const int y = source.height - 1 - line;
     PixelPacket* const pixels = SetImagePixels(&image, 0, line, image.columns, 1);
@@ -150,7 +146,7 @@ int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgr
     if (source.palette == nullptr) {
       CopyColors(source, y, withAlpha, colors, pixels);
     } else {
-      CopyIndexes(source, y, pixels, AccessMutableIndexes(&image), image.colormap);
+      CopyIndexes(source, y, indexes, image, pixels, AccessMutableIndexes(&image));
     }
     if (SyncImagePixels(&image) != MagickPass) return kVendorNoMemory;
     if (!progress.reportRows(line + 1, source.height)) return kVendorAborted;

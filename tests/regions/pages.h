@@ -39,7 +39,9 @@ inline Mask Random(int width, int height, unsigned seed) {
     const int w = 1 + dice.upTo(width / 4);
     const int h = 1 + dice.upTo(height / 4);
     switch (dice.upTo(4)) {
-      case 0: Fill(page, {x, y, x + w, y + h}, 1); break;
+      case 0:
+        Fill(page, {x, y, x + w, y + h}, 1);
+        break;
       case 1:
         Fill(page, {x, y, x + w, y + h}, 1);
         Fill(page, {x + 1, y + 1, x + w - 1, y + h - 1}, 0);

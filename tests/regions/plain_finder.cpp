@@ -167,8 +167,8 @@ void Finder::Segment() {
   WalkPairs(
       [](const PixelRegion& a, const PixelRegion& b) {
         const int shared = OverlapArea(a, b);
-        return shared != 0 && (shared >= Area(a.BoundingRect()) / 2 ||
-                               shared >= Area(b.BoundingRect()) / 2);
+        return shared != 0 &&
+               (shared >= Area(a.BoundingRect()) / 2 || shared >= Area(b.BoundingRect()) / 2);
       },
       [](const auto&) {});
 }
@@ -197,8 +197,8 @@ PixelRegion RotatedOutline(const PixelRegion& region, double angle) {
   const auto turn = [&](int x, int y) {
     const double dx = x - centre.x;
     const double dy = y - centre.y;
-    const POINT point = RoundPoint(dx * std::cos(a) - dy * std::sin(a),
-                                   dx * std::sin(a) + dy * std::cos(a));
+    const POINT point =
+        RoundPoint(dx * std::cos(a) - dy * std::sin(a), dx * std::sin(a) + dy * std::cos(a));
     if (!turned.AddPixel(point.x + centre.x, point.y + centre.y)) throw std::bad_alloc();
   };
   for (const PixelRow& row : region.rows()) {

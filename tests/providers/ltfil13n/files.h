@@ -3,6 +3,8 @@
 #ifndef TESTS_PROVIDERS_LTFIL13N_FILES_H
 #define TESTS_PROVIDERS_LTFIL13N_FILES_H
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -11,8 +13,6 @@
 #include <iterator>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "bridge/vendor_contract.h"
 #include "support/pictures.h"
@@ -47,7 +47,8 @@ inline Bytes Read(const std::string& path) {
 
 inline void Write(const std::string& path, const Bytes& bytes) {
   std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
 }
 
 // The image of a file's first page; empty when it does not load. `code` is the module's.
@@ -69,10 +70,34 @@ inline int Save(DibHandle image, const std::string& path, int format, int qualit
 inline int AppendPage(DibHandle image, const std::string& path, int format = kFormatTiff) {
   struct_LEAD_Bitmap bitmap{};
   L_ChangeFromDIB(&bitmap, image);
-  const int code = L_SaveFile(path.c_str(), &bitmap, format, 0, 0, kSaveAppendsPage, nullptr,
-                              nullptr, nullptr);
+  const int code =
+      L_SaveFile(path.c_str(), &bitmap, format, 0, 0, kSaveAppendsPage, nullptr, nullptr, nullptr);
   L_ChangeToDIB(&bitmap);
   return code;
+}
+
+struct ThumbnailWish {
+  int width = 0;
+  int height = 0;
+  int bits = 0;
+  bool keepAspect = true;
+  bool forceSize = false;
+  int background = 0;
+};
+
+// The thumbnail of a file; empty when it is not made. `code` is the module's.
+inline orvo::OwnedDib Thumbnail(const std::string& path, const ThumbnailWish& wish, int* code) {
+  LTTHUMBNAILOPTIONS options{};
+  options.width = wish.width;
+  options.height = wish.height;
+  options.bitsPerPixel = wish.bits;
+  options.keepAspect = wish.keepAspect ? 1 : 0;
+  options.forceSize = wish.forceSize ? 1 : 0;
+  options.backgroundColor = wish.background;
+  struct_LEAD_Bitmap bitmap{};
+  *code = L_CreateThumbnailFromFile(path.c_str(), &bitmap, &options, nullptr, nullptr, nullptr,
+                                    nullptr);
+  return orvo::OwnedDib(L_ChangeToDIB(&bitmap));
 }
 
 // What an image shows: blue, green, red (and the fourth byte when asked) from the top left.

@@ -60,9 +60,8 @@ TEST_P(RoundTrip, keeps_pixels_depth_and_resolution) {
   const std::string path = at(std::string("picture.") + row.extension);
   for (const int width : {1, 2, 7, 8, 31, 33, 250}) {
     const int height = width == 250 ? 300 : 5;
-    const orvo::OwnedDib saved =
-        row.inColor ? pictures::NoiseInColor(width, height, row.depth, 1)
-                    : pictures::Noise(width, height, row.depth, 2);
+    const orvo::OwnedDib saved = row.inColor ? pictures::NoiseInColor(width, height, row.depth, 1)
+                                             : pictures::Noise(width, height, row.depth, 2);
     pictures::Locked(saved.get()).header()->biYPelsPerMeter = 5001;  // no whole dots per inch
     const files::Bytes before = pictures::BytesOf(saved.get());
     ASSERT_EQ(Save(saved.get(), path, row.format), kVendorSuccess);
