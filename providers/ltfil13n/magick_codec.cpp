@@ -49,8 +49,7 @@ struct Source {
 
   int open(const char* path, int page) {
     if (const int code = ReadFile(path, bytes); code != kVendorSuccess) return code;
-    const Bytes head = Bytes(bytes).first(std::min(bytes.size(), Codec::kHeadBytes));
-    kind = MagickKindOf(head, ExtensionOf(path).c_str());
+    kind = MagickKindOf(bytes, ExtensionOf(path));
     if (kind == nullptr) return kVendorFormatNotRead;
     pages = kind->pages(bytes);
     if (page < 1 || page > pages) return kVendorBadParameter;

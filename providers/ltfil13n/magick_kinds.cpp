@@ -4,6 +4,7 @@
 #include <array>
 
 #include "bridge/vendor_contract.h"
+#include "ltfil13n/codec.h"
 
 namespace provider {
 namespace {
@@ -107,14 +108,24 @@ bool IsWmf(Bytes head, std::string_view /*extension*/) {
   return placeable || StartsWith(head, {1, 0, 9, 0, 0, 1}) || StartsWith(head, {1, 0, 9, 0, 0, 3});
 }
 
-// Its mark lies behind 512 bytes that programs leave empty or fill as they like.
-bool IsPct(Bytes /*head*/, std::string_view extension) {
-  return extension == "pct" || extension == "pict";
+// --- Kinds whose mark lies beyond a head: the name counts until the whole file is there ----------
+
+bool HasMark(Bytes file, std::size_t offset, std::initializer_list<std::uint8_t> mark) {
+  return file.size() > offset && StartsWith(file.subspan(offset), mark);
 }
 
-// Its mark lies in the second sector of a disc, where a head does not reach.
-bool IsPcd(Bytes /*head*/, std::string_view extension) {
-  return extension == "pcd";
+// 512 bytes that programs fill as they like come first, then 10 of size and frame.
+bool IsPct(Bytes file, std::string_view extension) {
+  constexpr std::size_t kMarkAt = 522;
+  if (extension != "pct" && extension != "pict") return false;
+  return file.size() <= Codec::kHeadBytes || HasMark(file, kMarkAt, {0x00, 0x11, 0x02, 0xFF}) ||
+         HasMark(file, kMarkAt, {0x11, 0x01});
+}
+
+bool IsPcd(Bytes file, std::string_view extension) {
+  constexpr std::size_t kMarkAt = 2048;
+  if (extension != "pcd") return false;
+  return file.size() <= Codec::kHeadBytes || HasMark(file, kMarkAt, {'P', 'C', 'D', '_'});
 }
 
 constexpr std::array kKinds{

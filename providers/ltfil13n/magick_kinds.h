@@ -12,7 +12,8 @@ namespace provider {
 struct MagickKind {
   const char* magick;  // the library's name
   int format;          // a VendorFormat
-  // head: the first bytes of the file, as many as a codec may count on, or all of it.
+  // head: the first bytes of the file, as many as a codec may count on, or all of it; more bytes
+  // give a surer answer.
   bool (*matches)(std::span<const std::uint8_t> head, std::string_view extension);
   // 0 when the header does not say; the image then keeps its palette if it has one.
   int (*depth)(std::span<const std::uint8_t> head);

@@ -54,10 +54,14 @@ void AddPalette(Buffer& bytes, const Pixels& image) {
   }
 }
 
+// As 16.16; whole dots where pixels per metre stand for them, so that 300 stays 300.
 std::uint32_t FixedDotsPerInch(std::int32_t pixelsPerMetre) {
   constexpr double kFixedOne = 65536;
-  const double dots = std::round(pixelsPerMetre * orvo::kMetresPerInch * kFixedOne);
-  return static_cast<std::uint32_t>(std::clamp(dots, 0.0, double{UINT32_MAX}));
+  const int whole = orvo::DotsPerInch(pixelsPerMetre);
+  const bool isWhole = orvo::PixelsPerMetre(whole) == pixelsPerMetre;
+  const double dots = isWhole ? whole : pixelsPerMetre * orvo::kMetresPerInch;
+  return static_cast<std::uint32_t>(
+      std::clamp(std::round(dots * kFixedOne), 0.0, double{UINT32_MAX}));
 }
 
 void AddResources(Buffer& bytes, const BITMAPINFOHEADER& header) {

@@ -108,12 +108,14 @@ void SumRow(const ProductRing& ring, std::uint32_t y, std::size_t count, double*
 }
 
 // A tone is limited first and truncated after.
+inline std::uint8_t ToneByte(double sum) {
+  const double low = sum < 0.0 ? 0.0 : sum;
+  return static_cast<std::uint8_t>(static_cast<int>(low > 255.0 ? 255.0 : low));
+}
+
 ORVO_VECTOR_CLONES
 void StoreTones(const double* sums, std::size_t count, std::uint8_t* tones) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const double low = sums[i] < 0.0 ? 0.0 : sums[i];
-    tones[i] = static_cast<std::uint8_t>(static_cast<int>(low > 255.0 ? 255.0 : low));
-  }
+  for (std::size_t i = 0; i < count; ++i) tones[i] = ToneByte(sums[i]);
 }
 
 // Filters all rows through a ring; the source's rows are never read after they were written.
@@ -144,34 +146,65 @@ int FilterRows(const std::uint8_t* source, std::uint8_t* target, std::uint32_t w
   return kImgDone;
 }
 
-// Tones in place: each neighbourhood is read afresh, so that it holds what was just written.
-void FilterTonesInPlace(std::uint8_t* tones, std::uint32_t width, std::uint32_t height,
-                        Weights weights) {
-  double outer[256];
-  double near[256];
-  for (int tone = 0; tone < 256; ++tone) {
-    outer[tone] = weights.outer * tone;
-    near[tone] = weights.near * tone;
-  }
-  const std::size_t stride = WorkingStride(width, kGrayDepth);
-  for (std::uint32_t y = kBorder; y < height - kBorder; ++y) {
-    const std::uint8_t* const above2 = tones + stride * (y - 2);
-    const std::uint8_t* const above1 = above2 + stride;
-    std::uint8_t* const here = tones + stride * y;
-    const std::uint8_t* const below1 = here + stride;
-    const std::uint8_t* const below2 = below1 + stride;
-    for (std::size_t i = 0; i < width - 2 * kBorder; ++i) {
-      const double sum = outer[above2[i]] + outer[above2[i + 1]] + outer[above2[i + 2]] +
-                         outer[above2[i + 3]] + outer[above2[i + 4]] + outer[above1[i]] +
-                         near[above1[i + 2]] + outer[above1[i + 4]] + outer[here[i]] +
-                         near[here[i + 1]] + here[i + 2] + near[here[i + 3]] + outer[here[i + 4]] +
-                         outer[below1[i]] + near[below1[i + 2]] + outer[below1[i + 4]] +
-                         outer[below2[i]] + outer[below2[i + 1]] + outer[below2[i + 2]] +
-                         outer[below2[i + 3]] + outer[below2[i + 4]];
-      StoreTones(&sum, 1, here + i + kBorder);
+// Tones in place: each neighbourhood is read afresh, so that it holds what was just written. A
+// pixel waits for the one to its left; so several rows run together, each far enough behind the row
+// above to find that row's part of its neighbourhood written, and its own part of the rows below
+// not.
+class TonesInPlace {
+ public:
+  TonesInPlace(std::uint8_t* tones, std::uint32_t width, std::uint32_t height, Weights weights)
+      : tones_(tones),
+        columns_(width - 2 * kBorder),
+        lastRow_(height - kBorder),
+        stride_(WorkingStride(width, kGrayDepth)) {
+    for (int tone = 0; tone < 256; ++tone) {
+      outer_[tone] = weights.outer * tone;
+      near_[tone] = weights.near * tone;
     }
   }
-}
+
+  void run() {
+    constexpr std::uint32_t kRows = 4;
+    constexpr std::uint32_t kLag = 3;
+    std::uint32_t y = kBorder;
+    for (; y + kRows <= lastRow_; y += kRows) {
+      for (std::uint32_t step = 0; step < columns_ + kLag * (kRows - 1); ++step) {
+        for (std::uint32_t row = 0; row < kRows; ++row) {
+          // Wraps to a large number where the row has not begun.
+          const std::uint32_t column = step - kLag * row;
+          if (column < columns_) filter(column, y + row);
+        }
+      }
+    }
+    for (; y < lastRow_; ++y) {
+      for (std::uint32_t column = 0; column < columns_; ++column) filter(column, y);
+    }
+  }
+
+ private:
+  // column: of the window's left edge.
+  void filter(std::uint32_t column, std::uint32_t y) {
+    const std::uint8_t* const above2 = tones_ + stride_ * (y - 2) + column;
+    const std::uint8_t* const above1 = above2 + stride_;
+    std::uint8_t* const here = tones_ + stride_ * y + column;
+    const std::uint8_t* const below1 = here + stride_;
+    const std::uint8_t* const below2 = below1 + stride_;
+    const double sum =
+        outer_[above2[0]] + outer_[above2[1]] + outer_[above2[2]] + outer_[above2[3]] +
+        outer_[above2[4]] + outer_[above1[0]] + near_[above1[2]] + outer_[above1[4]] +
+        outer_[here[0]] + near_[here[1]] + here[2] + near_[here[3]] + outer_[here[4]] +
+        outer_[below1[0]] + near_[below1[2]] + outer_[below1[4]] + outer_[below2[0]] +
+        outer_[below2[1]] + outer_[below2[2]] + outer_[below2[3]] + outer_[below2[4]];
+    here[kBorder] = ToneByte(sum);
+  }
+
+  std::uint8_t* tones_;
+  std::uint32_t columns_;
+  std::uint32_t lastRow_;
+  std::size_t stride_;
+  double outer_[256];
+  double near_[256];
+};
 
 }  // namespace
 
@@ -182,7 +215,7 @@ int ImgSharpnessAdjust(const std::uint8_t* source, std::uint8_t* target, std::ui
   if (width < kWindow || height < kWindow) return kImgDone;
   const Weights weights = WeightsFor(width, height, level);
   if (depth == kGrayDepth && source == target) {
-    FilterTonesInPlace(target, width, height, weights);
+    TonesInPlace(target, width, height, weights).run();
     return kImgDone;
   }
   return FilterRows(source, target, width, height, depth, weights);

@@ -1,33 +1,11 @@
 // The two entries of the table, on blocks: what the caller gets, and the progress that it sees.
 #include <cmath>
-#include <new>
 
 #include <orvo/orvo.h>
 
 #include "bridge/bridge_fixture.h"
+#include "failing_memory.h"
 #include "plain_finder.h"
-
-namespace {
-
-int allocationsLeft = -1;  // until one fails; below 0 none does
-
-bool AllocationFails() {
-  return allocationsLeft >= 0 && allocationsLeft-- == 0;
-}
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-  void* const memory = AllocationFails() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
 
 namespace {
 
@@ -70,7 +48,7 @@ orvo::OwnedDib TiltedPage(int degrees) {
 
 class Entries : public BridgeTest {
  protected:
-  ~Entries() override { allocationsLeft = -1; }
+  ~Entries() override { FailAllocationAfter(-1); }
 
   Items Find(DibHandle page, int reach = 25, int level = 250) {
     RegionRecord* list = nullptr;
@@ -105,8 +83,11 @@ TEST_F(Entries, ItemsComeInSourcePixelsFromTheTop) {
   EXPECT_EQ(Find(Page(300, 300, {{50, 100, 77, 200}}).get()).size(), 1U);
   // A patch in the hole of a frame belongs to it, however far from it.
   EXPECT_EQ(Find(Page(300, 300,
-                      {{10, 10, 290, 25}, {10, 25, 25, 275}, {275, 25, 290, 275},
-                       {10, 275, 290, 290}, {120, 120, 180, 180}})
+                      {{10, 10, 290, 25},
+                       {10, 25, 25, 275},
+                       {275, 25, 290, 275},
+                       {10, 275, 290, 290},
+                       {120, 120, 180, 180}})
                      .get()),
             (Items{{10, 10, 290, 290}}));
 }
@@ -195,9 +176,9 @@ TEST_F(Entries, WithoutMemoryNothingIsFound) {
   int failures = 0;
   for (int count = 0; count == 0; ++failures) {
     RegionRecord* list = nullptr;
-    allocationsLeft = failures;
+    FailAllocationAfter(failures);
     ASSERT_EQ(toolkit_->FindRegions(page.get(), &list, &count, 25, 250), ORVO_OK);
-    allocationsLeft = -1;
+    FailAllocationAfter(-1);
     EXPECT_EQ(list != nullptr, count == 2);
     EXPECT_EQ(PlatformHeldLocks(), 0U);
     GlobalFree(list);
@@ -208,8 +189,16 @@ TEST_F(Entries, WithoutMemoryNothingIsFound) {
 // --- Deskew --------------------------------------------------------------------------------------
 
 std::vector<int> seen;
+// The double reports 50 percent once; from within that report the module goes on with these.
+std::vector<int> furtherReports;
 int Watch(int percent, void* userData) {
   seen.push_back(userData == nullptr ? percent : -1);
+  for (const int further : std::exchange(furtherReports, {})) {
+    if (percent <= 30)
+      furtherReports.push_back(further);
+    else
+      EXPECT_EQ(doubles::TheState().installed(further, &seen), 1);
+  }
   return ORVO_ERR_CANCELLED;  // which must not stop a deskew
 }
 
@@ -250,16 +239,57 @@ TEST_F(Entries, DeskewTurnsByTheAngleAndKeepsTheSize) {
   }
 }
 
-// The module's callback outlives the call, so what it reports afterwards can be tried by hand.
 TEST_F(Entries, ProgressRisesAndNeverFallsBack) {
+  const struct {
+    orvo::OwnedDib page;
+    int stages;  // percent before the rotation
+    std::vector<int> expected;
+  } kRows[] = {{TiltedPage(5), 30, {65, 66, 100}}, {Page(300, 300, {}), 20, {55, 56, 90}}};
+  for (const auto& row : kRows) {
+    orvo::OwnedDib upright;
+    seen.clear();
+    furtherReports = {50, 0, 49, 51, 52, 52, 100, 100, 99};
+    EXPECT_EQ(toolkit_->AutoDeskew(row.page.get(), upright.receive(row.page), nullptr, Watch),
+              ORVO_OK);
+    std::vector<int> expected = UpTo(row.stages);
+    expected.insert(expected.end(), row.expected.begin(), row.expected.end());
+    EXPECT_EQ(seen, expected);
+  }
+}
+
+TEST_F(Entries, DeskewWithoutACallbackInstallsNone) {
   const orvo::OwnedDib page = TiltedPage(5);
   orvo::OwnedDib upright;
-  EXPECT_EQ(toolkit_->AutoDeskew(page.get(), upright.receive(page), nullptr, Watch), ORVO_OK);
-  const StatusCallback bridge = doubles::TheState().installed;
-  ASSERT_NE(bridge, nullptr);
+  int angle = 1;
+  EXPECT_EQ(toolkit_->AutoDeskew(page.get(), upright.receive(page), &angle, Watch), ORVO_OK);
   seen.clear();
-  for (const int percent : {50, 0, 49, 51, 51, 52, 100, 100}) EXPECT_EQ(bridge(percent, &seen), 1);
-  EXPECT_EQ(seen, (std::vector<int>{66, 100 - 34, 100}).empty() ? seen : (std::vector<int>{}));
+  bridge::TakeLog();
+  EXPECT_EQ(toolkit_->AutoDeskew(page.get(), upright.receive(page), &angle, nullptr), ORVO_OK);
+  EXPECT_EQ(seen, std::vector<int>{});
+  EXPECT_EQ(RotationsIn(bridge::TakeLog()).size(), 1U);
+}
+
+// Failures show in the result handle alone.
+TEST_F(Entries, DeskewAlwaysSucceeds) {
+  const orvo::OwnedDib page = TiltedPage(5);
+  int angle = 1;
+  DibHandle result = nullptr;
+  EXPECT_EQ(toolkit_->AutoDeskew(nullptr, &result, &angle, nullptr), ORVO_OK);
+  EXPECT_EQ(result, nullptr);
+  EXPECT_EQ(angle, 0);
+
+  doubles::TheState().answers["L_RotateBitmap"] = {kVendorNoMemory};
+  EXPECT_EQ(toolkit_->AutoDeskew(page.get(), &result, &angle, nullptr), ORVO_OK);
+  EXPECT_EQ(result, page.get());
+  EXPECT_NE(angle, 0);
+
+  EXPECT_EQ(toolkit_->AutoDeskew(page.get(), nullptr, &angle, nullptr), ORVO_ERR_BAD_ARGUMENT);
+  EXPECT_NE(GlobalSize(page.get()), 0U);
+
+  FailAllocationAfter(0);
+  orvo::OwnedDib turned;
+  EXPECT_EQ(toolkit_->AutoDeskew(page.get(), turned.receive(page), &angle, nullptr), ORVO_OK);
+  EXPECT_EQ(angle, 0) << "without memory for the search";
 }
 
 }  // namespace
