@@ -45,26 +45,6 @@ std::string CheckResize(const Parameters& parameters) {
   return "--width or --height is needed";
 }
 
-// People count rows from the top, the toolkit from the bottom.
-int Trim(Job& job) {
-  const auto shape = ShapeOf(job.image.get());
-  if (!shape) return ORVO_ERR_NO_BITMAP;
-  const auto side = [&job](std::size_t index) { return job.parameters.whole("rect", index); };
-  if (side(2) > shape->width || side(3) > shape->height) {
-    job.hint = "the picture has " + std::to_string(shape->width) + " x " +
-               std::to_string(shape->height) + " pixels";
-    return ORVO_ERR_OUT_OF_RANGE;
-  }
-  return job.toolkit.TrimInPlace(job.image.address(), side(0), shape->height - side(3), side(2),
-                                 shape->height - side(1));
-}
-
-std::string CheckTrim(const Parameters& parameters) {
-  const std::vector<double>& rect = parameters.numbers("rect");
-  if (rect[0] < rect[2] && rect[1] < rect[3]) return {};
-  return "--rect has no area: left,top,right,bottom, right and bottom exclusive";
-}
-
 int Resolution(Job& job) {
   const std::vector<double>& dpi = job.parameters.numbers("dpi");
   const int code =
@@ -104,14 +84,6 @@ constexpr Option kResizeOptions[] = {
      .kind = ValueKind::kChoice,
      .choices = kMethods,
      .fallback = "best"}};
-constexpr Option kTrimOptions[] = {
-    {.name = "rect",
-     .meaning = "left,top,right,bottom in pixels from the top left, right and bottom exclusive",
-     .least = 0,
-     .most = kMostPixels,
-     .fewest = 4,
-     .atMost = 4,
-     .required = true}};
 constexpr Option kResolutionOptions[] = {{.name = "dpi",
                                           .meaning = "dots per inch, across and down",
                                           .least = 1,
@@ -146,12 +118,6 @@ constexpr Operation kRows[] = {
      .run = Resize,
      .options = kResizeOptions,
      .check = CheckResize},
-    {.name = "trim",
-     .summary = "Cut out a rectangle",
-     .example = "--rect 100,50,900,650 photo.jpg -o cut.jpg",
-     .run = Trim,
-     .options = kTrimOptions,
-     .check = CheckTrim},
     {.name = "resolution",
      .summary = "Resample to a resolution, keeping the size on paper",
      .example = "--dpi 150 scan.tif -o small.tif",

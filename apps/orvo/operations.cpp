@@ -25,8 +25,8 @@ constexpr Option kCommonOptions[] = {
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> all = [] {
     std::vector<Operation> rows;
-    for (const auto part :
-         {ToneOperations(), ColorOperations(), GeometryOperations(), Inquiries()}) {
+    for (const auto part : {ToneOperations(), ColorOperations(), GeometryOperations(),
+                            ScanOperations(), Inquiries()}) {
       rows.insert(rows.end(), part.begin(), part.end());
     }
     return rows;

@@ -56,6 +56,7 @@ inline constexpr std::string_view kFromFourBits = "4 bits and up";
 std::span<const Operation> ToneOperations();
 std::span<const Operation> ColorOperations();
 std::span<const Operation> GeometryOperations();
+std::span<const Operation> ScanOperations();
 std::span<const Operation> Inquiries();
 
 // All of them, in the order of the help.

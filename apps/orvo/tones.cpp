@@ -12,14 +12,27 @@ constexpr std::string_view kPaletteOrTrueColor = "8 and 24 bits";
 
 constexpr double kHundredths = 100;
 
-// The result goes to a new block: on gray pictures the in-place form sees pixels that it has
+// The result goes to a new block: on gray pictures the in-place forms see pixels that they have
 // already changed.
-int Sharpen(Job& job) {
-  orvo::OwnedDib sharp;
-  const int code =
-      job.toolkit.SharpnessAdjust(job.image.get(), sharp.receive(job.image),
-                                  static_cast<std::uint8_t>(job.parameters.whole("level")));
-  if (code == ORVO_OK) job.image = std::move(sharp);
+using LevelAdjustment = int (COrvoInstance::*)(DibHandle, DibHandle*, std::uint8_t) noexcept;
+
+template <LevelAdjustment kAdjust>
+int AdjustByLevel(Job& job) {
+  orvo::OwnedDib adjusted;
+  const int code = (job.toolkit.*kAdjust)(job.image.get(), adjusted.receive(job.image),
+                                          static_cast<std::uint8_t>(job.parameters.whole("level")));
+  if (code == ORVO_OK) job.image = std::move(adjusted);
+  return code;
+}
+
+// The equalised windows are this many pixels wide and high.
+constexpr int kExposureWindow = 128;
+
+int Exposure(Job& job) {
+  const int code = AdjustByLevel<&COrvoInstance::ExposureAdjust>(job);
+  if (code == ORVO_ERR_FAILURE) {
+    job.hint = "pictures need at least " + std::to_string(kExposureWindow) + " pixels each way";
+  }
   return code;
 }
 
@@ -48,7 +61,7 @@ int Gamma(Job& job) {
                                         ReportProgress);
 }
 
-constexpr Option kSharpenOptions[] = {
+constexpr Option kLevelOptions[] = {
     {.name = "level", .meaning = "strength", .least = 0, .most = 10, .fallback = "5"}};
 constexpr Option kWhitenOptions[] = {
     {.name = "threshold",
@@ -78,8 +91,20 @@ constexpr Operation kRows[] = {
     {.name = "sharpen",
      .summary = "Sharpen a photograph, by its size",
      .example = "--level 7 photo.jpg -o sharp.jpg",
-     .run = Sharpen,
-     .options = kSharpenOptions,
+     .run = AdjustByLevel<&COrvoInstance::SharpnessAdjust>,
+     .options = kLevelOptions,
+     .depths = kGrayOrTrueColor},
+    {.name = "histogram",
+     .summary = "Stretch the tones of the whole picture",
+     .example = "--level 5 hazy.jpg -o clear.jpg",
+     .run = AdjustByLevel<&COrvoInstance::HistogramAdjust>,
+     .options = kLevelOptions,
+     .depths = kGrayOrTrueColor},
+    {.name = "exposure",
+     .summary = "Equalise tones locally, dark and bright parts each by themselves",
+     .example = "--level 6 backlit.jpg -o even.jpg",
+     .run = Exposure,
+     .options = kLevelOptions,
      .depths = kGrayOrTrueColor},
     {.name = "unsharp",
      .summary = "Sharpen or soften by a signed amount",

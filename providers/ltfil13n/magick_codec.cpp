@@ -49,9 +49,11 @@ struct Source {
 
   int open(const char* path, int page) {
     if (const int code = ReadFile(path, bytes); code != kVendorSuccess) return code;
-    kind = MagickKindOf(bytes, ExtensionOf(path));
+    kind = MagickKindOf(Bytes(bytes).first(std::min(bytes.size(), Codec::kHeadBytes)),
+                        ExtensionOf(path));
     if (kind == nullptr) return kVendorFormatNotRead;
-    pages = kind->pages(bytes);
+    if (kind->isSound != nullptr && !kind->isSound(bytes)) return kVendorFormatDamaged;
+    if (kind->pages != nullptr) pages = kind->pages(bytes);
     if (page < 1 || page > pages) return kVendorBadParameter;
     info = NewMagickInfo(kind->magick);
     if (!info) return kVendorNoMemory;
@@ -63,7 +65,7 @@ struct Source {
   }
 
   [[nodiscard]] int depthOf(const Image& image) const {
-    const int own = kind->depth(bytes);
+    const int own = kind->depth == nullptr ? 0 : kind->depth(bytes);
     if (own > 8) return own;
     for (const int depth : {1, 4, 8}) {
       if (depth >= own && FitsPalette(image, depth)) return depth;
@@ -71,17 +73,15 @@ struct Source {
     return 24;
   }
 
-  [[nodiscard]] FileImage describe(const Image& image) const {
-    const double metres = image.units == PixelsPerCentimeterResolution ? 0.01 : orvo::kMetresPerInch;
+  [[nodiscard]] FileImage describe(const Image& image, int page) const {
+    FileResolution resolution;
+    if (kind->resolution != nullptr) resolution = kind->resolution(bytes, page);
     FileImage described;
     described.width = static_cast<int>(image.columns);
     described.height = static_cast<int>(image.rows);
     described.depth = depthOf(image);
-    // What has no unit is the library's own default.
-    if (image.units != UndefinedResolution) {
-      described.xPixelsPerMetre = PixelsPerMetreOf(image.x_resolution, metres);
-      described.yPixelsPerMetre = PixelsPerMetreOf(image.y_resolution, metres);
-    }
+    described.xPixelsPerMetre = orvo::PixelsPerMetre(resolution.x);
+    described.yPixelsPerMetre = orvo::PixelsPerMetre(resolution.y);
     return described;
   }
 };
@@ -93,7 +93,7 @@ int Describe(const char* path, int page, LTFILEINFO& info) {
   const int code = DecodeMagick(*source.info, source.bytes, nullptr, image);
   if (code != kVendorSuccess) return code;
   const char* const compression = image->compression == RLECompression ? "RLE" : "none";
-  DescribeImage(source.describe(*image), source.kind->format, compression, info);
+  DescribeImage(source.describe(*image, page), source.kind->format, compression, info);
   info.pageCount = source.pages;
   info.page = page;
   return kVendorSuccess;
@@ -106,7 +106,7 @@ int Load(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   MagickImage image;
   const int code = DecodeMagick(*source.info, source.bytes, &progress, image);
   if (code != kVendorSuccess) return code;
-  return LoadImage(source.describe(*image), bitmap, [&](const Pixels& target) {
+  return LoadImage(source.describe(*image, page), bitmap, [&](const Pixels& target) {
     return CopyFromMagick(*image, target, progress);
   });
 }

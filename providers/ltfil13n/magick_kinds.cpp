@@ -4,12 +4,11 @@
 #include <array>
 
 #include "bridge/vendor_contract.h"
-#include "ltfil13n/codec.h"
 
 namespace provider {
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
+using Bytes = MagickKind::Bytes;
 
 bool StartsWith(Bytes head, std::initializer_list<std::uint8_t> mark) {
   return head.size() >= mark.size() && std::equal(mark.begin(), mark.end(), head.begin());
@@ -22,11 +21,17 @@ int DepthThatHolds(int bits) {
   return 24;
 }
 
-int AsDecoded(Bytes /*head*/) {
-  return 0;
+// Little-endian.
+int Little16(Bytes file, std::size_t offset) {
+  return offset + 2 <= file.size() ? file[offset] | file[offset + 1] << 8 : 0;
 }
-int OnePage(Bytes /*file*/) {
-  return 1;
+// Of big-endian 16.16.
+int WholeOfFixed(Bytes file, std::size_t offset) {
+  return offset + 2 <= file.size() ? file[offset] << 8 | file[offset + 1] : 0;
+}
+
+bool HasMark(Bytes file, std::size_t offset, std::initializer_list<std::uint8_t> mark) {
+  return file.size() > offset && StartsWith(file.subspan(offset), mark);
 }
 
 // --- PCX, and DCX, which strings up to 1023 of them together -------------------------------------
@@ -47,20 +52,31 @@ int PcxDepth(Bytes head) {
   return DepthThatHolds(bits * planes);
 }
 
+FileResolution PcxResolution(Bytes file, int /*page*/) {
+  return {Little16(file, 12), Little16(file, 14)};
+}
+
 bool IsDcx(Bytes head, std::string_view /*extension*/) {
   return StartsWith(head, {0xB1, 0x68, 0xDE, 0x3A});
 }
 
-// Where each page begins stands in a list that a 0 ends.
+// Where a page begins stands in a list that a 0 ends.
+std::size_t DcxPageStart(Bytes file, int page) {
+  const std::size_t entry = 4 * static_cast<std::size_t>(page);
+  return static_cast<std::size_t>(Little16(file, entry)) |
+         static_cast<std::size_t>(Little16(file, entry + 2)) << 16;
+}
+
 int DcxPages(Bytes file) {
-  constexpr std::size_t kMostPages = 1023;
-  std::size_t pages = 0;
-  while (pages < kMostPages && file.size() >= 4 * (pages + 2)) {
-    const Bytes offset = file.subspan(4 * (pages + 1), 4);
-    if (std::all_of(offset.begin(), offset.end(), [](std::uint8_t b) { return b == 0; })) break;
-    ++pages;
-  }
-  return static_cast<int>(pages);
+  constexpr int kMostPages = 1023;
+  int pages = 0;
+  while (pages < kMostPages && DcxPageStart(file, pages + 1) != 0) ++pages;
+  return pages;
+}
+
+FileResolution DcxResolution(Bytes file, int page) {
+  const std::size_t start = DcxPageStart(file, page);
+  return start < file.size() ? PcxResolution(file.subspan(start), page) : FileResolution{};
 }
 
 // --- TGA: no mark of its own, so the name counts and the header has to make sense ----------------
@@ -97,7 +113,36 @@ int RasDepth(Bytes head) {
   return DepthThatHolds(head[15]);
 }
 
-// --- Kinds without a depth of their own ----------------------------------------------------------
+// --- PICT and Photo CD: the mark lies beyond a head, so the name counts --------------------------
+
+bool IsPct(Bytes /*head*/, std::string_view extension) {
+  return extension == "pct" || extension == "pict";
+}
+
+// 512 bytes that programs fill as they like come first, then 10 of size and frame.
+bool IsSoundPct(Bytes file) {
+  constexpr std::size_t kMarkAt = 522;
+  return HasMark(file, kMarkAt, {0x00, 0x11, 0x02, 0xFF}) || HasMark(file, kMarkAt, {0x11, 0x01});
+}
+
+// Only version 2 in its extended form has one.
+FileResolution PctResolution(Bytes file, int /*page*/) {
+  constexpr std::size_t kMarkAt = 522;
+  if (!HasMark(file, kMarkAt, {0x00, 0x11, 0x02, 0xFF, 0x0C, 0x00, 0xFF, 0xFE})) return {};
+  return {WholeOfFixed(file, kMarkAt + 10), WholeOfFixed(file, kMarkAt + 14)};
+}
+
+bool IsPcd(Bytes /*head*/, std::string_view extension) {
+  return extension == "pcd";
+}
+
+// In the second sector of the disc.
+bool IsSoundPcd(Bytes file) {
+  constexpr std::size_t kMarkAt = 2048;
+  return HasMark(file, kMarkAt, {'P', 'C', 'D', '_'});
+}
+
+// --- WordPerfect graphics and Windows metafiles --------------------------------------------------
 
 bool IsWpg(Bytes head, std::string_view /*extension*/) {
   return StartsWith(head, {0xFF, 'W', 'P', 'C'});
@@ -108,35 +153,28 @@ bool IsWmf(Bytes head, std::string_view /*extension*/) {
   return placeable || StartsWith(head, {1, 0, 9, 0, 0, 1}) || StartsWith(head, {1, 0, 9, 0, 0, 3});
 }
 
-// --- Kinds whose mark lies beyond a head: the name counts until the whole file is there ----------
-
-bool HasMark(Bytes file, std::size_t offset, std::initializer_list<std::uint8_t> mark) {
-  return file.size() > offset && StartsWith(file.subspan(offset), mark);
-}
-
-// 512 bytes that programs fill as they like come first, then 10 of size and frame.
-bool IsPct(Bytes file, std::string_view extension) {
-  constexpr std::size_t kMarkAt = 522;
-  if (extension != "pct" && extension != "pict") return false;
-  return file.size() <= Codec::kHeadBytes || HasMark(file, kMarkAt, {0x00, 0x11, 0x02, 0xFF}) ||
-         HasMark(file, kMarkAt, {0x11, 0x01});
-}
-
-bool IsPcd(Bytes file, std::string_view extension) {
-  constexpr std::size_t kMarkAt = 2048;
-  if (extension != "pcd") return false;
-  return file.size() <= Codec::kHeadBytes || HasMark(file, kMarkAt, {'P', 'C', 'D', '_'});
-}
-
 constexpr std::array kKinds{
-    MagickKind{"PCX", kFormatPcx, IsPcx, PcxDepth, OnePage},
-    MagickKind{"DCX", kFormatPcx, IsDcx, AsDecoded, DcxPages},
-    MagickKind{"SUN", kFormatRas, IsRas, RasDepth, OnePage},
-    MagickKind{"WPG", kFormatWpg, IsWpg, AsDecoded, OnePage},
-    MagickKind{"WMF", kFormatWmf, IsWmf, AsDecoded, OnePage},
-    MagickKind{"TGA", kFormatTga, IsTga, TgaDepth, OnePage},
-    MagickKind{"PICT", kFormatPct, IsPct, AsDecoded, OnePage},
-    MagickKind{"PCD", kFormatPcd, IsPcd, AsDecoded, OnePage},
+    MagickKind{.magick = "PCX",
+               .format = kFormatPcx,
+               .matches = IsPcx,
+               .depth = PcxDepth,
+               .resolution = PcxResolution},
+    MagickKind{.magick = "DCX",
+               .format = kFormatPcx,
+               .matches = IsDcx,
+               .resolution = DcxResolution,
+               .pages = DcxPages},
+    MagickKind{.magick = "SUN", .format = kFormatRas, .matches = IsRas, .depth = RasDepth},
+    MagickKind{.magick = "WPG", .format = kFormatWpg, .matches = IsWpg},
+    MagickKind{
+        .magick = "WMF", .format = kFormatWmf, .matches = IsWmf, .isSound = IsSoundMetafile},
+    MagickKind{.magick = "TGA", .format = kFormatTga, .matches = IsTga, .depth = TgaDepth},
+    MagickKind{.magick = "PICT",
+               .format = kFormatPct,
+               .matches = IsPct,
+               .isSound = IsSoundPct,
+               .resolution = PctResolution},
+    MagickKind{.magick = "PCD", .format = kFormatPcd, .matches = IsPcd, .isSound = IsSoundPcd},
 };
 
 }  // namespace

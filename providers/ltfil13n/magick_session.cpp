@@ -39,7 +39,7 @@ MagickPassFail OnAccess(const ConfirmAccessMode /*mode*/, const char* /*path*/,
 // The library counts 10 bytes for each pixel. Images beyond these bounds fail before any of it is
 // taken; below them memory decides.
 void SetLimits() {
-  constexpr magick_int64_t kMostPixels = 400'000'000;
+  constexpr magick_int64_t kMostPixels = 150'000'000;
   constexpr magick_int64_t kMostSide = 0xFFFF;
   (void)SetMagickResourceLimit(PixelsResource, kMostPixels);
   (void)SetMagickResourceLimit(WidthResource, kMostSide);
@@ -59,6 +59,8 @@ bool Start() {
   SetErrorHandler(nullptr);
   SetFatalErrorHandler(OnFatal);
   SetMonitorHandler(OnProgress);
+  // The list of fonts, for text in metafiles, is read while files may still be opened.
+  (void)GetTypeInfo("*", report.get());
   MagickSetConfirmAccessHandler(OnAccess);
   SetLimits();
   return true;

@@ -16,17 +16,18 @@ constexpr int kRotationSpan = 70;
 constexpr std::uint32_t kKeepSize = 0;
 
 // The progress of AutoDeskew. It belongs to the process, since the imaging module's own callback
-// carries nothing that would lead to the call it serves.
+// carries nothing that would lead to the call it serves. The module may keep the bridge below
+// installed, so a call without a callback clears the last one.
 struct DeskewProgress {
-  StatusCallback callback;  // of the last call that had one
-  int counter;              // last percent reported
-  int base;                 // percent at which the rotation begins
+  StatusCallback callback;
+  int counter;  // last percent reported
+  int base;     // percent at which the rotation begins
 };
 DeskewProgress progress{};
 
-void ReportStage(StatusCallback callback) {
-  if (callback == nullptr) return;
-  for (int i = 0; i < kStageSpan; ++i) callback(++progress.counter, nullptr);
+void ReportStage() {
+  if (progress.callback == nullptr) return;
+  for (int i = 0; i < kStageSpan; ++i) progress.callback(++progress.counter, nullptr);
 }
 
 // Spreads the rotation's percent over its share. The answer is the module's "go on": the caller
@@ -42,16 +43,16 @@ int DeskewStatusBridge(int percent, void* /*userData*/) {
 }
 
 // Degrees; 0 for a page without a region, an image that cannot be read, and without memory.
-int SkewOf(DibHandle source, StatusCallback callback) noexcept {
+int SkewOf(DibHandle source) noexcept {
   try {
     RegionFinder finder;
     finder.Capture(source);
-    ReportStage(callback);
+    ReportStage();
     finder.SegmentForDeskew();
-    ReportStage(callback);
+    ReportStage();
     if (finder.RegionCount() == 0) return 0;
     const int skew = finder.SkewAngle();
-    ReportStage(callback);
+    ReportStage();
     return skew;
   } catch (const std::bad_alloc&) {
     return 0;
@@ -98,12 +99,9 @@ int COrvoInstance::FindRegions(DibHandle source, RegionRecord** list, int* count
 int COrvoInstance::AutoDeskew(DibHandle source, DibHandle* result, int* angle,
                               StatusCallback callback) noexcept {
   if (result == nullptr) return ORVO_ERR_BAD_ARGUMENT;
-  progress.counter = 0;
-  const int skew = SkewOf(source, callback);
-  if (callback != nullptr) {
-    progress.callback = callback;
-    progress.base = progress.counter;
-  }
+  progress = {.callback = callback, .counter = 0, .base = 0};
+  const int skew = SkewOf(source);
+  progress.base = progress.counter;
   // Its code is not reported: the result handle tells.
   leadTools->LTRotate(source, result, skew, kKeepSize,
                       callback != nullptr ? &DeskewStatusBridge : nullptr);

@@ -27,6 +27,8 @@ ChannelMasks MasksOf(const std::uint8_t* block, const BITMAPINFOHEADER& header) 
   if (header.biCompression == BI_BITFIELDS && hasFields) {
     static_assert(sizeof masks == kFieldMaskBytes);
     std::memcpy(&masks, block + sizeof header, sizeof masks);
+    const std::uint32_t pixel = header.biBitCount == 16 ? 0xFFFF : 0xFFFFFFFF;
+    masks = {masks.red & pixel, masks.green & pixel, masks.blue & pixel};
   }
   return masks;
 }
