@@ -86,12 +86,14 @@ class Session {
   Session(COrvoInstance& toolkit, const Request& request)
       : toolkit_(toolkit),
         request_(request),
+        furtherTargets_(request.inputs),
         json_(request.parameters.has("json")),
         quality_(request.parameters.has("quality") ? request.parameters.whole("quality") : 0) {}
 
   void work(const Task& task) {
     Job job{.toolkit = toolkit_,
             .parameters = request_.parameters,
+            .furtherTargets = furtherTargets_,
             .source = task.source,
             .target = task.target,
             .quality = quality_};
@@ -136,6 +138,7 @@ class Session {
 
   COrvoInstance& toolkit_;
   const Request& request_;
+  FurtherTargets furtherTargets_;
   bool json_;
   int quality_;
   ordered_json entries_ = ordered_json::array();

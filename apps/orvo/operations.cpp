@@ -26,7 +26,7 @@ const std::vector<Operation>& Operations() {
   static const std::vector<Operation> all = [] {
     std::vector<Operation> rows;
     for (const auto part : {ToneOperations(), ColorOperations(), GeometryOperations(),
-                            ScanOperations(), Inquiries()}) {
+                            ScanOperations(), ItemOperations(), Inquiries()}) {
       rows.insert(rows.end(), part.begin(), part.end());
     }
     return rows;

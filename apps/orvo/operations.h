@@ -12,6 +12,7 @@
 #include <orvo/orvo.h>
 
 #include "options.h"
+#include "paths.h"
 
 namespace client {
 
@@ -19,6 +20,7 @@ namespace client {
 struct Job {
   COrvoInstance& toolkit;
   const Parameters& parameters;
+  FurtherTargets& furtherTargets;  // of the whole call
   std::string source;
   std::string target;
   int quality = 0;  // of SaveFile
@@ -57,6 +59,7 @@ std::span<const Operation> ToneOperations();
 std::span<const Operation> ColorOperations();
 std::span<const Operation> GeometryOperations();
 std::span<const Operation> ScanOperations();
+std::span<const Operation> ItemOperations();
 std::span<const Operation> Inquiries();
 
 // All of them, in the order of the help.

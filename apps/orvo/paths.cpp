@@ -1,9 +1,7 @@
 #include "paths.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
-#include <set>
 
 namespace client {
 namespace {
@@ -108,6 +106,13 @@ Plan PlanTargets(const std::vector<std::string>& inputs, const Parameters& param
   }
   plan.problem = FindClash(plan, inputs, inPlace);
   return plan;
+}
+
+std::string FurtherTargets::claim(const std::string& path) {
+  if (Inputs(inputs_).contain(path)) return path + " is an input file";
+  std::error_code fault;
+  if (claimed_.insert(fs::weakly_canonical(path, fault)).second) return {};
+  return path + " would be written twice";
 }
 
 }  // namespace client

@@ -2,6 +2,8 @@
 #ifndef APPS_ORVO_PATHS_H
 #define APPS_ORVO_PATHS_H
 
+#include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,20 @@ struct Plan {
 // By the options "in-place", "output" and "to". No target is an input under whatever name, unless
 // the work is in place, and none is named twice.
 Plan PlanTargets(const std::vector<std::string>& inputs, const Parameters& parameters);
+
+// Files that a command writes beside its targets. The inputs have to outlive it.
+class FurtherTargets {
+ public:
+  explicit FurtherTargets(const std::vector<std::string>& inputs) : inputs_(inputs) {}
+
+  // Why the path must not be written, because it is an input or was claimed before; empty when it
+  // may.
+  [[nodiscard]] std::string claim(const std::string& path);
+
+ private:
+  const std::vector<std::string>& inputs_;
+  std::set<std::filesystem::path> claimed_;
+};
 
 }  // namespace client
 

@@ -31,7 +31,7 @@ std::string Spell(const ordered_json& value) {
   if (!value.is_array()) return value.dump();
   std::string joined;
   for (const ordered_json& item : value) {
-    if (!joined.empty()) joined += ' ';
+    if (!joined.empty()) joined += item.is_array() ? ", " : " ";
     joined += Spell(item);
   }
   return joined;

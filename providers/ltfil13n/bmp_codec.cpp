@@ -53,8 +53,8 @@ void MakePlain(const BmpHeader& header, const Pixels& image, std::uint8_t* row) 
   for (int x = 0; x < image.width; ++x) {
     if (image.depth == 16) {
       const std::uint32_t pixel = Little16(row);
-      const std::uint16_t plain = With555(
-          0, {header.blue.tone(pixel), header.green.tone(pixel), header.red.tone(pixel)});
+      const std::uint16_t plain =
+          With555(0, {header.blue.tone(pixel), header.green.tone(pixel), header.red.tone(pixel)});
       std::memcpy(row, &plain, sizeof plain);
       row += 2;
     } else {
@@ -98,8 +98,8 @@ int CheckLength(const BmpHeader& header) {
   if (!layout) return kVendorFormatDamaged;
   const std::uint64_t needed = layout->totalBytes - layout->pixelOffset;
   const bool runs = header.compression == BI_RLE8 || header.compression == BI_RLE4;
-  const bool enough = runs ? IsPlausible(needed, header.pixelBytes, kMostRunRatio)
-                           : needed <= header.pixelBytes;
+  const bool enough =
+      runs ? IsPlausible(needed, header.pixelBytes, kMostRunRatio) : needed <= header.pixelBytes;
   return enough ? kVendorSuccess : kVendorReadFailed;
 }
 
@@ -157,8 +157,8 @@ int Save(const SaveRequest& request, const LockedDib& locked) {
   const auto headers = HeadersFor(locked, static_cast<std::uint32_t>(pixelBytes));
   bool written = std::fwrite(headers.data(), headers.size(), 1, file.get()) == 1;
   if (image.palette != nullptr) {
-    written = written && std::fwrite(image.palette, orvo::DibPaletteBytes(image.depth), 1,
-                                     file.get()) == 1;
+    written = written &&
+              std::fwrite(image.palette, orvo::DibPaletteBytes(image.depth), 1, file.get()) == 1;
   }
   Progress progress(static_cast<std::uint64_t>(image.height));
   const int rowsPerBlock = RowsPerBlock(image);

@@ -115,8 +115,8 @@ bool ReadPalette(std::FILE* file, std::uint32_t claimed, std::size_t entryBytes,
   std::uint32_t count = claimed == 0 ? full : std::min(claimed, full);
   const auto at = static_cast<std::uint64_t>(std::ftell(file));
   if (pixelOffset > at) {
-    count = static_cast<std::uint32_t>(
-        std::min<std::uint64_t>(count, (pixelOffset - at) / entryBytes));
+    count =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(count, (pixelOffset - at) / entryBytes));
   }
   std::array<std::uint8_t, 4> entry{};
   for (std::uint32_t i = 0; i < count; ++i) {

@@ -3,9 +3,7 @@
 #include <array>
 
 #if defined(ORVO_HAVE_JPEG)
-#include <cstdio>
-
-#include <jpeglib.h>
+#include "ltfil13n/jpeg_session.h"
 #endif
 #if defined(ORVO_HAVE_PNG)
 #include <png.h>
@@ -18,28 +16,30 @@ namespace {
 #define ORVO_VALUE_AS_TEXT(name) ORVO_AS_TEXT(name)
 
 // Kinds with a mark of their own come before those that are told by the extension.
-constexpr std::array kCodecs{
+constexpr std::array kCodecs {
 #if defined(ORVO_HAVE_JPEG)
-    &kJpegCodec,
+  &kJpegCodec,
 #endif
 #if defined(ORVO_HAVE_PNG)
-    &kPngCodec,
+      &kPngCodec,
 #endif
 #if defined(ORVO_HAVE_TIFF)
-    &kTiffCodec,
+      &kTiffCodec,
 #endif
 #if defined(ORVO_HAVE_PSD)
-    &kPsdCodec,
+      &kPsdCodec,
 #endif
-    &kBmpCodec,
+      &kBmpCodec,
 #if defined(ORVO_HAVE_MAGICK)
-    &kMagickCodec,
+      &kMagickCodec,
 #endif
 };
 
 }  // namespace
 
-std::span<const Codec* const> Codecs() { return kCodecs; }
+std::span<const Codec* const> Codecs() {
+  return kCodecs;
+}
 
 std::string CodecNames() {
   std::string names;

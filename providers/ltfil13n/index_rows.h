@@ -2,8 +2,8 @@
 #ifndef PROVIDERS_LTFIL13N_INDEX_ROWS_H
 #define PROVIDERS_LTFIL13N_INDEX_ROWS_H
 
-#include "ltkrn13n/pixel_formats.h"
 #include "common/dib_image.h"
+#include "ltkrn13n/pixel_formats.h"
 
 namespace provider {
 

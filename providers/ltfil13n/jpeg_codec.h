@@ -9,8 +9,7 @@ namespace provider {
 
 int DescribeJpeg(const char* path, int page, LTFILEINFO& info);
 int LoadJpeg(const char* path, int page, struct_LEAD_Bitmap& bitmap);
-int LoadJpegAtLeast(const char* path, int page, int width, int height,
-                    struct_LEAD_Bitmap& bitmap);
+int LoadJpegAtLeast(const char* path, int page, int width, int height, struct_LEAD_Bitmap& bitmap);
 int SaveJpeg(const SaveRequest& request, const LockedDib& image);
 
 }  // namespace provider

@@ -166,8 +166,7 @@ int LoadJpeg(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   return code == kVendorSuccess ? Load(reader, bitmap) : code;
 }
 
-int LoadJpegAtLeast(const char* path, int page, int width, int height,
-                    struct_LEAD_Bitmap& bitmap) {
+int LoadJpegAtLeast(const char* path, int page, int width, int height, struct_LEAD_Bitmap& bitmap) {
   JpegReader reader;
   if (const int code = reader.open(path, page); code != kVendorSuccess) return code;
   if (SwapsSides(reader.image().orientation)) std::swap(width, height);

@@ -1,8 +1,8 @@
 #include "ltfil13n/jpeg_session.h"
 
-#include <algorithm>
-
 #include <jerror.h>
+
+#include <algorithm>
 
 namespace provider {
 namespace {
@@ -29,7 +29,9 @@ int VendorCodeOf(int message) {
   }
 }
 
-void OnError(j_common_ptr codec) { LeaveJpeg(codec, VendorCodeOf(codec->err->msg_code)); }
+void OnError(j_common_ptr codec) {
+  LeaveJpeg(codec, VendorCodeOf(codec->err->msg_code));
+}
 
 // Warnings that mean lost pixels end the work: half a picture is not taken for a whole one.
 void OnMessage(j_common_ptr codec, int level) {

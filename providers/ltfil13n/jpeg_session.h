@@ -3,9 +3,12 @@
 #define PROVIDERS_LTFIL13N_JPEG_SESSION_H
 
 #include <csetjmp>
-#include <cstdio>
 
+// The library's header needs the types of the first, so they stay in this order.
+// clang-format off
+#include <stdio.h>
 #include <jpeglib.h>
+// clang-format on
 
 #include "common/status.h"
 

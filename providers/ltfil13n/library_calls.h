@@ -7,7 +7,8 @@
 namespace provider {
 
 // Runs calls and gives true; false when the library jumped to `jump` out of them. What is jumped
-// over is never destroyed, so `calls` captures by reference and owns nothing; owners live around it.
+// over is never destroyed, so `calls` captures by reference and owns nothing; owners live around
+// it.
 template <class Calls>
 [[nodiscard]] bool Attempt(std::jmp_buf& jump, const Calls& calls) {
   if (setjmp(jump) != 0) return false;

@@ -86,14 +86,20 @@ struct Source {
   }
 };
 
+// Of the images that came: those before a later page come with it.
+const Image& PageOf(const MagickImage& images, int page) {
+  return page > 1 ? *GetLastImageInList(images.get()) : *images;
+}
+
 int Describe(const char* path, int page, LTFILEINFO& info) {
   Source source;
   if (const int code = source.open(path, page); code != kVendorSuccess) return code;
-  MagickImage image;
-  const int code = DecodeMagick(*source.info, source.bytes, nullptr, image);
+  MagickImage images;
+  const int code = DecodeMagick(*source.info, source.bytes, nullptr, images);
   if (code != kVendorSuccess) return code;
-  const char* const compression = image->compression == RLECompression ? "RLE" : "none";
-  DescribeImage(source.describe(*image, page), source.kind->format, compression, info);
+  const Image& image = PageOf(images, page);
+  const char* const compression = image.compression == RLECompression ? "RLE" : "none";
+  DescribeImage(source.describe(image, page), source.kind->format, compression, info);
   info.pageCount = source.pages;
   info.page = page;
   return kVendorSuccess;
@@ -103,12 +109,12 @@ int Load(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   Source source;
   if (const int code = source.open(path, page); code != kVendorSuccess) return code;
   MagickProgress progress(MagickProgress::Order::kLibraryFirst);
-  MagickImage image;
-  const int code = DecodeMagick(*source.info, source.bytes, &progress, image);
+  MagickImage images;
+  const int code = DecodeMagick(*source.info, source.bytes, &progress, images);
   if (code != kVendorSuccess) return code;
-  return LoadImage(source.describe(*image, page), bitmap, [&](const Pixels& target) {
-    return CopyFromMagick(*image, target, progress);
-  });
+  const Image& image = PageOf(images, page);
+  return LoadImage(source.describe(image, page), bitmap,
+                   [&](const Pixels& target) { return CopyFromMagick(image, target, progress); });
 }
 
 // How the formats are written, by the library's name.
@@ -118,12 +124,14 @@ struct Target {
   bool holdsAlpha;
   bool holdsBits;  // has a form of 1 bit a pixel, in black and white
   CompressionType compression;
+  int leastWidth = 1;
 };
 constexpr std::array kTargets{
     Target{kFormatPcx, "PCX", false, true, RLECompression},
     Target{kFormatTga, "TGA", true, false, RLECompression},
     Target{kFormatRas, "SUN", false, true, RLECompression},
-    Target{kFormatPct, "PICT", false, false, UndefinedCompression},
+    // Rows below 8 bytes, which this format keeps without runs, come out damaged.
+    Target{kFormatPct, "PICT", false, false, UndefinedCompression, 8},
     Target{kFormatEps, "EPS3", false, true, ZipCompression},
 };
 
@@ -134,35 +142,37 @@ constexpr std::array<int, kTargets.size()> kFormats = [] {
   return formats;
 }();
 
-int Save(const SaveRequest& request, const LockedDib& locked) {
+// Null when the format cannot hold an image of this size.
+const Target* TargetFor(int format, const Pixels& pixels) {
   constexpr int kMostSide = 0x7FFF;  // what the measures of all these formats hold
-  const Pixels& pixels = *locked;
-  const auto* const target =
-      std::find_if(kTargets.begin(), kTargets.end(),
-                   [&](const Target& each) { return each.format == request.format; });
-  if (target == kTargets.end() || std::max(pixels.width, pixels.height) > kMostSide) {
-    return kVendorFormatNotWritten;
-  }
+  const auto* const target = std::find_if(
+      kTargets.begin(), kTargets.end(), [&](const Target& each) { return each.format == format; });
+  const bool fits = target != kTargets.end() && pixels.width >= target->leastWidth &&
+                    std::max(pixels.width, pixels.height) <= kMostSide;
+  return fits ? target : nullptr;
+}
 
+int Save(const SaveRequest& request, const LockedDib& locked) {
+  const Pixels& pixels = *locked;
+  const Target* const target = TargetFor(request.format, pixels);
+  if (target == nullptr) return kVendorFormatNotWritten;
   const MagickImageInfo info = NewMagickInfo(target->magick);
   const MagickImage image = info ? NewMagickImage(*info) : nullptr;
   if (!image) return kVendorNoMemory;
   info->compression = target->compression;
   // Black and white stay 1 bit where such files are read everywhere; the library has to look.
   if (pixels.depth == 1 && target->holdsBits) info->type = OptimizeType;
-  std::string(target->magick).copy(image->magick, sizeof image->magick - 1);
   image->units = PixelsPerInchResolution;
   image->x_resolution = orvo::DotsPerInch(locked.header().biXPelsPerMeter);
   image->y_resolution = orvo::DotsPerInch(locked.header().biYPelsPerMeter);
+
   MagickProgress progress(MagickProgress::Order::kRowsFirst);
   const bool withAlpha = target->holdsAlpha && HasAlpha(pixels);
-  if (const int code = CopyToMagick(pixels, withAlpha, *image, progress); code != kVendorSuccess) {
-    return code;
-  }
-
+  int code = CopyToMagick(pixels, withAlpha, *image, progress);
+  if (code != kVendorSuccess) return code;
   FileHandle file = OpenFile(request.path, "wb");
   if (!file) return kVendorFileNotOpened;
-  const int code = EncodeMagick(*info, *image, progress, file.get());
+  code = EncodeMagick(*info, *image, progress, file.get());
   if (code != kVendorSuccess) return code;
   return CloseWritten(std::move(file)) ? kVendorSuccess : kVendorWriteFailed;
 }

@@ -166,8 +166,7 @@ constexpr std::array kKinds{
                .pages = DcxPages},
     MagickKind{.magick = "SUN", .format = kFormatRas, .matches = IsRas, .depth = RasDepth},
     MagickKind{.magick = "WPG", .format = kFormatWpg, .matches = IsWpg},
-    MagickKind{
-        .magick = "WMF", .format = kFormatWmf, .matches = IsWmf, .isSound = IsSoundMetafile},
+    MagickKind{.magick = "WMF", .format = kFormatWmf, .matches = IsWmf, .isSound = IsSoundMetafile},
     MagickKind{.magick = "TGA", .format = kFormatTga, .matches = IsTga, .depth = TgaDepth},
     MagickKind{.magick = "PICT",
                .format = kFormatPct,

@@ -38,8 +38,8 @@ struct MagickKind {
 const MagickKind* MagickKindOf(std::span<const std::uint8_t> head, std::string_view extension);
 
 // Whether the records of a Windows metafile follow each other from its header to its end mark and
-// keep to what the header promises. The library under the library tells what it dislikes on standard
-// error, so it gets to see none of what it would dislike.
+// keep to what the header promises. The library under the library tells what it dislikes on
+// standard error, so it gets to see none of what it would dislike.
 bool IsSoundMetafile(std::span<const std::uint8_t> file);
 
 }  // namespace provider

@@ -36,9 +36,9 @@ enum Function : std::uint16_t {
 };
 
 bool Creates(std::size_t function) {
-  constexpr std::array<std::size_t, 7> kCreators{kCreatePalette, kCreateBitmapBrush,
-                                                 kCreatePatternBrush, kCreatePen, kCreateFont,
-                                                 kCreateBrush, kCreateRegion};
+  constexpr std::array<std::size_t, 7> kCreators{
+      kCreatePalette, kCreateBitmapBrush, kCreatePatternBrush, kCreatePen,
+      kCreateFont,    kCreateBrush,       kCreateRegion};
   return std::find(kCreators.begin(), kCreators.end(), function) != kCreators.end();
 }
 
@@ -62,7 +62,8 @@ bool IsSoundMetafile(std::span<const std::uint8_t> file) {
     const std::size_t function = Word(file, 2);
     if (words < kRecordStartWords || words > file.size() / 2 || words > largestRecord) return false;
     if (function == kEnd) return true;
-    if (TakesObject(function) && (words <= kRecordStartWords || Word(file, 3) >= slots)) return false;
+    if (TakesObject(function) && (words <= kRecordStartWords || Word(file, 3) >= slots))
+      return false;
     created += Creates(function) ? 1 : 0;
     created -= function == kDeleteObject && created > 0 ? 1 : 0;
     if (created > slots) return false;

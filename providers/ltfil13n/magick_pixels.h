@@ -14,8 +14,8 @@ bool FitsPalette(const Image& image, int depth);
 // otherwise transparent parts show white. Depths to 8 ask for FitsPalette. Vendor code.
 int CopyFromMagick(const Image& image, const Pixels& target, MagickProgress& progress);
 
-// Gives an image that has no pixels yet those of a DIB: with a palette for depths to 8; with opacity
-// for 32 bits when withAlpha. Vendor code.
+// Gives an image that has no pixels yet those of a DIB: with a palette for depths to 8; with
+// opacity for 32 bits when withAlpha. Vendor code.
 int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress);
 
 }  // namespace provider

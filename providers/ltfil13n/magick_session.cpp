@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 
 #include "ltfil13n/library_calls.h"
@@ -125,6 +126,7 @@ MagickImageInfo NewMagickInfo(const char* magick) {
 MagickImage NewMagickImage(const ImageInfo& info) {
   Image* image = nullptr;
   if (!CallMagick(nullptr, [&] { image = AllocateImage(&info); })) return nullptr;
+  std::copy(std::begin(info.magick), std::end(info.magick), std::begin(image->magick));
   return MagickImage(image);
 }
 
@@ -133,15 +135,15 @@ int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
   MagickReport report;
   Image* decoded = nullptr;
   const auto decode = progress == nullptr ? PingBlob : BlobToImage;
-  if (!CallMagick(progress, [&] {
-        decoded = decode(&info, file.data(), file.size(), report.get());
-      })) {
+  if (!CallMagick(progress,
+                  [&] { decoded = decode(&info, file.data(), file.size(), report.get()); })) {
     return kVendorNoMemory;
   }
   image.reset(decoded);
   if (progress != nullptr && progress->stopped()) return kVendorAborted;
   if (const int code = report.code(); code != kVendorSuccess) return code;
-  return image ? kVendorSuccess : kVendorFormatDamaged;
+  if (!image) return kVendorFormatDamaged;
+  return progress == nullptr || progress->reportLibrary(1, 1) ? kVendorSuccess : kVendorAborted;
 }
 
 int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file) {
@@ -155,7 +157,8 @@ int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, 
   MagickFree(bytes);
   if (progress.stopped()) return kVendorAborted;
   if (report.code() == kVendorNoMemory) return kVendorNoMemory;
-  return written && report.code() == kVendorSuccess ? kVendorSuccess : kVendorWriteFailed;
+  if (!written || report.code() != kVendorSuccess) return kVendorWriteFailed;
+  return progress.reportLibrary(1, 1) ? kVendorSuccess : kVendorAborted;
 }
 
 }  // namespace provider

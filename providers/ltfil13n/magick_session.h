@@ -64,7 +64,7 @@ class MagickProgress {
 // Options of one call, for a format by the library's name; starts the library when it is the first.
 // Empty when it cannot start.
 MagickImageInfo NewMagickInfo(const char* magick);
-// An image without pixels; empty when out of memory.
+// An image without pixels for the format of the options; empty when out of memory.
 MagickImage NewMagickImage(const ImageInfo& info);
 
 // The first image of a file in memory, without its pixels when progress is null. Vendor code.

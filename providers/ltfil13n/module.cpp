@@ -138,8 +138,7 @@ int L_SaveFile(const char* path, struct_LEAD_Bitmap* bitmap, int format, int bit
 int L_FileInfo(const char* path, LTFILEINFO* info, unsigned flags, const LTLOADOPTIONS* options) {
   if (info == nullptr) return kVendorBadParameter;
   const bool usesOptions = (flags & kInfoUsesOptions) != 0;
-  if (usesOptions &&
-      (options == nullptr || options->size < static_cast<int>(sizeof *options))) {
+  if (usesOptions && (options == nullptr || options->size < static_cast<int>(sizeof *options))) {
     return kVendorBadParameter;
   }
   return Guarded([=] { return FileInfo(path, usesOptions ? options->page : kFirstPage, *info); });
@@ -149,8 +148,9 @@ int L_FileInfo(const char* path, LTFILEINFO* info, unsigned flags, const LTLOADO
 int L_FileConvert(const char* source, const char* target, int format, int width, int height,
                   int bits, int quality, void* /*loadOptions*/, void* /*saveOptions*/,
                   void* /*info*/) {
-  return Guarded(
-      [=] { return Convert(source, target, width, height, bits, {format, quality, false}); });
+  return Guarded([=] {
+    return Convert(source, target, width, height, bits, {format, quality, false});
+  });
 }
 
 int L_CreateThumbnailFromFile(const char* path, struct_LEAD_Bitmap* bitmap,

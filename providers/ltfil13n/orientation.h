@@ -1,8 +1,8 @@
 // Orientation tags of cameras and scanners: how a stored image has to be turned to stand upright.
 //
-// 1 upright, 2 mirrored left to right, 3 turned by 180 degrees, 4 mirrored top to bottom, 5 mirrored
-// along the diagonal from the top left, 6 needs a quarter turn clockwise, 7 mirrored along the other
-// diagonal, 8 needs a quarter turn counter-clockwise.
+// 1 upright, 2 mirrored left to right, 3 turned by 180 degrees, 4 mirrored top to bottom, 5
+// mirrored along the diagonal from the top left, 6 needs a quarter turn clockwise, 7 mirrored along
+// the other diagonal, 8 needs a quarter turn counter-clockwise.
 #ifndef PROVIDERS_LTFIL13N_ORIENTATION_H
 #define PROVIDERS_LTFIL13N_ORIENTATION_H
 
@@ -16,7 +16,9 @@ constexpr int kUpright = 1;
 constexpr int OrientationOf(unsigned tag) {
   return tag >= 1 && tag <= 8 ? static_cast<int>(tag) : kUpright;
 }
-constexpr bool SwapsSides(int orientation) { return orientation >= 5; }
+constexpr bool SwapsSides(int orientation) {
+  return orientation >= 5;
+}
 
 // The image turned upright, resolutions and palette with it; empty when out of memory.
 OwnedBlock TurnedUpright(OwnedBlock block, int orientation);

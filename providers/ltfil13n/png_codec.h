@@ -2,9 +2,9 @@
 #ifndef PROVIDERS_LTFIL13N_PNG_CODEC_H
 #define PROVIDERS_LTFIL13N_PNG_CODEC_H
 
-#include <csetjmp>
-
 #include <png.h>
+
+#include <csetjmp>
 
 #include "ltfil13n/codec.h"
 #include "ltfil13n/file_image.h"

@@ -41,9 +41,9 @@ class PngReader {
 
   [[nodiscard]] const FileImage& image() const { return image_; }
   [[nodiscard]] bool isPlausible() const {
-    return IsPlausible(std::uint64_t{png_get_rowbytes(png_, info_)} *
-                           static_cast<std::uint64_t>(image_.height),
-                       fileBytes_, kMostDeflateRatio);
+    return IsPlausible(
+        std::uint64_t{png_get_rowbytes(png_, info_)} * static_cast<std::uint64_t>(image_.height),
+        fileBytes_, kMostDeflateRatio);
   }
 
   int read(const Pixels& image) {

@@ -105,7 +105,10 @@ Buffer StartOf(const LockedDib& image, PsdMode mode, unsigned channels) {
 class Samples {
  public:
   Samples(const Pixels& image, PsdMode mode)
-      : image_(image), mode_(mode), row_(static_cast<std::size_t>(image.width)), colors_(row_.size()) {
+      : image_(image),
+        mode_(mode),
+        row_(static_cast<std::size_t>(image.width)),
+        colors_(row_.size()) {
     if (mode == PsdMode::kBitmap) row_.resize(image.rowBytes());
   }
 

@@ -1,5 +1,5 @@
-// Photoshop documents, as far as their flattened picture goes: layers are passed over on reading and
-// never written. Numbers are big-endian.
+// Photoshop documents, as far as their flattened picture goes: layers are passed over on reading
+// and never written. Numbers are big-endian.
 //
 //   header      mark, version, channels, height, width, bits for each sample, colour mode
 //   palette     length, then 256 reds, greens and blues for indexed colour

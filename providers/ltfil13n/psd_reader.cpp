@@ -18,9 +18,9 @@ std::uint32_t Big32(const std::uint8_t* bytes) {
 struct PsdHeader {
   FileImage image;
   PsdMode mode{};
-  int channels = 0;     // in the file
-  int usedChannels = 0; // that make the picture; what follows is transparency and masks
-  int bits = 0;         // of a sample
+  int channels = 0;      // in the file
+  int usedChannels = 0;  // that make the picture; what follows is transparency and masks
+  int bits = 0;          // of a sample
   PsdCompression compression{};
   std::array<std::uint8_t, kPsdPaletteBytes> palette{};
 
@@ -106,7 +106,8 @@ bool ReadResource(std::FILE* file, FileImage& image) {
     if (!Read(file, resolution)) return false;
     image.xPixelsPerMetre =
         PixelsPerMetreOf(Big32(resolution.data()) / kFixedOne, orvo::kMetresPerInch);
-    image.yPixelsPerMetre = PixelsPerMetreOf(Big32(&resolution[8]) / kFixedOne, orvo::kMetresPerInch);
+    image.yPixelsPerMetre =
+        PixelsPerMetreOf(Big32(&resolution[8]) / kFixedOne, orvo::kMetresPerInch);
     return true;
   }
   return Skip(file, length + length % 2);
@@ -177,7 +178,8 @@ void NarrowTo8(std::span<std::uint8_t> row) {
 
 // Stores one channel's samples of a line. Red, green and blue fill a pixel from its end; cyan,
 // magenta and yellow, 255 where there is no ink, are their tones before black darkens all three.
-void StoreChannel(const std::uint8_t* samples, int channel, const Pixels& image, std::uint8_t* line) {
+void StoreChannel(const std::uint8_t* samples, int channel, const Pixels& image,
+                  std::uint8_t* line) {
   if (image.depth <= 8) {
     std::copy_n(samples, image.rowBytes(), line);
   } else if (channel < 3) {
@@ -240,9 +242,8 @@ int LoadPsd(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   PsdHeader header;
   if (const int code = Open(path, page, file, header); code != kVendorSuccess) return code;
   if (!HoldsPicture(path, header)) return kVendorReadFailed;
-  return LoadImage(header.image, bitmap, [&](const Pixels& image) {
-    return ReadPicture(file.get(), header, image);
-  });
+  return LoadImage(header.image, bitmap,
+                   [&](const Pixels& image) { return ReadPicture(file.get(), header, image); });
 }
 
 }  // namespace provider

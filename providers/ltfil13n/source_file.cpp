@@ -49,8 +49,8 @@ int FindSource(const char* path, SourceFile& source) {
 
 int BringToDepth(struct_LEAD_Bitmap& bitmap, int bits) {
   if (bits == 0 || bits == bitmap.bitsPerPixel) return kVendorSuccess;
-  const unsigned flags =
-      kColorResOptimisedPalette | KernelDefaultDithering() << kColorResDitheringShift;
+  const unsigned flags = kColorResOptimisedPalette | KernelDefaultDithering()
+                                                         << kColorResDitheringShift;
   return L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr,
                           nullptr);
 }

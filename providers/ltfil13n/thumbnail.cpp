@@ -53,7 +53,6 @@ Color BackgroundOf(const LTTHUMBNAILOPTIONS& options) {
           static_cast<std::uint8_t>(color)};
 }
 
-
 int ChangeDepth(struct_LEAD_Bitmap& bitmap, int bits, unsigned flags) {
   return L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr,
                           nullptr);
@@ -98,8 +97,8 @@ int Frame(struct_LEAD_Bitmap& bitmap, Size frame, Color background) {
     for (int y = 0; y < frame.height; ++y) FillRow(framed->row(y), *framed, background);
     const int left = (frame.width - image->width) / 2;
     const int below = frame.height - image->height - (frame.height - image->height) / 2;
-    const std::size_t start = static_cast<std::size_t>(left) *
-                              (static_cast<std::size_t>(image->depth) / 8);
+    const std::size_t start =
+        static_cast<std::size_t>(left) * (static_cast<std::size_t>(image->depth) / 8);
     for (int y = 0; y < image->height; ++y) {
       std::memcpy(framed->row(below + y) + start, image->row(y), image->rowBytes());
     }

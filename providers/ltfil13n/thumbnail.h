@@ -6,8 +6,8 @@
 
 namespace provider {
 
-// The first page, shrunk or enlarged to the options' measures. The bitmap, which holds nothing, holds
-// the thumbnail afterwards, or still nothing. Vendor code.
+// The first page, shrunk or enlarged to the options' measures. The bitmap, which holds nothing,
+// holds the thumbnail afterwards, or still nothing. Vendor code.
 int MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options, struct_LEAD_Bitmap& bitmap);
 
 }  // namespace provider

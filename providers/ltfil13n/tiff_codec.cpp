@@ -22,10 +22,7 @@ bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
 int Open(const char* path, int number, TiffHandle& tiff, TiffPage& page) {
   tiff = OpenTiff(path, "rm");  // not mapped: a file that shrinks under a mapping kills the process
   if (!tiff) return kVendorFormatDamaged;
-  if (number < 1 || (number > 1 && TIFFSetDirectory(
-                                       tiff.get(), static_cast<tdir_t>(number - 1)) == 0)) {
-    return kVendorBadParameter;
-  }
+  if (number < 1 || FollowPages(tiff.get(), number - 1) < number - 1) return kVendorBadParameter;
   return ReadTiffPage(tiff.get(), page);
 }
 
@@ -63,7 +60,7 @@ int Describe(const char* path, int number, LTFILEINFO& info) {
   const bool plain = page.compression == COMPRESSION_NONE;
   DescribeImage(page.image, plain ? kFormatTiff : kFormatTiffCompressed,
                 CompressionName(page.compression), info);
-  info.pageCount = static_cast<int>(TIFFNumberOfDirectories(tiff.get()));
+  info.pageCount = number + FollowPages(tiff.get());
   info.page = number;
   return kVendorSuccess;
 }

@@ -49,10 +49,12 @@ std::uint16_t AlphaTag(TIFF* tiff) {
   return given && count > 0 ? kinds[0] : static_cast<std::uint16_t>(EXTRASAMPLE_UNSPECIFIED);
 }
 
-bool IsWholeByteOrLess(int bits) { return bits == 1 || bits == 2 || bits == 4 || bits == 8; }
+bool IsWholeByteOrLess(int bits) {
+  return bits == 1 || bits == 2 || bits == 4 || bits == 8;
+}
 
 std::uint16_t PhotometricOf(TIFF* tiff, const TiffPage& page) {
-  const std::uint16_t guess = page.samples >= 3       ? PHOTOMETRIC_RGB
+  const std::uint16_t guess = page.samples >= 3         ? PHOTOMETRIC_RGB
                               : IsFax(page.compression) ? PHOTOMETRIC_MINISWHITE
                                                         : PHOTOMETRIC_MINISBLACK;
   std::uint16_t photometric = guess;
@@ -127,6 +129,12 @@ TiffHandle OpenTiff(const char* path, const char* mode, int* faults) {
   TiffHandle tiff(TIFFOpenExt(path, mode, options));
   TIFFOpenOptionsFree(options);
   return tiff;
+}
+
+int FollowPages(TIFF* tiff, int most) {
+  int pages = 0;
+  while (pages < most && TIFFReadDirectory(tiff) != 0) ++pages;
+  return pages;
 }
 
 int ReadTiffPage(TIFF* tiff, TiffPage& page) {

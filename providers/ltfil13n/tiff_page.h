@@ -2,10 +2,10 @@
 #ifndef PROVIDERS_LTFIL13N_TIFF_PAGE_H
 #define PROVIDERS_LTFIL13N_TIFF_PAGE_H
 
+#include <tiffio.h>
+
 #include <cstdint>
 #include <memory>
-
-#include <tiffio.h>
 
 #include "ltfil13n/codec.h"
 #include "ltfil13n/file_image.h"
@@ -24,10 +24,10 @@ TiffHandle OpenTiff(const char* path, const char* mode, int* faults = nullptr);
 struct TiffPage {
   // How samples become pixels.
   enum class Kind {
-    kIndexes,    // rows as they are, of 1, 2, 4 or 8 bits: palettes, and gray below 8 bits
-    kGray,       // one tone, more samples left out
+    kIndexes,  // rows as they are, of 1, 2, 4 or 8 bits: palettes, and gray below 8 bits
+    kGray,     // one tone, more samples left out
     kGrayAlpha,
-    kRgb,        // more samples left out
+    kRgb,  // more samples left out
     kRgba,
     kCmyk,
     kByLibrary,  // anything else: the library's own conversion
@@ -35,15 +35,21 @@ struct TiffPage {
 
   FileImage image;
   Kind kind = Kind::kByLibrary;
-  int bits = 0;     // of a sample, 1 to 16
-  int samples = 0;  // of a pixel
-  bool planar = false;          // a plane for each sample
+  int bits = 0;         // of a sample, 1 to 16
+  int samples = 0;      // of a pixel
+  bool planar = false;  // a plane for each sample
   bool whiteIsZero = false;
-  bool premultiplied = false;   // colours are multiplied by the alpha
+  bool premultiplied = false;  // colours are multiplied by the alpha
   bool hasPalette = false;
   std::uint16_t compression = COMPRESSION_NONE;
   std::uint64_t mostRatio = 1;  // to which the compression can shrink a page
 };
+
+// Goes on by as many pages as there are, `most` at most, and gives their number. A chain that leads
+// back to an earlier page ends there: unlike the library's own counting, this never runs in
+// circles.
+constexpr int kMostTiffPages = 65535;
+int FollowPages(TIFF* tiff, int most = kMostTiffPages);
 
 // Reads the tags of the directory at which the file stands. Vendor code.
 int ReadTiffPage(TIFF* tiff, TiffPage& page);

@@ -76,11 +76,10 @@ class PartReader {
       const auto sample = static_cast<std::uint16_t>(plane);
       std::uint8_t* const target = buffer_.get() + plane * bytes_;
       const tmsize_t got =
-          parts_.tiled
-              ? TIFFReadEncodedTile(tiff_, TIFFComputeTile(tiff_, left, top, 0, sample), target,
-                                    parts_.bytes)
-              : TIFFReadEncodedStrip(tiff_, TIFFComputeStrip(tiff_, top, sample), target,
-                                     parts_.bytes);
+          parts_.tiled ? TIFFReadEncodedTile(tiff_, TIFFComputeTile(tiff_, left, top, 0, sample),
+                                             target, parts_.bytes)
+                       : TIFFReadEncodedStrip(tiff_, TIFFComputeStrip(tiff_, top, sample), target,
+                                              parts_.bytes);
       if (got < needed) return false;
     }
     return true;
@@ -192,8 +191,7 @@ void FillPalette(TIFF* tiff, const Pixels& image) {
 
 }  // namespace
 
-int ReadTiffPixels(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes,
-                   const Pixels& image) {
+int ReadTiffPixels(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, const Pixels& image) {
   if (page.hasPalette) {
     FillPalette(tiff, image);
   } else if (image.palette != nullptr) {

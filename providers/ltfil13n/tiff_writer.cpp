@@ -47,7 +47,8 @@ Form FormFor(const Pixels& image, bool compressed) {
   form.photometric = PhotometricOf(image);
   const std::size_t rowBytes =
       (static_cast<std::size_t>(image.width) * static_cast<std::size_t>(form.bits * form.samples) +
-       7) / 8;
+       7) /
+      8;
   form.rowsPerStrip = static_cast<std::uint32_t>(
       std::clamp<std::size_t>(kStripBytes / rowBytes, 1, static_cast<std::size_t>(image.height)));
   form.compression = compressed ? COMPRESSION_LZW : COMPRESSION_NONE;
@@ -89,23 +90,20 @@ void SetResolution(TIFF* tiff, const BITMAPINFOHEADER& header) {
   }
   const bool inches = isWhole(x) && isWhole(y);
   TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, inches ? RESUNIT_INCH : RESUNIT_CENTIMETER);
-  TIFFSetField(tiff, TIFFTAG_XRESOLUTION,
-               inches ? orvo::DotsPerInch(x) : x / kCentimetresPerMetre);
-  TIFFSetField(tiff, TIFFTAG_YRESOLUTION,
-               inches ? orvo::DotsPerInch(y) : y / kCentimetresPerMetre);
+  TIFFSetField(tiff, TIFFTAG_XRESOLUTION, inches ? orvo::DotsPerInch(x) : x / kCentimetresPerMetre);
+  TIFFSetField(tiff, TIFFTAG_YRESOLUTION, inches ? orvo::DotsPerInch(y) : y / kCentimetresPerMetre);
 }
 
 bool SetTags(TIFF* tiff, const LockedDib& image, const Form& form) {
   const auto set = [=](std::uint32_t tag, auto value) {
     return TIFFSetField(tiff, tag, value) != 0;
   };
-  bool sound = set(TIFFTAG_IMAGEWIDTH, image->width) && set(TIFFTAG_IMAGELENGTH, image->height) &&
-               set(TIFFTAG_BITSPERSAMPLE, form.bits) && set(TIFFTAG_SAMPLESPERPIXEL, form.samples) &&
-               set(TIFFTAG_PHOTOMETRIC, form.photometric) &&
-               set(TIFFTAG_COMPRESSION, form.compression) &&
-               set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
-               set(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) &&
-               set(TIFFTAG_ROWSPERSTRIP, form.rowsPerStrip);
+  bool sound =
+      set(TIFFTAG_IMAGEWIDTH, image->width) && set(TIFFTAG_IMAGELENGTH, image->height) &&
+      set(TIFFTAG_BITSPERSAMPLE, form.bits) && set(TIFFTAG_SAMPLESPERPIXEL, form.samples) &&
+      set(TIFFTAG_PHOTOMETRIC, form.photometric) && set(TIFFTAG_COMPRESSION, form.compression) &&
+      set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+      set(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) && set(TIFFTAG_ROWSPERSTRIP, form.rowsPerStrip);
   if (sound && form.samples == 4) {
     const std::uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
     sound = TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha) != 0;
@@ -168,8 +166,10 @@ int CheckAppendable(const char* path) {
   int faults = 0;
   const TiffHandle tiff = OpenTiff(path, "rm", &faults);
   if (!tiff) return kVendorBadFile;
-  (void)TIFFNumberOfDirectories(tiff.get());
-  return faults == 0 ? kVendorSuccess : kVendorFormatDamaged;
+  (void)FollowPages(tiff.get());
+  // A chain that leads back to an earlier page never reaches its end, which the library would seek.
+  const bool ends = TIFFLastDirectory(tiff.get()) != 0;
+  return ends && faults == 0 ? kVendorSuccess : kVendorFormatDamaged;
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // Group 4 coding. The TIFF library has the encoder: it writes a file of one strip into the spool,
 // of which the document takes the strip alone.
 #include <exception>
+#include <memory>
+#include <new>
 #include <vector>
 
 #include "ltfil13n/tiff_page.h"
@@ -8,6 +10,11 @@
 
 namespace provider {
 namespace {
+
+// The directory, which nobody reads, is not written.
+struct Discard {
+  void operator()(TIFF* tiff) const { TIFFCleanup(tiff); }
+};
 
 // A TIFF file of which every byte is appended to the spool.
 class SpooledTiff {
@@ -19,38 +26,35 @@ class SpooledTiff {
     TIFFOpenOptionsSetErrorHandlerExtR(options, stayQuiet, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options, stayQuiet, nullptr);
     // Big files: a strip may pass the four gigabytes of the plain kind.
-    tiff_ = TIFFClientOpenExt("spool", "wl8", this, Read, Write, Seek, Close, Size, nullptr,
-                              nullptr, options);
+    tiff_.reset(TIFFClientOpenExt("spool", "wl8", this, Read, Write, Seek, Close, Size, nullptr,
+                                  nullptr, options));
     TIFFOpenOptionsFree(options);
     const auto width = static_cast<std::uint32_t>(picture.width);
     const auto height = static_cast<std::uint32_t>(picture.height);
-    if (tiff_ == nullptr || TIFFSetField(tiff_, TIFFTAG_IMAGEWIDTH, width) == 0 ||
-        TIFFSetField(tiff_, TIFFTAG_IMAGELENGTH, height) == 0 ||
-        TIFFSetField(tiff_, TIFFTAG_ROWSPERSTRIP, height) == 0 ||
-        TIFFSetField(tiff_, TIFFTAG_BITSPERSAMPLE, 1) == 0 ||
-        TIFFSetField(tiff_, TIFFTAG_SAMPLESPERPIXEL, 1) == 0 ||
-        TIFFSetField(tiff_, TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == 0 ||
-        TIFFSetField(tiff_, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK) == 0 ||
-        TIFFSetField(tiff_, TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4) == 0) {
+    TIFF* const tiff = tiff_.get();
+    if (tiff == nullptr || TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width) == 0 ||
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height) == 0 ||
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, height) == 0 ||
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 1) == 0 ||
+        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1) == 0 ||
+        TIFFSetField(tiff, TIFFTAG_FILLORDER, FILLORDER_MSB2LSB) == 0 ||
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK) == 0 ||
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4) == 0) {
       fail();
     }
-  }
-  // The directory, which nobody reads, is not written.
-  ~SpooledTiff() {
-    if (tiff_ != nullptr) TIFFCleanup(tiff_);
   }
   SpooledTiff(const SpooledTiff&) = delete;
   SpooledTiff& operator=(const SpooledTiff&) = delete;
 
   void writeRow(std::uint8_t* row, int y) {
-    if (TIFFWriteScanline(tiff_, row, static_cast<std::uint32_t>(y), 0) != 1) fail();
+    if (TIFFWriteScanline(tiff_.get(), row, static_cast<std::uint32_t>(y), 0) != 1) fail();
   }
 
   // Ends the strip and tells where it lies.
   Spool::Range finish() {
-    if (TIFFFlushData(tiff_) != 1) fail();
+    if (TIFFFlushData(tiff_.get()) != 1) fail();
     (void)spool_.rangeSince(start_);
-    return {start_ + TIFFGetStrileOffset(tiff_, 0), TIFFGetStrileByteCount(tiff_, 0)};
+    return {start_ + TIFFGetStrileOffset(tiff_.get(), 0), TIFFGetStrileByteCount(tiff_.get(), 0)};
   }
 
  private:
@@ -91,7 +95,7 @@ class SpooledTiff {
   Spool& spool_;
   std::uint64_t start_;
   std::uint64_t position_ = 0;  // in bytes from start_
-  TIFF* tiff_ = nullptr;
+  std::unique_ptr<TIFF, Discard> tiff_;
   std::exception_ptr fault_;
 };
 

@@ -27,9 +27,9 @@ Resolution AspectOf(double xDensity, double yDensity);
 struct Picture {
   int width = 0;
   int height = 0;
-  int bits = 8;             // of a component: 1, 2, 4, 8 or 16
-  int components = 1;       // 1 gray or index, 3 red, green and blue, 4 inks
-  bool reversed = false;    // the highest value shows dark, or no ink
+  int bits = 8;              // of a component: 1, 2, 4, 8 or 16
+  int components = 1;        // 1 gray or index, 3 red, green and blue, 4 inks
+  bool reversed = false;     // the highest value shows dark, or no ink
   std::string palette = {};  // red, green and blue of each index; empty for none
   Resolution resolution = {};
   int orientation = kUpright;

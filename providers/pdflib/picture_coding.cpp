@@ -1,8 +1,7 @@
 #include "pdflib/picture_coding.h"
 
-#include <vector>
-
 #include <qpdf/Pl_Flate.hh>
+#include <vector>
 
 namespace provider {
 namespace {

@@ -17,7 +17,7 @@ enum class Coding {
 struct CodedPicture {
   Picture picture;
   Coding coding = Coding::kFlate;
-  Spool::Range data;
+  Spool::Range data = {};
   bool jpegIsRgb = false;  // the components are red, green and blue themselves
 };
 

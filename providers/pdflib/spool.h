@@ -5,9 +5,8 @@
 
 #include <cstdint>
 #include <fstream>
-#include <span>
-
 #include <qpdf/Pipeline.hh>
+#include <span>
 
 #include "pdflib/temporary_file.h"
 

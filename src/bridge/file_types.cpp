@@ -51,6 +51,18 @@ constexpr ConversionType kConversionTypes[] = {
     {".PCT", kFormatPct},
 };
 
+struct PdfPictureType {
+  const char* extension;
+  const char* type;
+};
+
+constexpr PdfPictureType kPdfPictureTypes[] = {
+    {".JPG", "jpeg"},
+    {".TIF", "tiff"},
+    {".PNG", "png"},
+    {".GIF", "gif"},
+};
+
 // The extension of a path, dot included.
 struct Extension {
   explicit Extension(const char* path) { _splitpath(path, nullptr, nullptr, nullptr, text); }
@@ -73,6 +85,14 @@ std::optional<SaveType> SaveTypeOf(const char* path) noexcept {
 
 bool IsPdfName(const char* path) noexcept {
   return Extension(path).is(".PDF");
+}
+
+const char* PdfPictureTypeOf(const char* path) noexcept {
+  const Extension extension(path);
+  for (const PdfPictureType& row : kPdfPictureTypes) {
+    if (extension.is(row.extension)) return row.type;
+  }
+  return nullptr;
 }
 
 int DetermineFileTypeByName(const char* path) noexcept {

@@ -20,6 +20,10 @@ struct SaveType {
 // Whether the name ends in ".PDF", without regard to case.
 [[nodiscard]] bool IsPdfName(const char* path) noexcept;
 
+// What the PDF module calls the kind of picture that it takes from a file of this name; null for
+// names of other kinds, ".jpeg" and ".tiff" among them.
+[[nodiscard]] const char* PdfPictureTypeOf(const char* path) noexcept;
+
 // What DetermineFileTypeByName answers for a name outside its table.
 constexpr int kUnknownFileType = 14;
 

@@ -1,9 +1,14 @@
 // The methods that touch files. The work on the file is the file module's; here is chosen which
 // format, quality and depth it uses.
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 #include <orvo/result_codes.h>
 
 #include "bridge/file_types.h"
 #include "bridge/jfif_density.h"
+#include "bridge/pdf.h"
 #include "bridge/vendor_codes.h"
 #include "bridge/vendor_entries.h"
 
@@ -63,7 +68,7 @@ int CLeadTools::LTSaveFile(DibHandle source, const char* path, int flag, int qua
     return ORVO_ERR_NO_VENDOR;
   }
   if (path == nullptr) return ORVO_ERR_BAD_ARGUMENT;
-  if (IsPdfName(path)) return ORVO_ERR_NOT_SUPPORTED;
+  if (IsPdfName(path)) return SavePdf(source, path);
   struct_LEAD_Bitmap bitmap{};
   vendor.ConvertFromDIB(&bitmap, source);
   int code = ORVO_ERR_BAD_FORMAT;
@@ -75,6 +80,30 @@ int CLeadTools::LTSaveFile(DibHandle source, const char* path, int flag, int qua
                : vendor.call<Entry::L_SaveBitmap>()(path, &bitmap, type->format, kOwnDepth,
                                                     QualityFor(*type, quality), nullptr));
   }
+  vendor.call<Entry::L_FreeBitmap>()(&bitmap);
+  return code;
+}
+
+// By way of a temporary TIFF file beside the target.
+int CLeadTools::SavePdf(DibHandle source, const char* path) noexcept {
+  const std::string_view name(path);
+  const std::string_view stem = name.substr(0, name.rfind('.'));
+  constexpr std::string_view kEnding = "$$$.tif";
+  std::array<char, MAX_PATH> temporary{};
+  if (stem.size() + kEnding.size() >= temporary.size()) return ORVO_ERR_BAD_ARGUMENT;
+  std::ranges::copy(kEnding, std::ranges::copy(stem, temporary.begin()).out);
+
+  const Vendor vendor(*this);
+  struct_LEAD_Bitmap bitmap{};
+  vendor.ConvertFromDIB(&bitmap, source);
+  const int vendorCode = vendor.call<Entry::L_SaveBitmap>()(temporary.data(), &bitmap, kFormatTiff,
+                                                            kOwnDepth, 0, nullptr);
+  int code = MapReturnCodeLT2ORVO(vendorCode);
+  if (vendorCode == kVendorSuccess) {
+    DeleteFileA(path);
+    code = ConvertToPDF(temporary.data(), path) == kPdfDone ? ORVO_OK : ORVO_ERR_FAILURE;
+  }
+  DeleteFileA(temporary.data());
   vendor.call<Entry::L_FreeBitmap>()(&bitmap);
   return code;
 }
@@ -99,7 +128,9 @@ int CLeadTools::LTImageFileInfo(const char* path, ORVOIMAGEFILEINFO* info) noexc
 
 int CLeadTools::LTConvertFile(const char* source, const char* target, int quality,
                               StatusCallback callback) noexcept {
-  if (source != nullptr && target != nullptr && IsPdfName(target)) return ORVO_ERR_NOT_SUPPORTED;
+  if (source != nullptr && target != nullptr && IsPdfName(target)) {
+    return ConvertToPDF(source, target) == kPdfDone ? ORVO_OK : ORVO_ERR_FAILURE;
+  }
   const Vendor vendor(*this);
   if (!vendor.hasAll({Entry::L_FileInfo, Entry::L_SetStatusCallBack, Entry::L_FileConvert})) {
     return ORVO_ERR_NO_VENDOR;

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr std::uint32_t kMostThreshold = 255;
-constexpr int kPaletteEntries = 256;
+constexpr std::size_t kPaletteEntries = 256;
 
 // color: blue, green, red.
 void Whiten(std::uint8_t* color, std::uint32_t threshold) {
@@ -20,7 +20,7 @@ int WhitenImage(const LockedImage& image, std::uint32_t threshold) {
   const orvo::DibLayout& layout = image.layout();
   switch (layout.depth) {
     case 8:
-      for (int i = 0; i < kPaletteEntries; ++i) {
+      for (std::size_t i = 0; i < kPaletteEntries; ++i) {
         Whiten(image.bytes() + orvo::kDibHeaderBytes + i * sizeof(RGBQUAD), threshold);
       }
       return ORVO_OK;

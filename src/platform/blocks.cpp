@@ -39,7 +39,7 @@ struct Registry {
 
 // Never destroyed: blocks may be freed by other modules' last words at the end of the process.
 Registry& TheRegistry() {
-  static Registry* const registry = new Registry;
+  static auto* const registry = new Registry;
   return *registry;
 }
 

@@ -23,7 +23,7 @@ class ChannelReader {
   explicit ChannelReader(std::uint32_t mask)
       : mask_(mask),
         shift_(mask == 0 ? 0 : std::countr_zero(mask)),
-        bits_(mask == 0 ? kChannelBits : std::bit_width(mask >> shift_)) {}
+        bits_(mask == 0 ? kChannelBits : static_cast<int>(std::bit_width(mask >> shift_))) {}
 
   [[nodiscard]] std::uint32_t read(std::uint32_t pixel) const {
     std::uint32_t channel = (pixel & mask_) >> shift_;

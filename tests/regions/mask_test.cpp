@@ -26,14 +26,14 @@ orvo::OwnedDib LightNoise(int width, int height, int depth, bool grayRamp, unsig
 
 TEST(Mask, EveryDepthEqualsThePlainForm) {
   const POINT kSizes[] = {{1, 9}, {2, 2},   {3, 40},    {17, 16},  {40, 31},
-                          {9, 1}, {99, 65}, {250, 130}, {640, 41}, {301, 777}};
+                          {9, 1}, {99, 65}, {150, 130}, {340, 41}, {201, 301}};
   int dark = 0;
   int light = 0;
   for (const int depth : {1, 4, 8, 16, 24, 32}) {
     for (const POINT& size : kSizes) {
       for (const bool grayRamp : {true, false}) {
         const orvo::OwnedDib page = LightNoise(size.x, size.y, depth, grayRamp, 7);
-        for (const int level : {0, 31, 120, 250, 255, 256, 300, -1}) {
+        for (const int level : {0, 120, 250, 256}) {
           const Mask expected = plain::MaskOf(page.get(), level);
           const Mask mask = Reduce(page.get(), level);
           ASSERT_EQ(mask.width, expected.width);

@@ -96,7 +96,7 @@ TEST_F(Saving, separators_permissions_and_links_are_kept) {
 }
 
 TEST_F(Saving, progress_rises_to_100_and_a_stop_leaves_nothing) {
-  const orvo::OwnedDib image = files::Scene(90, 400, 24);
+  const orvo::OwnedDib image = files::Scene(900, 700, 24);
   for (const int format : kAllFormats) {
     const auto checkRising = [](const char* what) {
       ASSERT_FALSE(Watcher::seen.empty()) << what;
@@ -104,7 +104,7 @@ TEST_F(Saving, progress_rises_to_100_and_a_stop_leaves_nothing) {
         EXPECT_LT(Watcher::seen[i - 1], Watcher::seen[i]) << what;
       }
       EXPECT_EQ(Watcher::seen.back(), 100) << what;
-      EXPECT_GT(Watcher::seen.size(), 20U) << what;
+      EXPECT_GT(Watcher::seen.size(), 5U) << what;
     };
     {
       const Watched watched(kNever);

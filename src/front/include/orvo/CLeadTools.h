@@ -106,6 +106,8 @@ class ORVO_API CLeadTools {
   static constexpr std::size_t kVendorEntryCount = 29;
 
   void GetLTProcAddresses(char* path) noexcept;
+  int SavePdf(DibHandle source, const char* path) noexcept;
+  int ConvertToPDF(const char* source, const char* target) noexcept;
 
   void* pdfModule = nullptr;
   void* kernelModule = nullptr;
