@@ -78,7 +78,8 @@ int ReadRows(std::FILE* file, const BmpHeader& header, const Pixels& image) {
     if (!header.isPlain) {
       for (int y = first; y < first + rows; ++y) MakePlain(header, image, image.row(y));
     }
-    if (!progress.report(static_cast<std::uint64_t>(done + rows))) return kVendorAborted;
+    if (!progress.report(static_cast<std::uint64_t>(done) + static_cast<std::uint64_t>(rows)))
+      return kVendorAborted;
   }
   return kVendorSuccess;
 }
@@ -166,7 +167,8 @@ int Save(const SaveRequest& request, const LockedDib& locked) {
     const int rows = std::min(rowsPerBlock, image.height - done);
     const std::size_t bytes = image.stride * static_cast<std::size_t>(rows);
     written = std::fwrite(image.row(done), 1, bytes, file.get()) == bytes;
-    if (!progress.report(static_cast<std::uint64_t>(done + rows))) return kVendorAborted;
+    if (!progress.report(static_cast<std::uint64_t>(done) + static_cast<std::uint64_t>(rows)))
+      return kVendorAborted;
   }
   return CloseWritten(std::move(file)) && written ? kVendorSuccess : kVendorWriteFailed;
 }

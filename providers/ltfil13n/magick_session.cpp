@@ -16,8 +16,8 @@ thread_local std::jmp_buf* fatalExit = nullptr;
 // Of the call that runs in this thread; null for calls without.
 thread_local MagickProgress* callProgress = nullptr;
 
-[[noreturn]] void OnFatal(const ExceptionType /*kind*/, const char* /*reason*/,
-                          const char* /*description*/) {
+MAGICK_FUNC_NORETURN void OnFatal(const ExceptionType /*kind*/, const char* /*reason*/,
+                                  const char* /*description*/) {
   if (fatalExit != nullptr) std::longjmp(*fatalExit, 1);
   std::abort();
 }

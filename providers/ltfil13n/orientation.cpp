@@ -35,8 +35,8 @@ struct PartsOfBytes {
   static unsigned shift(int x) { return static_cast<unsigned>(8 - bits - bitOf(x) % 8); }
   static void copy(const std::uint8_t* from, int fromX, std::uint8_t* to, int toX) {
     const unsigned value = from[bitOf(fromX) / 8] >> shift(fromX) & ((1U << bits) - 1U);
-    std::uint8_t& byte = to[bitOf(toX) / 8];
-    byte = static_cast<std::uint8_t>(byte | value << shift(toX));
+    const std::size_t byte = bitOf(toX) / 8;
+    to[byte] = static_cast<std::uint8_t>(to[byte] | value << shift(toX));
   }
 };
 

@@ -45,7 +45,6 @@ class PartReader {
  public:
   PartReader(TIFF* tiff, const TiffPage& page, const Parts& parts, const Pixels& image)
       : tiff_(tiff),
-        page_(page),
         parts_(parts),
         image_(image),
         rows_(page),
@@ -97,7 +96,6 @@ class PartReader {
   }
 
   TIFF* tiff_;
-  const TiffPage& page_;
   const Parts& parts_;
   const Pixels& image_;
   TiffRows rows_;

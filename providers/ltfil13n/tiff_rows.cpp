@@ -78,10 +78,15 @@ void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std
   const auto step = static_cast<std::size_t>(page_.samples);
   const std::uint8_t* from = samplesOf(planes, pixels);
   const std::uint8_t* const end = from + pixels * step;
-  std::uint8_t* out = row + static_cast<std::size_t>(left) * (page_.image.depth / 8U);
+  std::uint8_t* out =
+      row + static_cast<std::size_t>(left) * (static_cast<std::size_t>(page_.image.depth) / 8);
   switch (page_.kind) {
     case Kind::kGray:
-      for (; from != end; from += step) *out++ = toneOf(from[0]);
+      if (step == 1 && !page_.whiteIsZero) {
+        std::memcpy(out, from, pixels);
+      } else {
+        for (; from != end; from += step) *out++ = toneOf(from[0]);
+      }
       return;
     case Kind::kGrayAlpha:
       for (; from != end; from += step, out += 4) {

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <vector>
 
 #include "common/color.h"
@@ -117,31 +116,38 @@ bool SetTags(TIFF* tiff, const LockedDib& image, const Form& form) {
   return sound;
 }
 
+// Pixels of `step` bytes, blue first, as `samples` bytes of them, red first.
+template <int step, int samples>
+void TurnRound(const std::uint8_t* from, int pixels, std::uint8_t* out) {
+  for (int x = 0; x < pixels; ++x, from += step, out += samples) {
+    out[0] = from[2];
+    out[1] = from[1];
+    out[2] = from[0];
+    if constexpr (samples == 4) out[3] = from[3];
+  }
+}
+
 // Fills out with a row as the file has it. The library may change it, so it is never the image's.
 void MakeRow(const Pixels& image, const Form& form, int y, std::uint8_t* out,
              std::vector<Color>& colors) {
-  const std::uint8_t* row = image.row(y);
-  if (image.depth <= 8) {
-    std::memcpy(out, row, image.rowBytes());
-    if (form.flips) {
-      std::for_each(out, out + image.rowBytes(),
-                    [](std::uint8_t& byte) { byte = static_cast<std::uint8_t>(~byte); });
-    }
-    return;
+  const std::uint8_t* const row = image.row(y);
+  switch (image.depth) {
+    case 16:
+      colors.resize(static_cast<std::size_t>(image.width));
+      ReadColors(image, y, colors.data());
+      return TurnRound<3, 3>(reinterpret_cast<const std::uint8_t*>(colors.data()), image.width,
+                             out);
+    case 24:
+      return TurnRound<3, 3>(row, image.width, out);
+    case 32:
+      return form.samples == 4 ? TurnRound<4, 4>(row, image.width, out)
+                               : TurnRound<4, 3>(row, image.width, out);
+    default:
+      break;
   }
-  std::size_t step = static_cast<std::size_t>(image.depth) / 8;
-  if (image.depth == 16) {
-    colors.resize(static_cast<std::size_t>(image.width));
-    ReadColors(image, y, colors.data());
-    row = reinterpret_cast<const std::uint8_t*>(colors.data());
-    step = sizeof(Color);
-  }
-  for (int x = 0; x < image.width; ++x, row += step) {
-    *out++ = row[2];
-    *out++ = row[1];
-    *out++ = row[0];
-    if (form.samples == 4) *out++ = row[3];
-  }
+  const auto flip = static_cast<std::uint8_t>(form.flips ? 255 : 0);
+  std::transform(row, row + image.rowBytes(), out,
+                 [=](std::uint8_t byte) { return static_cast<std::uint8_t>(byte ^ flip); });
 }
 
 int WritePage(TIFF* tiff, const LockedDib& locked, bool compressed) {

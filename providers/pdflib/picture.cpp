@@ -8,11 +8,11 @@ namespace provider {
 namespace {
 
 float DotsPerInchOf(std::int32_t pixelsPerMetre) {
-  // A whole number of pixels per metre is off by up to half a pixel.
-  constexpr double kMostOff = orvo::kMetresPerInch / 2;
+  // A whole number of pixels per metre is off by less than one: some writers cut, others round.
+  constexpr double kMostOff = orvo::kMetresPerInch;
   const double dots = pixelsPerMetre * orvo::kMetresPerInch;
   const double whole = std::round(dots);
-  return static_cast<float>(std::abs(dots - whole) <= kMostOff ? whole : dots);
+  return static_cast<float>(std::abs(dots - whole) < kMostOff ? whole : dots);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "pdflib/spool.h"
 
-#include <algorithm>
-#include <array>
+#include <vector>
 
 namespace provider {
 
@@ -22,16 +21,11 @@ Spool::Range Spool::rangeSince(std::uint64_t start) {
 }
 
 void Spool::copy(const Range& range, Pipeline& target) {
-  constexpr std::uint64_t kPiece = std::uint64_t{1} << 16;
-  std::array<char, kPiece> piece{};
+  std::vector<std::uint8_t> bytes(range.length);
   stream_.seekg(static_cast<std::streamoff>(range.start));
-  for (std::uint64_t left = range.length; left > 0;) {
-    const std::uint64_t count = std::min(left, kPiece);
-    stream_.read(piece.data(), static_cast<std::streamsize>(count));
-    target.write(reinterpret_cast<const unsigned char*>(piece.data()), count);
-    left -= count;
-  }
+  stream_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   stream_.seekp(0, std::ios::end);
+  target.write(bytes.data(), bytes.size());
 }
 
 }  // namespace provider

@@ -27,6 +27,8 @@ class Spool {
   void append(std::span<const std::uint8_t> bytes);
   // What was appended since the spool had `start` bytes; it has reached the system.
   [[nodiscard]] Range rangeSince(std::uint64_t start);
+  // Writes a stretch in one piece: the document's writer keeps a stream whole, and in pieces its
+  // buffer would grow by doubling.
   void copy(const Range& range, Pipeline& target);
 
   [[nodiscard]] std::uint64_t size() const { return size_; }

@@ -3,7 +3,6 @@
 #define ORVO_REGIONS_MASK_H
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 #include "regions/source_image.h"

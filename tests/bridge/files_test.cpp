@@ -325,19 +325,5 @@ TEST_F(Files, ConversionPutsThePreviousCallbackBackWhateverComes) {
   EXPECT_EQ(doubles::TheState().installed, &Watcher);
 }
 
-// PDF documents are not written yet: the target stays as it is.
-TEST_F(Files, PdfTargetsAreLeftAlone) {
-  const Folder folder;
-  const auto tools = Bind();
-  const orvo::OwnedDib photo = Photo(24);
-  for (const char* name : {"x.pdf", "x.PDF"}) {
-    const std::string path = folder.write(name, "precious");
-    EXPECT_EQ(tools->LTSaveFile(photo.get(), path.c_str(), 0, 0), ORVO_ERR_NOT_SUPPORTED);
-    EXPECT_EQ(tools->LTConvertFile("in.tif", path.c_str(), 0, nullptr), ORVO_ERR_NOT_SUPPORTED);
-    EXPECT_EQ(TakeLog(), Log());
-    EXPECT_EQ(std::filesystem::file_size(path), 8U);
-  }
-}
-
 }  // namespace
 }  // namespace bridge

@@ -14,7 +14,7 @@ struct Row {
 // Colours, smooth and sharp, 61 by 43 pixels.
 const char* const kScene =
     "convert -size 61x43 gradient:red-blue \\( -size 61x43 plasma:fractal -seed 5 \\) "
-    "-average -fill yellow -draw 'rectangle 5,5 20,18' -depth 8 +repage ";
+    "-average -fill yellow -draw 'rectangle 5,5 20,18' -alpha off -depth 8 +repage ";
 
 const Row kRows[] = {
     {"bmp_24", "", "BMP3:a.bmp", 24, 0},
@@ -34,8 +34,9 @@ const Row kRows[] = {
     {"png_interlaced", "-interlace PNG", "a.png", 24, 0},
     {"png_48", "-depth 16 -define png:bit-depth=16", "a.png", 24, 1},
     {"png_palette_8", "-colors 200 -type Palette", "PNG8:a.png", 8, 0},
-    {"png_palette_2_interlaced", "-colors 4 -type Palette -interlace PNG", "PNG8:a.png", 4, 0},
-    {"png_palette_1", "-colors 2 -type Palette", "PNG8:a.png", 1, 0},
+    {"png_palette_2_interlaced", "-colors 4 -type Palette -interlace PNG -define png:bit-depth=2",
+     "PNG8:a.png", 4, 0},
+    {"png_palette_1", "-colors 2 -type Palette -define png:bit-depth=1", "PNG8:a.png", 1, 0},
     {"png_gray_16", "-colorspace Gray -depth 16 -define png:bit-depth=16", "a.png", 8, 1},
     {"png_gray_4", "-colorspace Gray -depth 4 -define png:bit-depth=4", "a.png", 4, 0},
     {"png_gray_2", "-colorspace Gray -depth 2 -define png:bit-depth=2", "a.png", 4, 0},
@@ -65,12 +66,12 @@ const Row kRows[] = {
     {"tiff_gray_12", "-colorspace Gray -depth 12", "a.tif", 8, 1},
     {"tiff_gray_tiles_4", "-colorspace Gray -depth 4 -define tiff:tile-geometry=32x16", "a.tif", 4,
      0},
-    {"tiff_palette_8", "-colors 99 -type Palette", "a.tif", 8, 0},
+    {"tiff_palette_8", "-colors 99 -type Palette", "a.tif", 8, 1},
     {"tiff_palette_4", "-colors 14 -type Palette -depth 4", "a.tif", 4, 0},
     {"tiff_g4", "-monochrome -compress Group4", "a.tif", 1, 0},
     {"tiff_g3", "-monochrome -compress Fax", "a.tif", 1, 0},
-    {"tiff_1_black_is_zero", "-monochrome -compress None -define quantum:polarity=min-is-black",
-     "a.tif", 1, 0},
+    {"tiff_1_black_is_zero",
+     "-monochrome -depth 1 -compress LZW -define quantum:polarity=min-is-black", "a.tif", 1, 0},
     {"tiff_cmyk", "-colorspace CMYK", "a.tif", 24, 2},
     {"tiff_cmyk_planes", "-colorspace CMYK -interlace Plane -compress LZW", "a.tif", 24, 2},
     {"tiff_jpeg", "-compress JPEG -quality 95", "a.tif", 24, 2},

@@ -15,7 +15,7 @@ namespace documents {
 class DocumentTest : public files::FolderTest {
  protected:
   void SetUp() override {
-    for (const char* program : {"convert", "qpdf", "pdfinfo", "pdfimages", "pdftoppm"}) {
+    for (const char* program : {"convert", "gm", "qpdf", "pdfinfo", "pdfimages", "pdftoppm"}) {
       if (!files::HasProgram(program)) GTEST_SKIP() << program << " is not installed";
     }
   }
@@ -62,17 +62,34 @@ class DocumentTest : public files::FolderTest {
     EXPECT_NE(report.find("No syntax or stream encoding errors"), std::string::npos) << report;
   }
 
-  // Red, green and blue of all pixels: of a page drawn with so many dots per inch, and of a
-  // picture file laid on white.
-  files::Bytes drawn(int page, const std::string& dotsPerInch) {
+  // Red, green and blue of all pixels of a page drawn with so many dots per inch. The page is drawn
+  // four times as large and the middle of each pixel taken, since the program widens pictures by a
+  // dot.
+  files::Bytes drawn(int page, int dotsPerInch) {
+    constexpr std::size_t kTimes = 4;
     const std::string number = std::to_string(page);
-    return files::OutputOf("pdftoppm -r " + dotsPerInch + " -f " + number + " -l " + number + " " +
-                           at("out.pdf") + " | convert ppm:- -depth 8 rgb:-");
+    const files::Bytes ppm =
+        files::OutputOf("pdftoppm -r " + std::to_string(kTimes * dotsPerInch) + " -f " + number +
+                        " -l " + number + " " + at("out.pdf"));
+    std::istringstream head(std::string(ppm.begin(), ppm.end()));
+    std::string mark;
+    std::size_t width = 0;
+    std::size_t height = 0;
+    head >> mark >> width >> height;
+    const std::size_t start = ppm.size() - width * height * 3;
+    files::Bytes pixels;
+    for (std::size_t y = kTimes / 2; y < height; y += kTimes) {
+      for (std::size_t x = kTimes / 2; x < width; x += kTimes) {
+        const auto pixel = ppm.begin() + static_cast<std::ptrdiff_t>(start + (y * width + x) * 3);
+        pixels.insert(pixels.end(), pixel, pixel + 3);
+      }
+    }
+    return pixels;
   }
+  // The same of a picture file's first page, upright and laid on white.
   files::Bytes shown(const std::string& name) {
-    return files::OutputOf("convert " + at(name) +
-                           " -auto-orient -background white -flatten -colorspace sRGB -depth 8 "
-                           "rgb:- 2>/dev/null");
+    return files::OutputOf("gm convert '" + at(name) +
+                           "[0]' -auto-orient -background white -flatten -depth 8 rgb:-");
   }
 };
 
