@@ -15,6 +15,7 @@ ordered_json Number(const Option& option, double number) {
 }
 
 ordered_json ToJson(const Option& option, const Parameters& parameters) {
+  if (option.kind == ValueKind::kFlag) return true;
   if (option.kind != ValueKind::kWhole && option.kind != ValueKind::kDecimal) {
     return parameters.text(option.name);
   }

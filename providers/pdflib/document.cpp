@@ -74,7 +74,9 @@ float PdfDocument::value(std::string_view key, int image) const {
 
 void PdfDocument::beginPage(double width, double height) {
   endPage();
-  page_.emplace(Page{.width = width, .height = height, .content = {}});
+  page_.emplace();
+  page_->width = width;
+  page_->height = height;
 }
 
 void PdfDocument::scale(double x, double y) {

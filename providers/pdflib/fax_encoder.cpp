@@ -83,7 +83,7 @@ class SpooledTiff {
   tmsize_t write(const std::uint8_t* data, tmsize_t count) {
     if (start_ + position_ != spool_.size()) return 0;
     try {
-      spool_.append({data, static_cast<std::size_t>(count)});
+      spool_.append(data, static_cast<std::size_t>(count));
     } catch (...) {
       fault_ = std::current_exception();
       return 0;

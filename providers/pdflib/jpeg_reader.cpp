@@ -171,7 +171,7 @@ Spool::Range CopyFile(const std::string& path, Spool& spool) {
   if (!file) throw UnreadablePicture("JPEG");
   std::vector<std::uint8_t> piece(std::size_t{1} << 16);
   while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), file.get())) {
-    spool.append({piece.data(), count});
+    spool.append(piece.data(), count);
   }
   if (std::ferror(file.get()) != 0) throw UnreadablePicture("JPEG");
   return spool.rangeSince(start);

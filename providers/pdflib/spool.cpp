@@ -9,10 +9,9 @@ Spool::Spool(const std::filesystem::path& neighbour) : file_(neighbour) {
   stream_.open(file_.path(), std::ios::in | std::ios::out | std::ios::binary);
 }
 
-void Spool::append(std::span<const std::uint8_t> bytes) {
-  stream_.write(reinterpret_cast<const char*>(bytes.data()),
-                static_cast<std::streamsize>(bytes.size()));
-  size_ += bytes.size();
+void Spool::append(const std::uint8_t* bytes, std::size_t count) {
+  stream_.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(count));
+  size_ += count;
 }
 
 Spool::Range Spool::rangeSince(std::uint64_t start) {

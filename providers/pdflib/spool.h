@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <fstream>
 #include <qpdf/Pipeline.hh>
-#include <span>
 
 #include "pdflib/temporary_file.h"
 
@@ -24,7 +23,7 @@ class Spool {
   explicit Spool(const std::filesystem::path& neighbour);
 
   // These throw when the disk is full or fails.
-  void append(std::span<const std::uint8_t> bytes);
+  void append(const std::uint8_t* bytes, std::size_t count);
   // What was appended since the spool had `start` bytes; it has reached the system.
   [[nodiscard]] Range rangeSince(std::uint64_t start);
   // Writes a stretch in one piece: the document's writer keeps a stream whole, and in pieces its
@@ -44,7 +43,7 @@ class SpoolPipe : public Pipeline {
  public:
   explicit SpoolPipe(Spool& spool) : Pipeline("spool", nullptr), spool_(spool) {}
   void write(const unsigned char* data, std::size_t length) override {
-    spool_.append({data, length});
+    spool_.append(data, length);
   }
   void finish() override {}
 

@@ -74,7 +74,7 @@ class TiffSource : public PictureReader {
     check(TIFFReadRawStrip(tiff_.get(), 0, data.data(), static_cast<tmsize_t>(bytes)) ==
           static_cast<tmsize_t>(bytes));
     const std::uint64_t start = spool.size();
-    spool.append(data);
+    spool.append(data.data(), data.size());
     return CodedPicture{
         .picture = picture_, .coding = Coding::kFax, .data = spool.rangeSince(start)};
   }

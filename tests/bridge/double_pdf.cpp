@@ -15,15 +15,6 @@ std::string Short(float number) {
   return text.str();
 }
 
-// The next answer that the test has set, or the usual one.
-int Next(const char* key, int usual) {
-  std::deque<int>& answers = doubles::TheState().answers[key];
-  if (answers.empty()) return usual;
-  const int answer = answers.front();
-  answers.pop_front();
-  return answer;
-}
-
 }  // namespace
 
 PdfDocument* PDF_new() {
@@ -44,15 +35,19 @@ void PDF_set_info(PdfDocument* document, const char* key, const char* value) {
 // The number of an image is 6 above that of its page. A file has as many pages as the test says.
 int PDF_open_image_file(PdfDocument* document, const char* type, const char* path,
                         const char* parameter, int number) {
-  const int usual = number <= doubles::TheState().pageCount ? 6 + number : -1;
-  const int answer = Next("PDF_open_image_file", usual);
-  Called("PDF_open_image_file", document, type, path, parameter, number);
-  return answer;
+  const bool told = !doubles::TheState().answers["PDF_open_image_file"].empty();
+  const int answer = Called("PDF_open_image_file", document, type, path, parameter, number);
+  if (told) return answer;
+  return number <= doubles::TheState().pageCount ? 6 + number : -1;
 }
 
 float PDF_get_value(PdfDocument* document, const char* key, float image) {
   Called("PDF_get_value", document, key, Short(image));
-  return static_cast<float>(Next(key, 0));
+  std::deque<int>& answers = doubles::TheState().answers[key];
+  if (answers.empty()) return 0;
+  const int answer = answers.front();
+  answers.pop_front();
+  return static_cast<float>(answer);
 }
 
 void PDF_begin_page(PdfDocument* document, float width, float height) {
