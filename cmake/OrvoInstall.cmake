@@ -5,7 +5,11 @@ include(CMakePackageConfigHelpers)
 install(TARGETS orvo orvo_platform EXPORT orvo-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(TARGETS ltkrn13n ltimg13n ltfil13n LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+foreach(module ltkrn13n ltimg13n ltfil13n pdflib)
+  if(TARGET ${module})
+    install(TARGETS ${module} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  endif()
+endforeach()
 install(TARGETS orvo_client RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY src/front/include/orvo src/platform/include/orvo
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

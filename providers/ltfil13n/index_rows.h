@@ -3,7 +3,7 @@
 #define PROVIDERS_LTFIL13N_INDEX_ROWS_H
 
 #include "common/dib_image.h"
-#include "ltkrn13n/pixel_formats.h"
+#include "common/pixel_formats.h"
 
 namespace provider {
 

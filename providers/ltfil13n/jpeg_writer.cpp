@@ -1,12 +1,12 @@
 #include <array>
 #include <memory>
 
+#include "common/color_rows.h"
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/file_handle.h"
 #include "ltfil13n/jpeg_codec.h"
 #include "ltfil13n/jpeg_session.h"
 #include "ltfil13n/library_calls.h"
-#include "ltkrn13n/color_rows.h"
 
 namespace provider {
 namespace {

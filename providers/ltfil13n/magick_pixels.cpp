@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/color_rows.h"
 #include "ltfil13n/index_rows.h"
-#include "ltkrn13n/color_rows.h"
 
 namespace provider {
 namespace {

@@ -3,13 +3,13 @@
 #include <cstring>
 #include <memory>
 
+#include "common/color_rows.h"
 #include "common/status.h"
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/file_handle.h"
 #include "ltfil13n/library_calls.h"
 #include "ltfil13n/pixel_kinds.h"
 #include "ltfil13n/png_codec.h"
-#include "ltkrn13n/color_rows.h"
 
 namespace provider {
 namespace {

@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "common/color.h"
+#include "common/color_rows.h"
 #include "common/status.h"
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/file_handle.h"
 #include "ltfil13n/index_rows.h"
-#include "ltkrn13n/color_rows.h"
 
 namespace provider {
 namespace {

@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "common/color.h"
+#include "common/color_rows.h"
 #include "common/status.h"
 #include "ltfil13n/file_handle.h"
 #include "ltfil13n/pixel_kinds.h"
 #include "ltfil13n/tiff_page.h"
-#include "ltkrn13n/color_rows.h"
 
 namespace provider {
 namespace {

@@ -2,7 +2,7 @@
 #ifndef PROVIDERS_LTIMG13N_RECOLORED_H
 #define PROVIDERS_LTIMG13N_RECOLORED_H
 
-#include "ltkrn13n/pixel_formats.h"
+#include "common/pixel_formats.h"
 
 namespace provider {
 

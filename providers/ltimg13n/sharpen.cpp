@@ -8,10 +8,10 @@
 #include <optional>
 #include <vector>
 
+#include "common/color_rows.h"
+#include "common/palette_search.h"
 #include "ltimg13n/adjustment.h"
 #include "ltimg13n/recolored.h"
-#include "ltkrn13n/color_rows.h"
-#include "ltkrn13n/palette_search.h"
 
 namespace provider {
 namespace {

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <vector>
 
+#include "common/color_rows.h"
 #include "common/guard.h"
 #include "common/kernel_services.h"
-#include "ltkrn13n/color_rows.h"
 #include "ltkrn13n/dithering.h"
 #include "ltkrn13n/optimised_palette.h"
 #include "ltkrn13n/redrawing.h"

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "common/palette_search.h"
 #include "ltkrn13n/dithering_tables.h"
-#include "ltkrn13n/palette_search.h"
 
 namespace provider {
 namespace {

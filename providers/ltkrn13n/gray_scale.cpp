@@ -2,8 +2,8 @@
 // another order is not one, because pixel functions take the bytes for the tones.
 #include <vector>
 
+#include "common/color_rows.h"
 #include "common/guard.h"
-#include "ltkrn13n/color_rows.h"
 #include "ltkrn13n/redrawing.h"
 
 namespace {

@@ -4,9 +4,9 @@
 #include <array>
 #include <vector>
 
+#include "common/color_rows.h"
 #include "common/guard.h"
-#include "ltkrn13n/color_rows.h"
-#include "ltkrn13n/pixel_formats.h"
+#include "common/pixel_formats.h"
 #include "ltkrn13n/redrawing.h"
 #include "ltkrn13n/resampling.h"
 

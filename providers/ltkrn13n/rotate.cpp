@@ -10,8 +10,8 @@
 #include <optional>
 
 #include "common/guard.h"
-#include "ltkrn13n/palette_search.h"
-#include "ltkrn13n/pixel_formats.h"
+#include "common/palette_search.h"
+#include "common/pixel_formats.h"
 #include "ltkrn13n/redrawing.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Cutting a bitmap to a rectangle.
 #include "common/guard.h"
-#include "ltkrn13n/pixel_formats.h"
+#include "common/pixel_formats.h"
 #include "ltkrn13n/redrawing.h"
 
 namespace {

@@ -15,6 +15,18 @@
 #include "pdflib/picture.h"
 #include "pdflib/spool.h"
 
+namespace provider {
+
+// A page that is being drawn. Measures in points.
+struct OpenPage {
+  double width = 0;
+  double height = 0;
+  std::string content;
+  QPDFObjectHandle images = QPDFObjectHandle::newDictionary();  // by their names
+};
+
+}  // namespace provider
+
 // Throws when the disk or memory gives out; the entry points turn that into their answers.
 struct PdfDocument {
  public:
@@ -52,12 +64,6 @@ struct PdfDocument {
     provider::Picture picture;
     QPDFObjectHandle object;
   };
-  struct Page {
-    double width = 0;
-    double height = 0;
-    std::string content;
-    QPDFObjectHandle images = QPDFObjectHandle::newDictionary();  // by their names
-  };
 
   void write(const std::filesystem::path& path);
 
@@ -68,7 +74,7 @@ struct PdfDocument {
   QPDF pdf_;
   std::map<int, Image> images_;
   int lastImage_ = -1;
-  std::optional<Page> page_;
+  std::optional<provider::OpenPage> page_;
   int pageCount_ = 0;
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <span>
 #include <vector>
 
 #include "ltfil13n/file_handle.h"

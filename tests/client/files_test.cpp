@@ -20,6 +20,7 @@ class FilesTest : public ClientTest {
 };
 
 TEST_F(FilesTest, WrongUsageIsToldAndTouchesNothing) {
+  fs::create_directory(path("sub"));
   fs::create_hard_link(path("a.bmp"), path("hard.bmp"));
   fs::create_symlink("a.bmp", path("soft.bmp"));
   write("short.txt", "1 2 3");
@@ -34,7 +35,7 @@ TEST_F(FilesTest, WrongUsageIsToldAndTouchesNothing) {
       {{"invert", "a.bmp", "--in-place", "-o", "x.bmp"}, "--in-place goes with neither"},
       {{"convert", "a.bmp", "--in-place"}, "--in-place"},
       {{"invert", "a.bmp", "-o", "a.bmp"}, "a.bmp is an input file"},
-      {{"invert", "a.bmp", "-o", "./none/../a.bmp"}, "is an input file"},
+      {{"invert", "a.bmp", "-o", "sub/../a.bmp"}, "is an input file"},
       {{"invert", "a.bmp", "-o", "soft.bmp"}, "soft.bmp is an input file"},
       {{"invert", "a.bmp", "-o", "hard.bmp"}, "hard.bmp is an input file"},
       {{"invert", "a.bmp", "b.bmp", "-o", "."}, "a.bmp is an input file"},

@@ -27,6 +27,10 @@ struct Row {
   std::function<Color(const Seen&)> pixel;
 };
 
+void PrintTo(const Row& row, std::ostream* out) {
+  *out << row.name;
+}
+
 template <class Function>
 auto EachChannel(Function function) {
   return [function](const Seen& seen) {
@@ -58,7 +62,6 @@ Color Turned(const Seen& seen) {
 }
 
 const Row kRows[] = {
-    {"sharpen by nothing", {"sharpen", "--level", "0"}, 60, 40, 24, kSame},
     {"contrast by nothing", {"contrast", "--change", "0"}, 60, 40, 24, kSame},
     {"all_contrast_gone",
      {"contrast", "--change", "-1000"},
@@ -153,6 +156,17 @@ INSTANTIATE_TEST_SUITE_P(Client, OperationTest, ::testing::ValuesIn(kRows), [](c
   return name;
 });
 
+// How much neighbours in a row differ, as a measure of sharpness.
+long Unevenness(const orvo::OwnedDib& picture) {
+  long sum = 0;
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 1; x < kWidth; ++x) {
+      sum += std::abs(ColorAt(picture, x, y)[1] - ColorAt(picture, x - 1, y)[1]);
+    }
+  }
+  return sum;
+}
+
 // The sum of all channels, as a measure of brightness.
 long Sum(const orvo::OwnedDib& picture) {
   const std::vector<std::uint8_t> all = pictures::BytesOf(picture.get());
@@ -162,7 +176,14 @@ long Sum(const orvo::OwnedDib& picture) {
 class DirectionTest : public ClientTest {};
 
 TEST_F(DirectionTest, SignsAndStrengthsPointTheRightWay) {
+  // Middle tones, so that stronger effects do not run against black and white.
   const orvo::OwnedDib before = pictures::Noise(kWidth, kHeight, 24, 9);
+  {
+    const pictures::Locked image(before.get());
+    for (std::uint8_t* byte = image.row(0); byte != image.row(kHeight); ++byte) {
+      *byte = static_cast<std::uint8_t>(112 + *byte / 8);
+    }
+  }
   write("in.bmp", BmpOf(before));
   const auto brightness = [&](std::vector<std::string> words) {
     words.insert(words.end(), {"in.bmp", "-o", "out.bmp"});
@@ -172,6 +193,12 @@ TEST_F(DirectionTest, SignsAndStrengthsPointTheRightWay) {
   EXPECT_GT(brightness({"gamma", "--gamma", "1.8"}), Sum(before));
   EXPECT_LT(brightness({"gamma", "--gamma", "0.5"}), Sum(before));
   EXPECT_GT(brightness({"intensity", "--change", "200"}), Sum(before));
+  const auto unevenness = [&](const std::vector<std::string>& words) {
+    brightness(words);
+    return Unevenness(PictureIn(bytes("out.bmp")));
+  };
+  EXPECT_GT(unevenness({"unsharp", "--change", "600"}), Unevenness(before));
+  EXPECT_LT(unevenness({"unsharp", "--change", "-600"}), Unevenness(before));
   // Sepia is warm: never less red than green, nor less green than blue.
   EXPECT_GT(brightness({"convert-rgb", "--converter", SEPIA_CONVERTER}), 0);
   const orvo::OwnedDib sepia = PictureIn(bytes("out.bmp"));
@@ -179,6 +206,28 @@ TEST_F(DirectionTest, SignsAndStrengthsPointTheRightWay) {
     const Color color = ColorAt(sepia, x, kHeight / 2);
     EXPECT_TRUE(color[0] <= color[1] && color[1] <= color[2]) << "at " << x;
   }
+}
+
+TEST_F(DirectionTest, SharpeningOvershootsAtAnEdgeByItsLevel) {
+  constexpr int kDark = 80;
+  constexpr int kBright = 170;
+  const orvo::OwnedDib edge = pictures::Blank(kWidth, kHeight, 24);
+  const pictures::Locked image(edge.get());
+  for (int y = 0; y < kHeight; ++y) {
+    std::memset(image.row(y), kDark, std::size_t{3} * kWidth);
+    std::memset(image.row(y), kBright, std::size_t{3} * kWidth / 2);
+  }
+  write("in.bmp", BmpOf(edge));
+  const auto brightest = [this](const char* level) {
+    EXPECT_EQ(run({"sharpen", "--level", level, "in.bmp", "-o", "out.bmp"}).status, 0);
+    const orvo::OwnedDib sharp = PictureIn(bytes("out.bmp"));
+    int most = 0;
+    for (int x = 0; x < kWidth; ++x) most = std::max(most, ColorAt(sharp, x, kHeight / 2)[1]);
+    return most;
+  };
+  EXPECT_EQ(brightest("0"), kBright);
+  EXPECT_GT(brightest("3"), kBright);
+  EXPECT_GT(brightest("10"), brightest("3"));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include <orvo/instance.h>
@@ -17,20 +18,26 @@ namespace fs = std::filesystem;
 
 struct Row {
   const char* name;
-  bool kernel, image, file;
+  bool kernel, image, file, pdf;
   int rotate, invert, load;  // codes expected of the kernel's, the adjustments' and the files' work
 };
 
 constexpr Row kRows[] = {
-    {"all there", true, true, true, ORVO_OK, ORVO_OK, ORVO_ERR_FILE_NOT_FOUND},
-    {"no files", true, true, false, ORVO_OK, ORVO_OK, ORVO_ERR_NO_VENDOR},
-    {"no adjustments: files are not tried", true, false, true, ORVO_OK, ORVO_ERR_NO_VENDOR,
+    {"all there", true, true, true, true, ORVO_OK, ORVO_OK, ORVO_ERR_FILE_NOT_FOUND},
+    {"no files", true, true, false, true, ORVO_OK, ORVO_OK, ORVO_ERR_NO_VENDOR},
+    {"no adjustments: files are not tried", true, false, true, true, ORVO_OK, ORVO_ERR_NO_VENDOR,
      ORVO_ERR_NO_VENDOR},
-    {"kernel alone", true, false, false, ORVO_OK, ORVO_ERR_NO_VENDOR, ORVO_ERR_NO_VENDOR},
-    {"no kernel: the others are not tried", false, true, true, ORVO_ERR_NO_VENDOR,
+    {"kernel alone", true, false, false, false, ORVO_OK, ORVO_ERR_NO_VENDOR, ORVO_ERR_NO_VENDOR},
+    {"no kernel: the others are not tried", false, true, true, true, ORVO_ERR_NO_VENDOR,
      ORVO_ERR_NO_VENDOR, ORVO_ERR_NO_VENDOR},
-    {"nothing", false, false, false, ORVO_ERR_NO_VENDOR, ORVO_ERR_NO_VENDOR, ORVO_ERR_NO_VENDOR},
+    {"nothing", false, false, false, false, ORVO_ERR_NO_VENDOR, ORVO_ERR_NO_VENDOR,
+     ORVO_ERR_NO_VENDOR},
 };
+
+// One black pixel.
+constexpr char kTinyGif[] = {'G', 'I', 'F', '8', '9',    'a',    1,      0,   1, 0, '\x80', 0,
+                             0,   0,   0,   0,   '\xFF', '\xFF', '\xFF', ',', 0, 0, 0,      0,
+                             1,   0,   1,   0,   0,      2,      2,      'D', 1, 0, ';'};
 
 void CopyLibraries(const Row& row, const fs::path& folder) {
   const fs::path built = BUILT_LIBRARIES;
@@ -40,6 +47,7 @@ void CopyLibraries(const Row& row, const fs::path& folder) {
   if (row.kernel) fs::copy_file(built / "ltkrn13n.dll", folder / "ltkrn13n.dll");
   if (row.image) fs::copy_file(built / "ltimg13n.dll", folder / "ltimg13n.dll");
   if (row.file) fs::copy_file(built / "ltfil13n.dll", folder / "ltfil13n.dll");
+  if (row.pdf) fs::copy_file(built / "PdfLib.dll", folder / "PdfLib.dll");
 }
 
 // Runs in a process of its own; 0 when all codes are as expected, else which one was not. The
@@ -61,6 +69,13 @@ int Try(const Row& row, const fs::path& folder) {
   if (toolkit->InvertInPlace(image.address(), nullptr) != row.invert) return 4;
   if (toolkit->LoadFile("/no/such/file.bmp", &loaded) != row.load) return 5;
   if (toolkit->SharpnessAdjustInPlace(image.get(), 5) != ORVO_OK) return 6;
+  // A PDF document needs its own module alone.
+  const std::string picture = folder / "in.gif";
+  std::ofstream(picture, std::ios::binary) << std::string(kTinyGif, sizeof kTinyGif);
+  const int converted =
+      toolkit->ConvertFile(picture.c_str(), (folder / "out.pdf").c_str(), 0, nullptr);
+  if (converted != (row.pdf ? ORVO_OK : ORVO_ERR_FAILURE)) return 7;
+  if (fs::exists(folder / "out.pdf") != row.pdf) return 8;
   destroy(toolkit);
   return 0;
 }

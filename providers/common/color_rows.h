@@ -1,6 +1,6 @@
 // Rows of pixels as colours, whatever their depth.
-#ifndef PROVIDERS_LTKRN13N_COLOR_ROWS_H
-#define PROVIDERS_LTKRN13N_COLOR_ROWS_H
+#ifndef PROVIDERS_COMMON_COLOR_ROWS_H
+#define PROVIDERS_COMMON_COLOR_ROWS_H
 
 #include "common/color.h"
 #include "common/dib_image.h"
@@ -16,4 +16,4 @@ void WriteIndexes(const Pixels& image, int y, const std::uint8_t* indexes);
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTKRN13N_COLOR_ROWS_H
+#endif  // PROVIDERS_COMMON_COLOR_ROWS_H

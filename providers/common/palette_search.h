@@ -1,6 +1,6 @@
 // Finds the palette entry that shows a colour best.
-#ifndef PROVIDERS_LTKRN13N_PALETTE_SEARCH_H
-#define PROVIDERS_LTKRN13N_PALETTE_SEARCH_H
+#ifndef PROVIDERS_COMMON_PALETTE_SEARCH_H
+#define PROVIDERS_COMMON_PALETTE_SEARCH_H
 
 #include <array>
 #include <cstddef>
@@ -69,4 +69,4 @@ class PaletteSearch {
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTKRN13N_PALETTE_SEARCH_H
+#endif  // PROVIDERS_COMMON_PALETTE_SEARCH_H

@@ -1,6 +1,6 @@
-#include "ltkrn13n/color_rows.h"
+#include "common/color_rows.h"
 
-#include "ltkrn13n/pixel_formats.h"
+#include "common/pixel_formats.h"
 
 namespace provider {
 namespace {

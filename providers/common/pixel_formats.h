@@ -1,7 +1,7 @@
 // How single pixels lie in a row, depth by depth, for code that moves pixels about without a look
 // at their colours.
-#ifndef PROVIDERS_LTKRN13N_PIXEL_FORMATS_H
-#define PROVIDERS_LTKRN13N_PIXEL_FORMATS_H
+#ifndef PROVIDERS_COMMON_PIXEL_FORMATS_H
+#define PROVIDERS_COMMON_PIXEL_FORMATS_H
 
 #include <cstddef>
 #include <cstdint>
@@ -82,4 +82,4 @@ auto WithFormat(int depth, Work&& work) {
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTKRN13N_PIXEL_FORMATS_H
+#endif  // PROVIDERS_COMMON_PIXEL_FORMATS_H

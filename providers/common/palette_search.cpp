@@ -1,4 +1,4 @@
-#include "ltkrn13n/palette_search.h"
+#include "common/palette_search.h"
 
 #include <cstdlib>
 
