@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "document.h"
 #include "messages.h"
 #include "paths.h"
 #include "picture.h"
@@ -54,6 +55,7 @@ int Carry(const Operation& operation, Job& job) {
   int code = ORVO_OK;
   const bool loads = operation.loads && operation.subject != Subject::kToolkit;
   if (loads) code = Load(job);
+  if (code == ORVO_OK && operation.subject == Subject::kDocument) code = MindOtherPages(job);
   if (code == ORVO_OK) {
     BeginStep(job.source, std::string(operation.name));
     code = operation.run(job);
@@ -112,6 +114,28 @@ class Session {
     TellFailure(job.source.empty() ? request_.operation->name : job.source, code, job.hint);
   }
 
+  // Ends a document: makes it of its pages unless one of them is missing.
+  void complete(const Plan& plan) {
+    Job job{.toolkit = toolkit_,
+            .parameters = request_.parameters,
+            .furtherTargets = furtherTargets_,
+            .source = plan.tasks.front().target,
+            .target = request_.parameters.text("output")};
+    if (done_ < plan.tasks.size()) {
+      TellWarning(job.target, "not written, since pages are missing");
+    } else {
+      BeginStep(job.target, std::string(request_.operation->name));
+      const int code = request_.operation->finish(job);
+      ClearProgress();
+      if (code != ORVO_OK) {
+        incomplete_ = true;
+        TellFailure(job.target, code, "the document could not be written");
+      }
+    }
+    std::error_code ignored;
+    std::filesystem::remove(job.source, ignored);
+  }
+
   ExitStatus finish(std::size_t planned) {
     const std::size_t skipped = planned - done_ - failed_;
     if (planned > 1) tellSummary(planned, skipped);
@@ -125,7 +149,7 @@ class Session {
       PrintJson(document);
     }
     if (moduleMissing_) return kModuleMissing;
-    return failed_ + skipped == 0 ? kAllDone : kSomeFailed;
+    return failed_ + skipped == 0 && !incomplete_ ? kAllDone : kSomeFailed;
   }
 
  private:
@@ -145,11 +169,15 @@ class Session {
   std::size_t done_ = 0;
   std::size_t failed_ = 0;
   bool moduleMissing_ = false;
+  bool incomplete_ = false;  // the document could not be made of its pages
 };
 
 Plan PlanFor(const Request& request) {
   if (request.operation->subject == Subject::kPictures) {
     return PlanTargets(request.inputs, request.parameters);
+  }
+  if (request.operation->subject == Subject::kDocument) {
+    return PlanDocument(request.inputs, request.parameters);
   }
   Plan plan;
   for (const std::string& input : request.inputs) plan.tasks.push_back({input, {}});
@@ -178,6 +206,7 @@ ExitStatus Run(COrvoInstance& toolkit, const Request& request) {
     if (Interrupted()) break;
     session.work(task);
   }
+  if (request.operation->finish != nullptr) session.complete(plan);
   return session.finish(plan.tasks.size());
 }
 

@@ -20,9 +20,16 @@ std::string Words(const Option& option) {
   return words;
 }
 
-// Lines of the script's choice by command and word before: `      'resize --method') words='...';;`
-void AddCase(std::string& cases, const std::string& pattern, const std::string& words) {
-  cases += "    '" + pattern + "') words='" + words + "' ;;\n";
+// A line of the script's choice by command and word before: `    'resize --method') words='...' ;;`
+void AddCase(std::string& cases, std::string_view command, std::string_view before,
+             std::string_view words) {
+  cases += "    '";
+  cases += command;
+  if (!before.empty()) cases += ' ';
+  cases += before;
+  cases += "') words='";
+  cases += words;
+  cases += "' ;;\n";
 }
 
 }  // namespace
@@ -32,20 +39,21 @@ std::string CompletionScript() {
   std::string values;   // after an option that takes one of some words
   std::string options;  // anywhere else in a command
   for (const Operation& operation : Operations()) {
-    const std::string name(operation.name);
     std::string words = "--help";
     for (const Option& option : OptionsOf(operation)) {
       const bool choice = option.kind == ValueKind::kChoice;
       if (option.positional) {
-        AddCase(values, name + " " + name, Words(option));
+        AddCase(values, operation.name, operation.name, Words(option));
         continue;
       }
       const std::string spelled = "--" + std::string(option.name);
-      words += " " + spelled;
-      if (choice) AddCase(values, name + " " + spelled, Words(option));
+      words += ' ';
+      words += spelled;
+      if (choice) AddCase(values, operation.name, spelled, Words(option));
     }
-    AddCase(options, name, words);
-    commands += " " + name;
+    AddCase(options, operation.name, {}, words);
+    commands += ' ';
+    commands += operation.name;
   }
   return "_orvo() {\n"
          "  local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} words=\n"

@@ -2,9 +2,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "document.h"
 #include "operations.h"
 #include "picture.h"
 #include "progress.h"
+#include "tiff_pages.h"
 
 namespace client {
 namespace {
@@ -68,6 +70,8 @@ int Convert(Job& job) {
   if (Interrupted()) return ORVO_ERR_CANCELLED;
   job.written = code == ORVO_OK;
   if (job.written || code == ORVO_ERR_NO_VENDOR) return code;
+  // Further pages would be lost on the way through a loaded picture.
+  if (IsDocument(job.target) && PageCount(job.source) > 1) return code;
   return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
 }
 

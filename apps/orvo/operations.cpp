@@ -25,8 +25,9 @@ constexpr Option kCommonOptions[] = {
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> all = [] {
     std::vector<Operation> rows;
-    for (const auto part : {ToneOperations(), ColorOperations(), GeometryOperations(),
-                            ScanOperations(), ItemOperations(), Inquiries()}) {
+    for (const auto part :
+         {ToneOperations(), ColorOperations(), GeometryOperations(), ScanOperations(),
+          ItemOperations(), DocumentOperations(), Inquiries()}) {
       rows.insert(rows.end(), part.begin(), part.end());
     }
     return rows;

@@ -33,6 +33,7 @@ struct Job {
 
 enum class Subject {
   kPictures,  // input files become output files
+  kDocument,  // all input files together become one
   kFiles,     // input files are looked at
   kToolkit,   // no files
 };
@@ -49,6 +50,8 @@ struct Operation {
   std::string_view depths = {};  // of pictures that it takes, in words; empty for all
   // What is wrong with options that are each right; empty for nothing.
   std::string (*check)(const Parameters& parameters) = nullptr;
+  // Of a document: makes it from the file of all pages, once every input is in there.
+  int (*finish)(Job& job) = nullptr;
 };
 
 // The depths that the adjustments of the imaging module take.
@@ -60,6 +63,7 @@ std::span<const Operation> ColorOperations();
 std::span<const Operation> GeometryOperations();
 std::span<const Operation> ScanOperations();
 std::span<const Operation> ItemOperations();
+std::span<const Operation> DocumentOperations();
 std::span<const Operation> Inquiries();
 
 // All of them, in the order of the help.
