@@ -52,7 +52,7 @@ bool IsDocument(const std::string& path) {
 }
 
 Plan PlanDocument(const std::vector<std::string>& inputs, const Parameters& parameters) {
-  const std::string target = parameters.text("output");
+  const std::string& target = parameters.text("output");
   Plan plan;
   plan.problem = FurtherTargets(inputs).claim(target);
   const std::string pages = target + "." + std::to_string(std::random_device{}()) + ".tif";

@@ -19,6 +19,7 @@ using provider::OpenFile;
 
 // Readers take pages of up to this many units; a page beyond has larger units than points.
 constexpr double kMostUnits = 14400;
+constexpr int kDecimals = 4;  // of a page's measures, which come in single precision
 
 }  // namespace
 
@@ -98,9 +99,7 @@ void PdfDocument::endPage() {
     throw std::runtime_error("a page has no size");
   }
   const double unit = std::max(1.0, std::ceil(longer / kMostUnits));
-  const auto measure = [unit](double points) {
-    return Object::newReal(provider::NumberText(points / unit));
-  };
+  const auto measure = [unit](double points) { return Object::newReal(points / unit, kDecimals); };
   Object resources = Object::newDictionary();
   resources.replaceKey("/XObject", page_->images);
   Object page = Object::newDictionary();

@@ -131,8 +131,9 @@ bool IsThere(const char* path) {
 }  // namespace
 
 int CLeadTools::ConvertToPDF(const char* source, const char* target) noexcept {
-  const bool bound = pdfModule != nullptr &&
-                     std::ranges::all_of(pdfEntries, [](EntryPoint entry) { return entry != nullptr; });
+  const bool bound = pdfModule != nullptr && std::ranges::all_of(pdfEntries, [](EntryPoint entry) {
+                       return entry != nullptr;
+                     });
   if (!bound) return kPdfNoModule;
   if (source == nullptr) return kPdfNoSource;
   const char* const type = PdfPictureTypeOf(source);

@@ -214,8 +214,9 @@ class COrvoInstance {
   virtual int GetFileExtensions(int* count, char* buffer, std::uint32_t* size) noexcept;
 
   // 54. Lists the items that lie on a page. list receives an array of *count records to be released
-  // with GlobalFree, or null. reach: source pixels across which parts join; level: gray 0..255
-  // above which a pixel is background.
+  // with GlobalFree; with nothing found *count is 0 and list stays as it was. reach: source pixels
+  // across which parts join; level: gray 0..255 from which a pixel is background. Rectangles count
+  // from the top of the picture as shown. Always ORVO_OK, but for null pointers.
   virtual int FindRegions(DibHandle source, RegionRecord** list, int* count, int reach,
                           int level) noexcept;
   // 55 [module]. Turns a crooked page upright. result as for the other [module] operations; angle
