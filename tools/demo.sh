@@ -39,7 +39,7 @@ Resize | photo.jpg | resize --width 400 | png
 Half the resolution | photo.jpg | resolution --dpi 150 | png
 Thumbnail | portrait.jpg | thumbnail --size 160x160 | png
 A straight page | page.tif | deskew | png
-Items on a scanner bed, outlined | bed.png | regions --reach 10 --level 240 --mark MARKED | png
+Items on a scanner bed, outlined | bed.png | regions --reach 10 --mark MARKED | png
 From TIFF to JPEG | page.tif | convert --quality 80 | jpg
 '
 # What files of the user's own are put through.

@@ -12,14 +12,6 @@ bool EndsAsFolder(const std::string& path) {
   return path.ends_with('/') || path.ends_with(fs::path::preferred_separator);
 }
 
-// A link's target, so that the link stays one; any other path as it is.
-std::string BehindLinks(const std::string& path) {
-  std::error_code fault;
-  if (!fs::is_symlink(path, fault)) return path;
-  const fs::path real = fs::canonical(path, fault);
-  return fault ? path : real.string();
-}
-
 fs::path Renamed(const fs::path& input, const fs::path& folder, const std::string& extension) {
   fs::path target = folder / input.filename();
   if (!extension.empty()) target.replace_extension(extension);
@@ -96,7 +88,7 @@ Plan PlanTargets(const std::vector<std::string>& inputs, const Parameters& param
   if (intoFolder) plan.folder = output;
   for (const std::string& input : inputs) {
     if (inPlace) {
-      plan.tasks.push_back({input, BehindLinks(input)});
+      plan.tasks.push_back({input, input});
     } else if (!output.empty() && !intoFolder) {
       plan.tasks.push_back({input, output});
     } else {
