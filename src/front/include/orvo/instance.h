@@ -80,6 +80,8 @@ class COrvoInstance {
   virtual int ExposureAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
   virtual int ExposureAdjustInPlace(DibHandle source, std::uint8_t level) noexcept;
 
+  // Red-eye, 9 to 13: this version keeps the places but answers ORVO_ERR_NOT_SUPPORTED.
+  //
   // 9. Centre and radius, in pixels, of the red pupil near the pixel (x, y); x from the left, y in
   // stored rows. 24 bits; 16 and 32 through a working copy. ORVO_ERR_FAILURE when there is none.
   virtual int SearchRedEyeRegion(DibHandle source, std::uint32_t x, std::uint32_t y,
