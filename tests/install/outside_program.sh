@@ -21,7 +21,7 @@ done
 cp -r "$source/examples" "$work/outside"
 "$build/bin/make_samples" "$work/samples" >/dev/null
 
-cmake -S "$work/outside" -B "$work/by-cmake" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake -G Ninja -S "$work/outside" -B "$work/by-cmake" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/by-cmake" >/dev/null
 "$work/by-cmake/fix_photo" "$work/samples/photo.jpg" "$work/by-cmake.png"
 
