@@ -1,30 +1,21 @@
 // The frame round the adjust functions of the pixel library: brings an image into one of the two
 // working shapes, runs the function on raw rows, and brings the image back.
 #include <cstring>
-#include <utility>
 
 #include <orvo/CLeadTools.h>
 #include <orvo/COrvoCS.h>
 #include <orvo/result_codes.h>
 
+#include "front/frame_image.h"
 #include "front/imaging_result.h"
-#include "handles/result_block.h"
 #include "imaginglib/exposure.h"
 #include "imaginglib/histogram.h"
 #include "imaginglib/sharpness.h"
-#include "imaginglib/utilities.h"
 #include "imaginglib/working_image.h"
 
 namespace {
 
 constexpr std::uint8_t kMostLevel = 10;
-
-// Low byte of biBitCount, nothing when the block cannot be locked or is malformed.
-std::optional<std::uint8_t> DepthOf(DibHandle image) {
-  const LockedImage locked(image, kLowByteOfDepth);
-  if (!locked) return std::nullopt;
-  return static_cast<std::uint8_t>(locked.layout().depth);
-}
 
 // One pixel under the header and palette of an 8-bit image; false when a block cannot be locked.
 bool FillProbe(DibHandle probe, DibHandle image) {
@@ -54,69 +45,17 @@ int TestGray(CLeadTools& tools, DibHandle image) {
 
 }  // namespace
 
-// An image as the pixel function sees it. 16-bit and 32-bit images are worked on in a 24-bit copy,
-// which is source and target at once.
-struct COrvoCS::WorkingImage {
-  WorkingImage() = default;
-  ~WorkingImage() {
-    unlock();
-    if (copy != nullptr) GlobalFree(copy);
-  }
-  WorkingImage(const WorkingImage&) = delete;
-  WorkingImage& operator=(const WorkingImage&) = delete;
-
-  [[nodiscard]] bool lock(DibHandle from, DibHandle to) {
-    source.emplace(from, kLowByteOfDepth);
-    target.emplace(to, kLowByteOfDepth);
-    return *source && target->bytes() != nullptr;
-  }
-  void unlock() {
-    source.reset();
-    target.reset();
-  }
-
-  DibHandle copy = nullptr;
-  std::uint8_t incomingDepth = 0;
-  std::uint8_t depth = 0;
-  std::optional<LockedImage> source;
-  std::optional<LockedImage> target;
-};
-
-// Leaves the image locked on success. On any other code no block is locked and none made here is
-// left; the result handle is then for the caller to set.
+// On any code but ORVO_OK the result handle is for the caller to set.
 int COrvoCS::PrepareBitmapForImagingLib(DibHandle source, DibHandle* result,
-                                        WorkingImage& image) noexcept {
+                                        FrameImage& image) noexcept {
   if (leadTools == nullptr) return ORVO_ERR_FAILURE;
-  std::optional<std::uint8_t> depth = DepthOf(source);
-  if (!depth) return ORVO_ERR_FAILURE;
-  image.incomingDepth = *depth;
-  if (*depth == 16 || *depth == 32) {
-    DibHandle converted = nullptr;
-    leadTools->LTConvertToColorRes(source, &converted, kColorDepth);
-    // A conversion that failed leaves no image, or the source; the depth test then refuses it.
-    if (converted == nullptr || converted == source) return ORVO_ERR_BAD_DEPTH;
-    image.copy = converted;
-    depth = DepthOf(converted);
-    if (!depth) return ORVO_ERR_FAILURE;
+  if (const int code = image.take(leadTools, source); code != ORVO_OK) return code;
+  if (image.depth() == kGrayDepth) {
+    if (const int code = TestGray(*leadTools, source); code != ORVO_OK) return code;
+  } else if (image.depth() != kColorDepth) {
+    return ORVO_ERR_BAD_DEPTH;
   }
-  if (*depth == kGrayDepth) {
-    const int code = TestGray(*leadTools, source);
-    if (code != ORVO_OK) return code;
-  }
-  if (*depth != kGrayDepth && *depth != kColorDepth) return ORVO_ERR_BAD_DEPTH;
-  image.depth = *depth;
-  if (image.copy != nullptr) {
-    return image.lock(image.copy, image.copy) ? ORVO_OK : ORVO_ERR_FAILURE;
-  }
-
-  ResultBlock block(source, result);
-  if (!block.makeSameSize()) return ORVO_ERR_NO_MEMORY;
-  if (!image.lock(source, *result)) {
-    image.unlock();
-    return block.takeBack(ORVO_ERR_FAILURE);
-  }
-  ImgCopy(image.target->bytes(), image.source->bytes(), image.source->layout().pixelOffset);
-  return ORVO_OK;
+  return image.open(source, result);
 }
 
 int COrvoCS::RunAdjust(DibHandle source, DibHandle* result, std::uint8_t level,
@@ -130,26 +69,14 @@ int COrvoCS::RunAdjust(DibHandle source, DibHandle* result, std::uint8_t level,
     *result = nullptr;
     return ORVO_ERR_NULL_IMAGE;
   }
-  WorkingImage image;
+  FrameImage image;
   if (const int code = PrepareBitmapForImagingLib(source, result, image); code != ORVO_OK) {
     *result = source;
     return code;
   }
-  const orvo::DibLayout layout = image.source->layout();
   const int imagingResult =
-      function(image.source->pixels(), image.target->bytes() + layout.pixelOffset,
-               static_cast<std::uint32_t>(layout.width), static_cast<std::uint32_t>(layout.height),
-               image.depth, level);
-  image.unlock();
-  if (image.copy != nullptr) {
-    leadTools->LTConvertToColorRes(image.copy, nullptr, image.incomingDepth);
-    if (*result == source) {
-      TakeImage(source, image.copy);
-    } else {
-      TakeHeader(image.copy, source);
-      *result = std::exchange(image.copy, nullptr);
-    }
-  }
+      function(image.source(), image.target(), image.width(), image.height(), image.depth(), level);
+  image.finish(leadTools, source, result);
   return MapImagingLibResult(imagingResult);
 }
 

@@ -20,6 +20,7 @@
 #include <orvo/records.h>
 
 class CLeadTools;
+class FrameImage;
 
 class ORVO_API COrvoCS {
  public:
@@ -38,6 +39,24 @@ class ORVO_API COrvoCS {
   int CSHistogramAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
   // ORVO_ERR_FAILURE for an image with a side below 128; the result is then a copy of the source.
   int CSExposureAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
+
+  // Red-eye: 24 bits; 16 and 32 bits through a working copy; else ORVO_ERR_BAD_DEPTH. x from the
+  // left, y in stored rows, radius in pixels. ORVO_ERR_NULL_IMAGE leaves the result alone, and so
+  // does the ORVO_ERR_FAILURE of a working copy that cannot be locked.
+  //
+  // The pupil at a point: centre and radius, 3 or more. ORVO_ERR_FAILURE when there is none; the
+  // circle is then the point itself with the radius 2, with 0 for a point outside the image. Other
+  // failures write no circle.
+  int CSSearchRedEyeRegion(DibHandle source, std::uint32_t x, std::uint32_t y,
+                           std::uint32_t* foundX, std::uint32_t* foundY,
+                           std::uint32_t* foundRadius) noexcept;
+  // Makes the disk dark and neutral, with a feathered edge up to five quarters of the radius. Only
+  // the largest square round the centre that fits the image changes; nothing for a centre outside.
+  int CSReduceRedEye(DibHandle source, DibHandle* result, std::uint32_t x, std::uint32_t y,
+                     std::uint32_t radius) noexcept;
+  // Finds and corrects red eyes in the whole picture. found receives 1 or 0 once the picture has
+  // been searched. With nothing found the code is ORVO_ERR_FAILURE and the result an exact copy.
+  int CSAutoRedEye(DibHandle source, DibHandle* result, int* found) noexcept;
 
   // threshold 0..255. 8-bit palettes and 24 bits.
   int CSWhitenessAdjust(DibHandle source, DibHandle* result, std::uint32_t threshold) noexcept;
@@ -64,9 +83,7 @@ class ORVO_API COrvoCS {
                                  std::uint32_t width, std::uint32_t height, std::uint8_t depth,
                                  std::uint8_t level);
 
-  struct WorkingImage;
-
-  int PrepareBitmapForImagingLib(DibHandle source, DibHandle* result, WorkingImage& image) noexcept;
+  int PrepareBitmapForImagingLib(DibHandle source, DibHandle* result, FrameImage& image) noexcept;
   int RunAdjust(DibHandle source, DibHandle* result, std::uint8_t level,
                 AdjustFunction function) noexcept;
 

@@ -80,21 +80,25 @@ class COrvoInstance {
   virtual int ExposureAdjust(DibHandle source, DibHandle* result, std::uint8_t level) noexcept;
   virtual int ExposureAdjustInPlace(DibHandle source, std::uint8_t level) noexcept;
 
-  // Red-eye, 9 to 13: this version keeps the places but answers ORVO_ERR_NOT_SUPPORTED.
-  //
-  // 9. Centre and radius, in pixels, of the red pupil near the pixel (x, y); x from the left, y in
-  // stored rows. 24 bits; 16 and 32 through a working copy. ORVO_ERR_FAILURE when there is none.
+  // 9. Centre and radius, in pixels, of the red pupil at the pixel (x, y); x from the left, y in
+  // stored rows. ORVO_ERR_FAILURE when there is none, and the circle is then the point itself with
+  // a radius of 2, or of 0 for a point outside the image. Red-eye, 9 to 13, takes 24 bits, and 16
+  // and 32 by way of the kernel module; else ORVO_ERR_BAD_DEPTH.
   virtual int SearchRedEyeRegion(DibHandle source, std::uint32_t x, std::uint32_t y,
                                  std::uint32_t* foundX, std::uint32_t* foundY,
                                  std::uint32_t* foundRadius) noexcept;
-  // 10, 11 [own]. Makes the disk of that centre and radius dark and neutral, with a soft edge.
+  // 10, 11 [own]. Makes the disk of that centre and radius dark and neutral, with a soft edge that
+  // ends at five quarters of the radius. A disk that does not fit is cut to the largest square
+  // round its centre; a centre outside the image changes nothing. A null source leaves the result
+  // alone, as in 12 and 13.
   virtual int ReduceRedEye(DibHandle source, DibHandle* result, std::uint32_t x, std::uint32_t y,
                            std::uint32_t radius) noexcept;
   virtual int ReduceRedEyeInPlace(DibHandle source, std::uint32_t x, std::uint32_t y,
                                   std::uint32_t radius) noexcept;
   // 12, 13 [own]. Finds and corrects red eyes in the whole picture. found receives 1 or 0; preset
   // it to 0, early failures do not write it. With nothing found the code is ORVO_ERR_FAILURE and
-  // AutoRedEye leaves a null result.
+  // AutoRedEye leaves a null result; a block of the caller's that stood there is then freed after
+  // an early failure.
   virtual int AutoRedEyeInPlace(DibHandle source, int* found) noexcept;
   virtual int AutoRedEye(DibHandle source, DibHandle* result, int* found) noexcept;
 

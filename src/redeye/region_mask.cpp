@@ -1,0 +1,124 @@
+#include "redeye/region_mask.h"
+
+#include <algorithm>
+
+#include "imaginglib/vector_clones.h"
+
+namespace {
+
+// Combines each interior pixel of `from` with its neighbours, of the cross or of the square. Erase
+// asks that all are set, Grow that one is.
+enum class Step { Erase, Grow };
+enum class Shape { Cross, Square };
+
+template <Step step>
+ORVO_ALWAYS_INLINE std::uint8_t Both(std::uint8_t a, std::uint8_t b) {
+  return step == Step::Erase ? a & b : a | b;
+}
+
+template <Step step, Shape shape>
+ORVO_ALWAYS_INLINE void CombineRow(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
+  const std::uint8_t* const above = from - width;
+  const std::uint8_t* const below = from + width;
+  const auto column = [&](std::size_t x) {
+    return Both<step>(from[x], Both<step>(above[x], below[x]));
+  };
+  const auto side = [&](std::size_t x) { return shape == Shape::Square ? column(x) : from[x]; };
+  for (std::size_t x = 1; x + 1 < width; ++x) {
+    to[x] = Both<step>(column(x), Both<step>(side(x - 1), side(x + 1)));
+  }
+}
+
+ORVO_VECTOR_CLONES
+void EraseCross(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
+  CombineRow<Step::Erase, Shape::Cross>(from, width, to);
+}
+ORVO_VECTOR_CLONES
+void GrowCross(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
+  CombineRow<Step::Grow, Shape::Cross>(from, width, to);
+}
+ORVO_VECTOR_CLONES
+void EraseSquare(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
+  CombineRow<Step::Erase, Shape::Square>(from, width, to);
+}
+ORVO_VECTOR_CLONES
+void GrowSquare(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
+  CombineRow<Step::Grow, Shape::Square>(from, width, to);
+}
+
+using RowStep = void (*)(const std::uint8_t* from, std::size_t width, std::uint8_t* to);
+
+void Open(RegionMask& mask, RowStep erase, RowStep grow) {
+  if (mask.width < 3 || mask.height < 3) return;
+  const auto width = static_cast<std::size_t>(mask.width);
+  const auto throughRows = [&](RowStep step, const std::uint8_t* from, std::uint8_t* to) {
+    for (std::int32_t y = 1; y + 1 < mask.height; ++y) {
+      step(from + mask.at(0, y), width, to + mask.at(0, y));
+    }
+  };
+  throughRows(erase, mask.foreground.get(), mask.visited.get());
+  throughRows(grow, mask.visited.get(), mask.foreground.get());
+  ImgFill(mask.visited.get(), 0, mask.pixelCount());
+}
+
+}  // namespace
+
+bool RegionMask::allocate(std::size_t pixels) noexcept {
+  if (pixels > UINT32_MAX) return false;
+  foreground = ImgAllocArray<std::uint8_t>(pixels);
+  visited = ImgAllocArray<std::uint8_t>(pixels);
+  member = ImgAllocArray<std::uint8_t>(pixels);
+  queue = ImgAllocArray<std::uint32_t>(pixels);
+  return foreground != nullptr && visited != nullptr && member != nullptr && queue != nullptr;
+}
+
+void RegionMask::start(std::int32_t maskWidth, std::int32_t maskHeight) noexcept {
+  width = maskWidth;
+  height = maskHeight;
+  ImgFill(foreground.get(), 0, pixelCount());
+  ImgFill(visited.get(), 0, pixelCount());
+  ImgFill(member.get(), 0, pixelCount());
+}
+
+void ImgOpenMask(RegionMask& mask) noexcept {
+  Open(mask, EraseCross, GrowCross);
+}
+
+void OpenMaskBySquares(RegionMask& mask) noexcept {
+  Open(mask, EraseSquare, GrowSquare);
+}
+
+FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& mask) noexcept {
+  const auto width = static_cast<std::uint32_t>(mask.width);
+  Box box{seedX, seedY, seedX, seedY};
+  std::int64_t sumX = 0;
+  std::int64_t sumY = 0;
+  std::size_t taken = 0;
+  mask.visited[mask.at(seedX, seedY)] = 1;
+  mask.queue[taken++] = static_cast<std::uint32_t>(mask.at(seedX, seedY));
+  for (std::size_t next = 0; next < taken; ++next) {
+    const auto x = static_cast<std::int32_t>(mask.queue[next] % width);
+    const auto y = static_cast<std::int32_t>(mask.queue[next] / width);
+    sumX += x;
+    sumY += y;
+    box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x),
+           std::max(box.bottom, y)};
+    // The limits matter to a seed on the edge alone.
+    for (std::int32_t row = std::max(y - 1, 0); row <= std::min(y + 1, mask.height - 1); ++row) {
+      for (std::int32_t col = std::max(x - 1, 0); col <= std::min(x + 1, mask.width - 1); ++col) {
+        const std::size_t neighbor = mask.at(col, row);
+        if (mask.foreground[neighbor] == 0 || mask.visited[neighbor] != 0) continue;
+        mask.visited[neighbor] = mask.member[neighbor] = 1;
+        mask.queue[taken++] = static_cast<std::uint32_t>(neighbor);
+      }
+    }
+  }
+  const auto area = static_cast<std::int64_t>(taken);
+  return {area, box, static_cast<std::int32_t>(sumX / area),
+          static_cast<std::int32_t>(sumY / area)};
+}
+
+std::uint32_t RadiusOfArea(std::int64_t area) noexcept {
+  constexpr double kOnePerPi = 0.31831015504887655;  // 1 / 3.14159
+  return static_cast<std::uint32_t>(ImgSqrt(static_cast<double>(area) * kOnePerPi) + 0.5);
+}
