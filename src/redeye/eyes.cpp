@@ -36,6 +36,14 @@ class EyeFinder {
   std::int32_t column_ = 1;
 };
 
+void MarkColors(const PlaneView& row, std::size_t count, std::uint8_t* __restrict red,
+                std::uint8_t* __restrict white) {
+  for (std::size_t i = 0; i < count; ++i) {
+    red[i] = ImgIsRedEyeColor(row.y[i], row.cb[i], row.cr[i]);
+    white[i] = ImgIsBrightNeutral(row.y[i], row.cb[i], row.cr[i]);
+  }
+}
+
 EyeFinder::EyeFinder(const Box& rect, std::int32_t reduction, const PlaneView& planes,
                      EyeMasks& masks)
     : planes_(planes),
@@ -46,14 +54,9 @@ EyeFinder::EyeFinder(const Box& rect, std::int32_t reduction, const PlaneView& p
       white_(masks.white.get()) {
   red_.start(width_, height_);
   for (std::int32_t row = 1; row + 1 < height_; ++row) {
-    for (std::int32_t column = 1; column + 1 < width_; ++column) {
-      const std::size_t at = planes_.at(column, row);
-      const std::uint8_t y = planes_.y[at];
-      const std::uint8_t cb = planes_.cb[at];
-      const std::uint8_t cr = planes_.cr[at];
-      red_.foreground[red_.at(column, row)] = ImgIsRedEyeColor(y, cb, cr);
-      white_[red_.at(column, row)] = ImgIsBrightNeutral(y, cb, cr);
-    }
+    const std::size_t at = red_.at(1, row);
+    MarkColors(planes_.from(1, row), static_cast<std::size_t>(width_) - 2, &red_.foreground[at],
+               &white_[at]);
   }
   ImgOpenMask(red_);
 }

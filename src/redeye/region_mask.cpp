@@ -67,9 +67,8 @@ bool RegionMask::allocate(std::size_t pixels) noexcept {
   if (pixels > UINT32_MAX) return false;
   foreground = ImgAllocArray<std::uint8_t>(pixels);
   visited = ImgAllocArray<std::uint8_t>(pixels);
-  member = ImgAllocArray<std::uint8_t>(pixels);
   queue = ImgAllocArray<std::uint32_t>(pixels);
-  return foreground != nullptr && visited != nullptr && member != nullptr && queue != nullptr;
+  return foreground != nullptr && visited != nullptr && queue != nullptr;
 }
 
 void RegionMask::start(std::int32_t maskWidth, std::int32_t maskHeight) noexcept {
@@ -77,7 +76,6 @@ void RegionMask::start(std::int32_t maskWidth, std::int32_t maskHeight) noexcept
   height = maskHeight;
   ImgFill(foreground.get(), 0, pixelCount());
   ImgFill(visited.get(), 0, pixelCount());
-  ImgFill(member.get(), 0, pixelCount());
 }
 
 void ImgOpenMask(RegionMask& mask) noexcept {
@@ -108,14 +106,17 @@ FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& m
       for (std::int32_t col = std::max(x - 1, 0); col <= std::min(x + 1, mask.width - 1); ++col) {
         const std::size_t neighbor = mask.at(col, row);
         if (mask.foreground[neighbor] == 0 || mask.visited[neighbor] != 0) continue;
-        mask.visited[neighbor] = mask.member[neighbor] = 1;
+        mask.visited[neighbor] = 1;
         mask.queue[taken++] = static_cast<std::uint32_t>(neighbor);
       }
     }
   }
   const auto area = static_cast<std::int64_t>(taken);
-  return {area, box, static_cast<std::int32_t>(sumX / area),
-          static_cast<std::int32_t>(sumY / area)};
+  return {.area = area,
+          .box = box,
+          .x = static_cast<std::int32_t>(sumX / area),
+          .y = static_cast<std::int32_t>(sumY / area),
+          .members = {mask.queue.get() + 1, taken - 1}};
 }
 
 std::uint32_t RadiusOfArea(std::int64_t area) noexcept {

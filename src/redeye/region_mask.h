@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "imaginglib/utilities.h"
 
@@ -36,7 +37,6 @@ struct RegionMask {
   std::int32_t height = 0;
   ImgArray<std::uint8_t> foreground;  // belongs to the shape that is looked for
   ImgArray<std::uint8_t> visited;     // reached by a fill; scratch during an opening
-  ImgArray<std::uint8_t> member;      // reached by a fill, the seed left out
   ImgArray<std::uint32_t> queue;      // of a fill: a pixel enters it once at most
 };
 
@@ -45,6 +45,8 @@ struct FilledRegion {
   Box box;
   std::int32_t x;  // centroid, cut toward zero
   std::int32_t y;
+  std::span<const std::uint32_t> members;  // where in the mask they lie, the seed left out; good
+                                           // until the next fill
 };
 
 // Keeps of the foreground what five-pixel crosses can cover.

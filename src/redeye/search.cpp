@@ -13,19 +13,36 @@ namespace {
 constexpr std::uint32_t kReach = 25;  // half-side of the square at scale 1
 constexpr std::uint32_t kSmallestRadius = 3;
 
+// The square round the point that is looked at.
+struct Square {
+  std::uint32_t left;
+  std::uint32_t top;
+  std::int32_t reach;  // half-side
+
+  [[nodiscard]] std::int32_t side() const { return 2 * reach + 1; }
+  // Whether a region of the square's mask would be the same in a larger square. The opening changes
+  // pixels by what lies two further on, and the mask's outermost ones are always clear.
+  [[nodiscard]] bool keepsOffEdge(const Box& region) const {
+    constexpr std::int32_t kMargin = 4;
+    return std::min(region.left, region.top) >= kMargin &&
+           std::max(region.right, region.bottom) < side() - kMargin;
+  }
+};
+
 // Marks what can belong to the pupil; close to the point also a catch-light.
-void MarkPupil(const std::uint8_t* corner, std::size_t stride, std::uint32_t scale,
-               RegionMask& mask) {
-  const std::int32_t middle = mask.width / 2;
+void MarkPupil(const std::uint8_t* source, std::size_t stride, const Square& square,
+               std::uint32_t scale, RegionMask& mask) {
   for (std::int32_t row = 1; row + 1 < mask.height; ++row) {
+    const std::uint8_t* pixel = source + stride * (square.top + static_cast<std::uint32_t>(row)) +
+                                3 * std::size_t{square.left};
+    std::uint8_t* const foreground = &mask.foreground[mask.at(0, row)];
+    const double dy = row - square.reach;
     for (std::int32_t column = 1; column + 1 < mask.width; ++column) {
-      const auto [y, cb, cr] = ColorOfPixel(corner + stride * static_cast<std::size_t>(row) +
-                                            3 * static_cast<std::size_t>(column));
-      const double dx = column - middle;
-      const double dy = row - middle;
-      const bool close = ImgSqrt(dx * dx + dy * dy) <= scale;
-      mask.foreground[mask.at(column, row)] =
-          ImgIsRedEyeColor(y, cb, cr) || (close && ImgIsBrightNeutral(y, cb, cr));
+      pixel += 3;
+      const auto [y, cb, cr] = ColorOfPixel(pixel);
+      const double dx = column - square.reach;
+      foreground[column] = ImgIsRedEyeColor(y, cb, cr) ||
+                           (ImgIsBrightNeutral(y, cb, cr) && ImgSqrt(dx * dx + dy * dy) <= scale);
     }
   }
 }
@@ -40,26 +57,29 @@ int ImgSearchRedEyeRegion(const std::uint8_t* source, std::uint32_t width, std::
   }
   const std::uint32_t scale = std::max(std::max(width, height) >> 9, 1U);
   const std::uint32_t reach = std::min({kReach * scale, x, y, width - 1 - x, height - 1 - y});
-  const std::uint32_t left = x - reach;
-  const std::uint32_t top = y - reach;
   const std::size_t stride = WorkingStride(width, kColorDepth);
-  const auto side = static_cast<std::int32_t>(2 * reach + 1);
-  const auto middle = static_cast<std::int32_t>(reach);
-
   RegionMask mask;
-  if (!mask.allocate(static_cast<std::size_t>(side) * static_cast<std::size_t>(side))) {
-    return kImgNoMemory;
+  const std::size_t side = 2 * std::size_t{reach} + 1;
+  if (!mask.allocate(side * side)) return kImgNoMemory;
+
+  // Most pupils end well inside a smaller square, and what ends there is the same in the whole one.
+  Square square{};
+  FilledRegion region{};
+  std::uint32_t tried = std::min(reach, kReach);
+  for (;; tried = std::min(2 * tried, reach)) {
+    square = {x - tried, y - tried, static_cast<std::int32_t>(tried)};
+    mask.start(square.side(), square.side());
+    MarkPupil(source, stride, square, scale, mask);
+    ImgOpenMask(mask);
+    region = ImgFillRegion(square.reach, square.reach, mask);
+    if (tried == reach || square.keepsOffEdge(region.box)) break;
   }
-  mask.start(side, side);
-  MarkPupil(source + stride * top + 3 * std::size_t{left}, stride, scale, mask);
-  ImgOpenMask(mask);
-  const FilledRegion region = ImgFillRegion(middle, middle, mask);
   const std::uint32_t radius = RadiusOfArea(region.area);
   if (radius < kSmallestRadius) {
     *found = {x, y, kSmallestRadius - 1};
     return kImgNotFound;
   }
-  *found = {left + static_cast<std::uint32_t>(region.x), top + static_cast<std::uint32_t>(region.y),
-            radius};
+  *found = {square.left + static_cast<std::uint32_t>(region.x),
+            square.top + static_cast<std::uint32_t>(region.y), radius};
   return kImgDone;
 }

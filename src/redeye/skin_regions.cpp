@@ -66,29 +66,43 @@ void MarkSkin(const PlaneView& planes, RegionMask& mask) {
   }
 }
 
-void ClearMembers(const Box& box, RegionMask& mask) {
-  for (std::int32_t row = box.top; row <= box.bottom; ++row) {
-    ImgFill(&mask.member[mask.at(box.left, row)], 0, static_cast<std::size_t>(box.width()));
+// Rows of the first and the last member of each column of a region.
+class ColumnEnds {
+ public:
+  [[nodiscard]] bool allocate(std::int32_t maskWidth) noexcept {
+    ends_ = ImgAllocArray<Ends>(static_cast<std::size_t>(maskWidth));
+    return ends_ != nullptr;
   }
-}
 
-// Takes the members of the box, column by column, and clears them, for the box of a later region
-// may overlap this one.
-void TakeEdge(const Box& box, RegionMask& mask, EdgePoints& edge) {
-  edge.start();
-  for (std::int32_t column = box.left; column <= box.right; ++column) {
-    std::int32_t first = box.bottom;
-    std::int32_t last = box.top;
-    for (std::int32_t row = box.top; row <= box.bottom; ++row) {
-      std::uint8_t& member = mask.member[mask.at(column, row)];
-      if (member == 0) continue;
-      member = 0;
-      first = std::min(first, row);
-      last = row;
+  void take(const FilledRegion& region, std::int32_t maskWidth) {
+    // A column without a member has its ends the wrong way round.
+    for (std::int32_t x = region.box.left; x <= region.box.right; ++x) {
+      at(x) = {region.box.bottom, region.box.top};
     }
-    if (first != last && !edge.add(column, first, last)) return;
+    const auto width = static_cast<std::uint32_t>(maskWidth);
+    for (const std::uint32_t member : region.members) {
+      const auto row = static_cast<std::int32_t>(member / width);
+      Ends& ends = at(static_cast<std::int32_t>(member % width));
+      ends = {std::min(ends.first, row), std::max(ends.last, row)};
+    }
   }
-}
+  void addTo(EdgePoints& edge, const Box& box) {
+    edge.start();
+    for (std::int32_t x = box.left; x <= box.right; ++x) {
+      const auto [first, last] = at(x);
+      if (first != last && !edge.add(x, first, last)) return;
+    }
+  }
+
+ private:
+  struct Ends {
+    std::int32_t first;
+    std::int32_t last;
+  };
+  Ends& at(std::int32_t x) { return ends_[static_cast<std::size_t>(x)]; }
+
+  ImgArray<Ends> ends_;
+};
 
 void StoreOutline(std::span<const POINT> hull, const Box& box, RedEyeScan& scan, int region) {
   const std::size_t count = std::min<std::size_t>(hull.size(), kMostOutlineVertices);
@@ -104,9 +118,10 @@ void StoreOutline(std::span<const POINT> hull, const Box& box, RedEyeScan& scan,
 std::optional<int> ImgFindSkinRegions(RedEyeScan& scan, const PlaneView& planes, std::int32_t width,
                                       std::int32_t height, std::int32_t reduction) noexcept {
   RegionMask mask;
+  ColumnEnds ends;
   EdgePoints edge;
   const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-  if (!mask.allocate(pixels) || !edge.allocate()) return std::nullopt;
+  if (!mask.allocate(pixels) || !ends.allocate(width) || !edge.allocate()) return std::nullopt;
   mask.start(width, height);
   MarkSkin(planes, mask);
   OpenMaskBySquares(mask);
@@ -116,14 +131,15 @@ std::optional<int> ImgFindSkinRegions(RedEyeScan& scan, const PlaneView& planes,
     for (std::int32_t column = 0; column < width; ++column) {
       const std::size_t at = mask.at(column, row);
       if (mask.foreground[at] == 0 || mask.visited[at] != 0) continue;
-      const Box box = ImgFillRegion(column, row, mask).box;
+      const FilledRegion region = ImgFillRegion(column, row, mask);
+      const Box& box = region.box;
       if (box.right - box.left <= kMostDroppedWidth || box.bottom - box.top <= kMostDroppedHeight) {
-        ClearMembers(box, mask);
         continue;
       }
       scan.regionRects[count] = {box.left * reduction, box.top * reduction, box.right * reduction,
                                  box.bottom * reduction};
-      TakeEdge(box, mask, edge);
+      ends.take(region, width);
+      ends.addTo(edge, box);
       StoreOutline(edge.hull(), box, scan, count);
       if (++count == kMostRegions) return count;
     }
