@@ -12,8 +12,7 @@ POINT CentreOf(const Box& box) {
 // Where the outline passes one column of the region: the lowest and the highest row that it marks.
 class OutlineColumn {
  public:
-  OutlineColumn(std::int32_t column, std::int32_t height)
-      : column_(column), lowest_(height), highest_(0) {}
+  OutlineColumn(std::int32_t column, std::int32_t height) : column_(column), lowest_(height) {}
 
   // An edge marks every column but its last, which is left to the next edge; an upright one marks
   // its two ends.
@@ -43,7 +42,7 @@ class OutlineColumn {
 
   std::int32_t column_;
   std::int32_t lowest_;
-  std::int32_t highest_;
+  std::int32_t highest_ = 0;
 };
 
 bool LiesInOutline(const RedEyeScan& scan, int region, const Box& eye) {

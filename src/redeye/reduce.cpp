@@ -25,8 +25,7 @@ int ImgReduceRedEye(const std::uint8_t* source, std::uint8_t* target, std::uint3
   const auto [x, y, radius] = pupil;
   if (x >= width || y >= height) return kImgDone;
   const std::uint64_t wanted = std::uint64_t{radius} + (radius >> 2);
-  const std::uint64_t reach =
-      std::min<std::uint64_t>({wanted, x, y, width - 1 - x, height - 1 - y});
+  const auto reach = std::min<std::uint64_t>({wanted, x, y, width - 1 - x, height - 1 - y});
   for (std::uint64_t row = y - reach; row <= y + reach; ++row) {
     for (std::uint64_t column = x - reach; column <= x + reach; ++column) {
       const double dx = static_cast<double>(column) - x;

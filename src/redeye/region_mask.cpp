@@ -1,6 +1,7 @@
 #include "redeye/region_mask.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "imaginglib/vector_clones.h"
 
@@ -121,5 +122,6 @@ FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& m
 
 std::uint32_t RadiusOfArea(std::int64_t area) noexcept {
   constexpr double kOnePerPi = 0.31831015504887655;  // 1 / 3.14159
-  return static_cast<std::uint32_t>(ImgSqrt(static_cast<double>(area) * kOnePerPi) + 0.5);
+  const double radius = ImgSqrt(static_cast<double>(area) * kOnePerPi);
+  return static_cast<std::uint32_t>(std::floor(radius + 0.5));
 }
