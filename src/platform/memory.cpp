@@ -12,7 +12,7 @@ namespace {
 #if defined(__SANITIZE_ADDRESS__)
 constexpr std::size_t kLargeBlock = SIZE_MAX;
 #else
-constexpr std::size_t kLargeBlock = std::size_t{4} << 20;
+constexpr std::size_t kLargeBlock = std::size_t{1} << 20;
 #endif
 
 }  // namespace
