@@ -31,6 +31,9 @@ Soft focus | portrait.jpg | unsharp --change -800 | png
 Sixteen colours, dithered | photo.jpg | depth --bits 4 --dither stucki | png
 Black and white, dithered | gray.png | depth --bits 1 --dither floyd-steinberg | png
 Descreen | halftone.png | descreen --level 2 --sharpen 20 | png
+Red eyes, found and corrected | portrait.jpg | redeye | png
+Red eyes, outlined | portrait.jpg | redeye --mark MARKED | png
+The red eye that is pointed at | portrait.jpg | redeye --at 482,645 | png
 Whiteness | page.tif | whiten --threshold 225 | png
 Auto-trim | page_bw.tif | trim --auto | png
 Trim to a rectangle | bed.png | trim --rect 90,80,820,630 | png
@@ -47,6 +50,7 @@ own_rows='
 Sharpness by size | sharpen --level 8
 Histogram, tones stretched | histogram --level 5
 Exposure, equalised locally | exposure --level 6
+Red eyes | redeye
 Gray | gray
 Auto-trim | trim --auto
 A straight page | deskew
@@ -138,13 +142,18 @@ show() {
     return
   fi
   [ -e "$result" ] || result=$(find "$out/results/$name" -type f | sort | head -n 1)
-  local before after
+  local before after command
+  command="orvo ${options//$build\/lib\//} $(basename "$source")"
+  if [ ${#target[@]} -gt 0 ]; then
+    command+=" -o $(basename "$result")"
+  else
+    command=${command//MARKED/marked/}
+  fi
   before=$(shown "$source" "${name}_before")
   after=$(shown "$result" "${name}_after")
   {
     printf '<section>\n<h2>%s</h2>\n' "$(escaped "$title")"
-    printf '<code>orvo %s %s -o %s</code>\n' "$(escaped "${options//$build\/lib\//}")" \
-      "$(escaped "$(basename "$source")")" "$(basename "$result")"
+    printf '<code>%s</code>\n' "$(escaped "$command")"
     printf '<div class="pair">\n'
     printf '<figure><img loading="lazy" src="%s" alt="%s, before"><figcaption>before</figcaption></figure>\n' \
       "$before" "$(escaped "$title")"

@@ -65,7 +65,10 @@ int Carry(const Operation& operation, Job& job) {
   }
   // Not every step of the toolkit listens while it works.
   if (code == ORVO_OK && Interrupted()) code = ORVO_ERR_CANCELLED;
-  if (code == ORVO_OK && operation.subject == Subject::kPictures && !job.written) code = Save(job);
+  if (code == ORVO_OK && operation.subject == Subject::kPictures && !job.target.empty() &&
+      !job.written) {
+    code = Save(job);
+  }
   ClearProgress();
   return code;
 }
@@ -172,8 +175,15 @@ class Session {
   bool incomplete_ = false;  // the document could not be made of its pages
 };
 
+bool GoesWithoutTargets(const Request& request) {
+  const std::string_view option = request.operation->insteadOfTarget;
+  const Parameters& given = request.parameters;
+  return !option.empty() && given.has(option) && !given.has("output") && !given.has("to") &&
+         !given.has("in-place");
+}
+
 Plan PlanFor(const Request& request) {
-  if (request.operation->subject == Subject::kPictures) {
+  if (request.operation->subject == Subject::kPictures && !GoesWithoutTargets(request)) {
     return PlanTargets(request.inputs, request.parameters);
   }
   if (request.operation->subject == Subject::kDocument) {

@@ -37,6 +37,9 @@ void AddOption(CLI::App& command, const Option& option, Parameters& parameters,
     added->type_name(Placeholder(option));
   }
   added->required(option.required)->group(group);
+  if (option.repeatable) {
+    added->delimiter(option.separator)->multi_option_policy(CLI::MultiOptionPolicy::Join);
+  }
 }
 
 void AddCommand(CLI::App& app, const Operation& operation, Request& request) {

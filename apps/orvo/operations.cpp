@@ -26,8 +26,8 @@ const std::vector<Operation>& Operations() {
   static const std::vector<Operation> all = [] {
     std::vector<Operation> rows;
     for (const auto part :
-         {ToneOperations(), ColorOperations(), GeometryOperations(), ScanOperations(),
-          ItemOperations(), DocumentOperations(), Inquiries()}) {
+         {ToneOperations(), ColorOperations(), RedEyeOperations(), GeometryOperations(),
+          ScanOperations(), ItemOperations(), DocumentOperations(), Inquiries()}) {
       rows.insert(rows.end(), part.begin(), part.end());
     }
     return rows;

@@ -50,6 +50,8 @@ struct Operation {
   std::string_view depths = {};  // of pictures that it takes, in words; empty for all
   // What is wrong with options that are each right; empty for nothing.
   std::string (*check)(const Parameters& parameters) = nullptr;
+  // Of pictures: an option that gives the call a sense without any target.
+  std::string_view insteadOfTarget = {};
   // Of a document: makes it from the file of all pages, once every input is in there.
   int (*finish)(Job& job) = nullptr;
 };
@@ -63,6 +65,7 @@ std::span<const Operation> ColorOperations();
 std::span<const Operation> GeometryOperations();
 std::span<const Operation> ScanOperations();
 std::span<const Operation> ItemOperations();
+std::span<const Operation> RedEyeOperations();
 std::span<const Operation> DocumentOperations();
 std::span<const Operation> Inquiries();
 

@@ -30,6 +30,7 @@ struct Option {
   std::string_view fallback = {};  // the value when the option is not given; empty for none
   bool required = false;
   bool positional = false;
+  bool repeatable = false;  // values of several times become one list
   char shortName = 0;
 };
 

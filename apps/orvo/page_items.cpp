@@ -1,8 +1,7 @@
 // Commands about what lies on a page: the list of its items, and a crooked page turned upright.
-#include <algorithm>
-#include <cstring>
 #include <filesystem>
 
+#include "marks.h"
 #include "operations.h"
 #include "picture.h"
 #include "progress.h"
@@ -13,41 +12,25 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMostPixels = 65535;  // of a reach
-constexpr int kFrameWidth = 3;      // pixels of a mark
 
-using Items = std::vector<RegionRecord>;
-
-int FindItems(Job& job, Items& items) {
+int FindItems(Job& job, Rects& items) {
   RegionRecord* list = nullptr;
   int count = 0;
   const int code = job.toolkit.FindRegions(
       job.image.get(), &list, &count, job.parameters.whole("reach"), job.parameters.whole("level"));
   if (list == nullptr) return code;
-  items.assign(list, list + count);
+  for (const RegionRecord& item : std::span(list, static_cast<std::size_t>(count))) {
+    items.push_back({item.left, item.top, item.right, item.bottom});
+  }
   GlobalFree(list);
   return code;
 }
 
-int SaveInto(Job& job, DibHandle picture, const fs::path& folder, const std::string& name) {
-  std::error_code fault;
-  fs::create_directories(folder, fault);
-  const std::string target = (folder / name).string();
-  job.hint = job.furtherTargets.claim(target);
-  if (!job.hint.empty()) return ORVO_ERR_FILE_OPEN;
-  const int code = job.toolkit.SaveFile(picture, target.c_str(), 0, job.quality);
-  if (code == ORVO_OK) {
-    job.report["written"].push_back(target);
-  } else {
-    job.hint = "while writing " + target;
-  }
-  return code;
-}
-
 // Each item to a file of its own, in the format of the page.
-int Crop(Job& job, const Items& items, const fs::path& folder, int height) {
+int Crop(Job& job, const Rects& items, const fs::path& folder, int height) {
   const fs::path page(job.source);
   int number = 0;
-  for (const RegionRecord& item : items) {
+  for (const RECT& item : items) {
     orvo::OwnedDib cut;
     int code = job.toolkit.Trim(job.image.get(), cut.receive(job.image), item.left,
                                 height - item.bottom, item.right, height - item.top);
@@ -59,57 +42,18 @@ int Crop(Job& job, const Items& items, const fs::path& folder, int height) {
   return ORVO_OK;
 }
 
-// A frame along the inside of an item's edge, in red; the picture has 24 bits.
-void Frame(std::uint8_t* rows, const orvo::DibLayout& layout, const RegionRecord& item) {
-  constexpr std::uint8_t kRed[] = {0, 0, 255};
-  for (int y = item.top; y < item.bottom; ++y) {
-    std::uint8_t* const row =
-        rows + layout.stride * static_cast<std::size_t>(layout.height - 1 - y);
-    for (int x = item.left; x < item.right; ++x) {
-      const int inside =
-          std::min({x - item.left, item.right - 1 - x, y - item.top, item.bottom - 1 - y});
-      if (inside < kFrameWidth) std::memcpy(row + std::ptrdiff_t{3} * x, &kRed, sizeof kRed);
-    }
-  }
-}
-
-// A copy of the page in true colour with a frame round each item.
-int Mark(Job& job, const Items& items, const fs::path& folder) {
-  orvo::OwnedDib marked;
-  int code = ORVO_OK;
-  const auto shape = ShapeOf(job.image.get());
-  if (shape && shape->bits == 1) {
-    // Two colours go to true colour by way of gray.
-    code = job.toolkit.ConvertToGrayScaleRes(job.image.get(), marked.receive(job.image), nullptr);
-    if (code == ORVO_OK) code = job.toolkit.ConvertToColorResInPlace(marked.address(), 24);
-  } else {
-    code = job.toolkit.ConvertToColorRes(job.image.get(), marked.receive(job.image), 24);
-  }
-  if (code != ORVO_OK) return code;
-  auto* const bytes = static_cast<std::uint8_t*>(GlobalLock(marked.get()));
-  const auto layout = orvo::DibLayoutOf(bytes, GlobalSize(marked.get()));
-  if (layout && layout->depth == 24) {
-    for (const RegionRecord& item : items) Frame(bytes + layout->pixelOffset, *layout, item);
-  }
-  if (bytes != nullptr) GlobalUnlock(marked.get());
-  return SaveInto(job, marked.get(), folder, fs::path(job.source).stem().string() + "-marked.png");
-}
-
 int Regions(Job& job) {
   const auto shape = ShapeOf(job.image.get());
   if (!shape) return ORVO_ERR_NO_BITMAP;
-  Items items;
+  Rects items;
   int code = FindItems(job, items);
   if (code != ORVO_OK) return code;
-  job.report["items"] = nlohmann::ordered_json::array();
-  for (const RegionRecord& item : items) {
-    job.report["items"].push_back({item.left, item.top, item.right, item.bottom});
-  }
+  job.report["items"] = ToJson(items);
   if (job.parameters.has("crop")) {
     code = Crop(job, items, job.parameters.text("crop"), shape->height);
   }
   if (code == ORVO_OK && job.parameters.has("mark")) {
-    code = Mark(job, items, job.parameters.text("mark"));
+    code = SaveMarked(job, items, kRed, job.parameters.text("mark"));
   }
   return code;
 }

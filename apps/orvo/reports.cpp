@@ -27,7 +27,7 @@ ordered_json ToJson(const Option& option, const Parameters& parameters) {
 }
 
 std::string Spell(const ordered_json& value) {
-  if (value.is_null()) return "none";
+  if (value.empty()) return "none";  // a null or an empty list
   if (value.is_string()) return value.get<std::string>();
   if (!value.is_array()) return value.dump();
   std::string joined;

@@ -51,6 +51,8 @@ TEST_F(FilesTest, WrongUsageIsToldAndTouchesNothing) {
       {{"trim", "--rect", "5,1,5,4", "a.bmp", "-o", "x.bmp"}, "no area"},
       {{"resize", "a.bmp", "-o", "x.bmp"}, "--width or --height"},
       {{"depth", "--bits", "7", "a.bmp", "-o", "x.bmp"}, "not one of 1|4|8|16|24|32"},
+      {{"redeye", "a.bmp"}, "--output or --to"},
+      {{"redeye", "--at", "1,2,3", "a.bmp", "-o", "x.bmp"}, "--at needs pairs"},
       {{"remap", "a.bmp", "-o", "x.bmp"}, "exactly one of"},
       {{"remap", "--table", "short.txt", "a.bmp", "-o", "x.bmp"}, "does not hold 256 numbers"},
       {{"remap", "--curve", "9,1,9,2", "a.bmp", "-o", "x.bmp"}, "old tones that rise"},
@@ -118,6 +120,8 @@ TEST_F(FilesTest, InPlaceWritesOverInputsAndThroughLinks) {
 }
 
 TEST_F(FilesTest, RefusalsSayWhatHelps) {
+  write("gray.bmp", BmpOf(pictures::Noise(12, 5, 8, 4)));
+  write("palette.bmp", BmpOf(pictures::NoiseInColor(12, 5, 8, 4)));
   const struct {
     Names words;
     const char* told;
@@ -125,6 +129,9 @@ TEST_F(FilesTest, RefusalsSayWhatHelps) {
       {{"contrast", "--change", "100", "page.bmp"}, "try orvo gray first"},
       {{"trim", "--rect", "0,0,13,5", "a.bmp"}, "the picture has 12 x 5 pixels"},
       {{"convert-rgb", "--converter", "none.dll", "a.bmp"}, "ORVO_ERR_NO_CONVERTER"},
+      {{"redeye", "page.bmp"}, "ORVO_ERR_BAD_DEPTH"},
+      {{"redeye", "gray.bmp"}, "8-bit gray, there is no red in it"},
+      {{"redeye", "--at", "2,2", "palette.bmp"}, "try orvo depth --bits 24 first"},
   };
   for (const auto& row : rows) {
     Names words = row.words;

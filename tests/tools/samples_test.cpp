@@ -9,6 +9,8 @@
 
 #include <orvo/raii.h>
 
+#include "support/pictures.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -31,6 +33,33 @@ std::string Bytes(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// Round the eyes of the portrait; flash has made their pupils red.
+constexpr RECT kEyes[] = {{450, 610, 515, 680}, {685, 610, 750, 680}};
+
+// Corrects red eyes and expects changes in both eyes and nowhere else.
+void ExpectRedEyes(COrvoInstance& toolkit, const fs::path& file) {
+  orvo::OwnedDib before;
+  orvo::OwnedDib after;
+  ASSERT_EQ(toolkit.LoadFile(file.c_str(), before.receive()), ORVO_OK);
+  int found = 0;
+  ASSERT_EQ(toolkit.AutoRedEye(before.get(), after.receive(before), &found), ORVO_OK);
+  const pictures::Locked old(before.get());
+  const pictures::Locked fresh(after.get());
+  const orvo::DibLayout layout = old.layout();
+  int changed[3] = {};  // pixels in either eye and elsewhere
+  for (int y = 0; y < layout.height; ++y) {
+    for (int x = 0; x < layout.width; ++x) {
+      const int row = layout.height - 1 - y;
+      if (std::memcmp(old.row(row) + 3 * x, fresh.row(row) + 3 * x, 3) == 0) continue;
+      const POINT point{x, y};
+      ++changed[PtInRect(&kEyes[0], point) != 0 ? 0 : PtInRect(&kEyes[1], point) != 0 ? 1 : 2];
+    }
+  }
+  EXPECT_GT(changed[0], 300);
+  EXPECT_GT(changed[1], 300);
+  EXPECT_EQ(changed[2], 0);
+}
+
 TEST(Samples, AreDrawnTheSameEveryTime) {
   const fs::path folder = fs::temp_directory_path() / ("orvo_samples_" + std::to_string(getpid()));
   for (const char* const time : {"first", "second"}) {
@@ -50,6 +79,7 @@ TEST(Samples, AreDrawnTheSameEveryTime) {
     EXPECT_EQ(info.yResolution, row.dotsPerInch);
     EXPECT_TRUE(Bytes(file) == Bytes(folder / "second" / row.name));
   }
+  ExpectRedEyes(*toolkit.get(), folder / "first" / "portrait.jpg");
   fs::remove_all(folder);
 }
 
