@@ -5,8 +5,8 @@
 #include <array>
 #include <cstdint>
 
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/file_image.h"
+#include "files/file_handle.h"
+#include "files/file_image.h"
 
 namespace provider {
 

@@ -2,8 +2,8 @@
 #ifndef PROVIDERS_LTFIL13N_JPEG_CODEC_H
 #define PROVIDERS_LTFIL13N_JPEG_CODEC_H
 
+#include "files/file_image.h"
 #include "ltfil13n/codec.h"
-#include "ltfil13n/file_image.h"
 
 namespace provider {
 

@@ -2,11 +2,11 @@
 #include <memory>
 
 #include "common/color_rows.h"
+#include "files/file_handle.h"
+#include "files/library_calls.h"
 #include "ltfil13n/codecs.h"
-#include "ltfil13n/file_handle.h"
 #include "ltfil13n/jpeg_codec.h"
 #include "ltfil13n/jpeg_session.h"
-#include "ltfil13n/library_calls.h"
 
 namespace provider {
 namespace {

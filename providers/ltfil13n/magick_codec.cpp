@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "files/file_handle.h"
+#include "files/file_image.h"
 #include "ltfil13n/codecs.h"
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/file_image.h"
 #include "ltfil13n/magick_kinds.h"
 #include "ltfil13n/magick_pixels.h"
 #include "ltfil13n/magick_session.h"

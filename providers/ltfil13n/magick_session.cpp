@@ -5,7 +5,7 @@
 #include <iterator>
 #include <string>
 
-#include "ltfil13n/library_calls.h"
+#include "files/library_calls.h"
 
 namespace provider {
 namespace {

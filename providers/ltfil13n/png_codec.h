@@ -6,8 +6,8 @@
 
 #include <csetjmp>
 
+#include "files/file_image.h"
 #include "ltfil13n/codec.h"
-#include "ltfil13n/file_image.h"
 
 namespace provider {
 

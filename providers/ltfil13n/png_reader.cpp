@@ -1,9 +1,9 @@
 #include <cstring>
 
 #include "common/status.h"
-#include "ltfil13n/exif.h"
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/library_calls.h"
+#include "files/exif.h"
+#include "files/file_handle.h"
+#include "files/library_calls.h"
 #include "ltfil13n/png_codec.h"
 
 namespace provider {

@@ -5,9 +5,9 @@
 
 #include "common/color_rows.h"
 #include "common/status.h"
+#include "files/file_handle.h"
+#include "files/library_calls.h"
 #include "ltfil13n/codecs.h"
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/library_calls.h"
 #include "ltfil13n/pixel_kinds.h"
 #include "ltfil13n/png_codec.h"
 

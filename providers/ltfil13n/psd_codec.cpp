@@ -6,8 +6,8 @@
 #include "common/color.h"
 #include "common/color_rows.h"
 #include "common/status.h"
+#include "files/file_handle.h"
 #include "ltfil13n/codecs.h"
-#include "ltfil13n/file_handle.h"
 #include "ltfil13n/index_rows.h"
 
 namespace provider {

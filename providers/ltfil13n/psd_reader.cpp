@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "common/status.h"
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/file_image.h"
+#include "files/file_handle.h"
+#include "files/file_image.h"
 #include "ltfil13n/psd_codec.h"
 
 namespace provider {

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "common/kernel_services.h"
-#include "ltfil13n/file_handle.h"
+#include "files/file_handle.h"
 #include "platform/paths.h"
 
 namespace provider {

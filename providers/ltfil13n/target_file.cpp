@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <random>
+#include <optional>
 
+#include "files/file_handle.h"
+#include "files/temporary_file.h"
 #include "ltfil13n/codec.h"
-#include "ltfil13n/file_handle.h"
 #include "ltfil13n/source_file.h"
 
 namespace provider {
@@ -13,17 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The temporary file, deleted unless it was moved over its target.
+// The file that is asked for, and the one that is to take its place.
 class TargetFile {
  public:
-  TargetFile() = default;
-  ~TargetFile() {
-    std::error_code ignored;
-    if (!temporary_.empty()) fs::remove(temporary_, ignored);
-  }
-  TargetFile(const TargetFile&) = delete;
-  TargetFile& operator=(const TargetFile&) = delete;
-
   // Makes the temporary file. Vendor code.
   int open(const std::string& path) {
     std::error_code error;
@@ -39,40 +32,24 @@ class TargetFile {
         return kVendorFileNotOpened;
       }
     }
-    return createTemporary() ? kVendorSuccess : kVendorFileNotOpened;
+    temporary_.emplace(target_);
+    return *temporary_ ? kVendorSuccess : kVendorFileNotOpened;
   }
 
-  [[nodiscard]] const fs::path& temporary() const { return temporary_; }
+  [[nodiscard]] const fs::path& temporary() const { return temporary_->path(); }
   [[nodiscard]] const fs::path& target() const { return target_; }
   [[nodiscard]] bool exists() const { return exists_; }
 
   // Moves the finished file over its target.
   int commit() {
     std::error_code error;
-    if (exists_) fs::permissions(temporary_, permissions_, error);
-    if (!error) fs::rename(temporary_, target_, error);
-    if (error) return kVendorWriteFailed;
-    temporary_.clear();
-    return kVendorSuccess;
+    if (exists_) fs::permissions(temporary(), permissions_, error);
+    return !error && temporary_->moveTo(target_) ? kVendorSuccess : kVendorWriteFailed;
   }
 
  private:
-  // Exclusively, so that a file of somebody else is never taken.
-  bool createTemporary() {
-    constexpr int kAttempts = 16;
-    std::random_device random;
-    for (int i = 0; i < kAttempts; ++i) {
-      const fs::path name =
-          fs::path(target_).replace_filename("orvo" + std::to_string(random()) + ".tmp");
-      if (!OpenFile(name.c_str(), "wbx")) continue;
-      temporary_ = name;
-      return true;
-    }
-    return false;
-  }
-
   fs::path target_;
-  fs::path temporary_;
+  std::optional<TemporaryFile> temporary_;
   bool exists_ = false;
   fs::perms permissions_{};
 };

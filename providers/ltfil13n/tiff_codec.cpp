@@ -1,9 +1,10 @@
 // TIFF: recognised and described here, its pages read and written in the files beside.
+#include "ltfil13n/tiff_codec.h"
+
 #include <array>
 
+#include "files/file_handle.h"
 #include "ltfil13n/codecs.h"
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/tiff_page.h"
 
 namespace provider {
 namespace {

@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "common/status.h"
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/tiff_page.h"
-#include "ltfil13n/tiff_rows.h"
+#include "files/file_handle.h"
+#include "files/tiff_rows.h"
+#include "ltfil13n/tiff_codec.h"
 
 namespace provider {
 namespace {

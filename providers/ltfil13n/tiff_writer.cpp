@@ -5,9 +5,9 @@
 #include "common/color.h"
 #include "common/color_rows.h"
 #include "common/status.h"
-#include "ltfil13n/file_handle.h"
+#include "files/file_handle.h"
 #include "ltfil13n/pixel_kinds.h"
-#include "ltfil13n/tiff_page.h"
+#include "ltfil13n/tiff_codec.h"
 
 namespace provider {
 namespace {

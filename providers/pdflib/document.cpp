@@ -5,7 +5,7 @@
 #include <qpdf/QPDFWriter.hh>
 #include <stdexcept>
 
-#include "ltfil13n/file_handle.h"
+#include "files/file_handle.h"
 #include "pdflib/image_object.h"
 #include "pdflib/page_content.h"
 #include "pdflib/picture_files.h"
@@ -124,7 +124,7 @@ void PdfDocument::close() {
   if (spoiled_ || pageCount_ == 0) return;
   provider::TemporaryFile whole(target_);
   write(whole.path());
-  whole.moveTo(target_);
+  if (!whole.moveTo(target_)) throw std::runtime_error("the target cannot be replaced");
   targetIsNew_ = false;
   spool_.reset();
 }

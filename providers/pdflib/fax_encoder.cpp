@@ -5,7 +5,7 @@
 #include <new>
 #include <vector>
 
-#include "ltfil13n/tiff_page.h"
+#include "files/tiff_page.h"
 #include "pdflib/picture_coding.h"
 
 namespace provider {

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "ltfil13n/file_handle.h"
+#include "files/file_handle.h"
 #include "pdflib/picture_files.h"
 
 namespace provider {

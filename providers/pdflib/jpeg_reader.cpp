@@ -13,10 +13,10 @@
 #include <jerror.h>
 // clang-format on
 
-#include "ltfil13n/exif.h"
-#include "ltfil13n/file_handle.h"
-#include "ltfil13n/file_image.h"
-#include "ltfil13n/library_calls.h"
+#include "files/exif.h"
+#include "files/file_handle.h"
+#include "files/file_image.h"
+#include "files/library_calls.h"
 #include "pdflib/picture_files.h"
 
 namespace provider {

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "ltfil13n/orientation.h"
+#include "files/orientation.h"
 
 namespace provider {
 

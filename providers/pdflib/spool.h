@@ -7,7 +7,7 @@
 #include <fstream>
 #include <qpdf/Pipeline.hh>
 
-#include "pdflib/temporary_file.h"
+#include "files/temporary_file.h"
 
 namespace provider {
 

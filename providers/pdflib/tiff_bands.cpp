@@ -4,7 +4,7 @@
 #include <array>
 #include <cstring>
 
-#include "ltfil13n/file_handle.h"
+#include "files/file_handle.h"
 #include "pdflib/picture.h"
 
 namespace provider {

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "ltfil13n/tiff_page.h"
-#include "ltfil13n/tiff_rows.h"
+#include "files/tiff_page.h"
+#include "files/tiff_rows.h"
 
 namespace provider {
 

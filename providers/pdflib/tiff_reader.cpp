@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "ltfil13n/file_handle.h"
+#include "files/file_handle.h"
 #include "pdflib/picture_files.h"
 #include "pdflib/tiff_bands.h"
 

@@ -1,12 +1,12 @@
 // An image as a file describes it, and its way into a file information or a bitmap.
-#ifndef PROVIDERS_LTFIL13N_FILE_IMAGE_H
-#define PROVIDERS_LTFIL13N_FILE_IMAGE_H
+#ifndef PROVIDERS_FILES_FILE_IMAGE_H
+#define PROVIDERS_FILES_FILE_IMAGE_H
 
 #include <cstdint>
 
 #include "bridge/vendor_contract.h"
 #include "common/dib_image.h"
-#include "ltfil13n/orientation.h"
+#include "files/orientation.h"
 
 namespace provider {
 
@@ -56,4 +56,4 @@ void WidenTwoBits(const std::uint8_t* values, int count, int factor, std::uint8_
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTFIL13N_FILE_IMAGE_H
+#endif  // PROVIDERS_FILES_FILE_IMAGE_H

@@ -1,12 +1,12 @@
 // Rows of TIFF samples on their way to pixels.
-#ifndef PROVIDERS_LTFIL13N_TIFF_ROWS_H
-#define PROVIDERS_LTFIL13N_TIFF_ROWS_H
+#ifndef PROVIDERS_FILES_TIFF_ROWS_H
+#define PROVIDERS_FILES_TIFF_ROWS_H
 
 #include <array>
 #include <cstdint>
 #include <vector>
 
-#include "ltfil13n/tiff_page.h"
+#include "files/tiff_page.h"
 
 namespace provider {
 
@@ -37,4 +37,4 @@ class TiffRows {
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTFIL13N_TIFF_ROWS_H
+#endif  // PROVIDERS_FILES_TIFF_ROWS_H

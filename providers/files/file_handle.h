@@ -1,6 +1,6 @@
 // Files as the codecs open them, and what a file of some size can hold.
-#ifndef PROVIDERS_LTFIL13N_FILE_HANDLE_H
-#define PROVIDERS_LTFIL13N_FILE_HANDLE_H
+#ifndef PROVIDERS_FILES_FILE_HANDLE_H
+#define PROVIDERS_FILES_FILE_HANDLE_H
 
 #include <cstdint>
 #include <cstdio>
@@ -43,4 +43,4 @@ inline bool IsPlausible(std::uint64_t imageBytes, std::uint64_t fileBytes,
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTFIL13N_FILE_HANDLE_H
+#endif  // PROVIDERS_FILES_FILE_HANDLE_H

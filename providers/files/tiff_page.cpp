@@ -1,4 +1,4 @@
-#include "ltfil13n/tiff_page.h"
+#include "files/tiff_page.h"
 
 #include <climits>
 

@@ -1,4 +1,4 @@
-#include "ltfil13n/tiff_rows.h"
+#include "files/tiff_rows.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,8 +3,8 @@
 // 1 upright, 2 mirrored left to right, 3 turned by 180 degrees, 4 mirrored top to bottom, 5
 // mirrored along the diagonal from the top left, 6 needs a quarter turn clockwise, 7 mirrored along
 // the other diagonal, 8 needs a quarter turn counter-clockwise.
-#ifndef PROVIDERS_LTFIL13N_ORIENTATION_H
-#define PROVIDERS_LTFIL13N_ORIENTATION_H
+#ifndef PROVIDERS_FILES_ORIENTATION_H
+#define PROVIDERS_FILES_ORIENTATION_H
 
 #include "common/dib_image.h"
 
@@ -25,4 +25,4 @@ OwnedBlock TurnedUpright(OwnedBlock block, int orientation);
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTFIL13N_ORIENTATION_H
+#endif  // PROVIDERS_FILES_ORIENTATION_H

@@ -1,6 +1,6 @@
-#include "ltfil13n/exif.h"
+#include "files/exif.h"
 
-#include "ltfil13n/file_image.h"
+#include "files/file_image.h"
 
 namespace provider {
 namespace {

@@ -1,14 +1,13 @@
 // A page of a TIFF file: what its tags say about the samples, and what image it becomes.
-#ifndef PROVIDERS_LTFIL13N_TIFF_PAGE_H
-#define PROVIDERS_LTFIL13N_TIFF_PAGE_H
+#ifndef PROVIDERS_FILES_TIFF_PAGE_H
+#define PROVIDERS_FILES_TIFF_PAGE_H
 
 #include <tiffio.h>
 
 #include <cstdint>
 #include <memory>
 
-#include "ltfil13n/codec.h"
-#include "ltfil13n/file_image.h"
+#include "files/file_image.h"
 
 namespace provider {
 
@@ -54,11 +53,6 @@ int FollowPages(TIFF* tiff, int most = kMostTiffPages);
 // Reads the tags of the directory at which the file stands. Vendor code.
 int ReadTiffPage(TIFF* tiff, TiffPage& page);
 
-// Decodes the page's rows into the image and fills its palette. Vendor code.
-int ReadTiffPixels(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, const Pixels& image);
-
-int SaveTiff(const SaveRequest& request, const LockedDib& image);
-
 }  // namespace provider
 
-#endif  // PROVIDERS_LTFIL13N_TIFF_PAGE_H
+#endif  // PROVIDERS_FILES_TIFF_PAGE_H

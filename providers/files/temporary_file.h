@@ -1,6 +1,6 @@
-// A file of the module's own beside the one that it is to become.
-#ifndef PROVIDERS_PDFLIB_TEMPORARY_FILE_H
-#define PROVIDERS_PDFLIB_TEMPORARY_FILE_H
+// A file of a module's own beside the one that it is to become.
+#ifndef PROVIDERS_FILES_TEMPORARY_FILE_H
+#define PROVIDERS_FILES_TEMPORARY_FILE_H
 
 #include <filesystem>
 
@@ -9,15 +9,16 @@ namespace provider {
 // Deleted at the end of its life, unless it was moved.
 class TemporaryFile {
  public:
-  // Makes an empty file in the folder of `neighbour`. Throws when it cannot.
+  // Makes an empty file in the folder of `neighbour`; false when it could not.
   explicit TemporaryFile(const std::filesystem::path& neighbour);
   ~TemporaryFile();
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
+  explicit operator bool() const { return !path_.empty(); }
   [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-  // Takes the target's place in one step. Throws when that fails.
-  void moveTo(const std::filesystem::path& target);
+  // Takes the target's place in one step. False when that fails.
+  [[nodiscard]] bool moveTo(const std::filesystem::path& target);
 
  private:
   std::filesystem::path path_;
@@ -25,4 +26,4 @@ class TemporaryFile {
 
 }  // namespace provider
 
-#endif  // PROVIDERS_PDFLIB_TEMPORARY_FILE_H
+#endif  // PROVIDERS_FILES_TEMPORARY_FILE_H

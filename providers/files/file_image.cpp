@@ -1,4 +1,4 @@
-#include "ltfil13n/file_image.h"
+#include "files/file_image.h"
 
 #include <algorithm>
 #include <climits>

@@ -1,11 +1,11 @@
 // The few camera tags that matter for showing a picture rightly.
-#ifndef PROVIDERS_LTFIL13N_EXIF_H
-#define PROVIDERS_LTFIL13N_EXIF_H
+#ifndef PROVIDERS_FILES_EXIF_H
+#define PROVIDERS_FILES_EXIF_H
 
 #include <cstdint>
 #include <span>
 
-#include "ltfil13n/orientation.h"
+#include "files/orientation.h"
 
 namespace provider {
 
@@ -21,4 +21,4 @@ Exif ReadExif(std::span<const std::uint8_t> block);
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTFIL13N_EXIF_H
+#endif  // PROVIDERS_FILES_EXIF_H

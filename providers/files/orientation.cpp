@@ -1,4 +1,4 @@
-#include "ltfil13n/orientation.h"
+#include "files/orientation.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 // Calls into the C codec libraries that leave by longjmp when they meet an error.
-#ifndef PROVIDERS_LTFIL13N_LIBRARY_CALLS_H
-#define PROVIDERS_LTFIL13N_LIBRARY_CALLS_H
+#ifndef PROVIDERS_FILES_LIBRARY_CALLS_H
+#define PROVIDERS_FILES_LIBRARY_CALLS_H
 
 #include <csetjmp>
 
@@ -18,4 +18,4 @@ template <class Calls>
 
 }  // namespace provider
 
-#endif  // PROVIDERS_LTFIL13N_LIBRARY_CALLS_H
+#endif  // PROVIDERS_FILES_LIBRARY_CALLS_H

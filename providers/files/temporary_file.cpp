@@ -1,9 +1,8 @@
-#include "pdflib/temporary_file.h"
+#include "files/temporary_file.h"
 
 #include <random>
-#include <stdexcept>
 
-#include "ltfil13n/file_handle.h"
+#include "files/file_handle.h"
 
 namespace provider {
 
@@ -18,7 +17,6 @@ TemporaryFile::TemporaryFile(const std::filesystem::path& neighbour) {
     path_ = std::move(name);
     return;
   }
-  throw std::runtime_error("no temporary file can be made");
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -26,9 +24,11 @@ TemporaryFile::~TemporaryFile() {
   if (!path_.empty()) std::filesystem::remove(path_, ignored);
 }
 
-void TemporaryFile::moveTo(const std::filesystem::path& target) {
-  std::filesystem::rename(path_, target);
-  path_.clear();
+bool TemporaryFile::moveTo(const std::filesystem::path& target) {
+  std::error_code error;
+  std::filesystem::rename(path_, target, error);
+  if (!error) path_.clear();
+  return !error;
 }
 
 }  // namespace provider
