@@ -125,16 +125,16 @@ bool EyeFinder::hasDetail(const FilledRegion& blob, std::int32_t radius) const {
   return spread(planes_.y) >= 20 && spread(planes_.cb) >= 2 && spread(planes_.cr) >= 5;
 }
 
-// The white of an eye, to the left and to the right of the pupil.
+// The white of an eye, to the left and to the right of the pupil; the mask's edge holds none.
 bool EyeFinder::hasWhite(const FilledRegion& blob, std::int32_t radius) const {
   std::int32_t white = 0;
   const auto countColumns = [&](std::int32_t row, std::int32_t first, std::int32_t end) {
-    for (std::int32_t column = std::max(first, 1); column < std::min(end, width_); ++column) {
+    for (std::int32_t column = std::max(first, 1); column < std::min(end, width_ - 1); ++column) {
       white += white_[red_.at(column, row)];
     }
   };
   for (std::int32_t row = std::max(blob.y - radius, 1);
-       row <= std::min(blob.y + radius, height_ - 1); ++row) {
+       row <= std::min(blob.y + radius, height_ - 2); ++row) {
     countColumns(row, blob.x - 4 * radius, blob.x - radius);
     countColumns(row, blob.x + radius, blob.x + 4 * radius);
   }

@@ -9,8 +9,9 @@ struct EyeMasks {
   // Room for regions of up to this many pixels; false when there is none.
   [[nodiscard]] bool allocate(std::size_t pixels) noexcept;
 
-  RegionMask red;                // foreground: red-eye colour
-  ImgArray<std::uint8_t> white;  // bright neutrals, laid out as the red mask; its edge is not used
+  RegionMask red;  // foreground: red-eye colour
+  ImgArray<std::uint8_t>
+      white;  // bright neutrals, laid out as the red mask; its edge is not written
 };
 
 // Looks in the rectangle of a skin region for blobs of red-eye colour that have the size, shape,
