@@ -7,58 +7,51 @@
 
 namespace {
 
-// Combines each interior pixel of `from` with its neighbours, of the cross or of the square. Erase
-// asks that all are set, Grow that one is.
-enum class Step { Erase, Grow };
-enum class Shape { Cross, Square };
+// Combines each interior pixel of a row with its neighbours, of the cross or of the square. kErase
+// asks that all are set, kGrow that one is.
+enum class Step { kErase, kGrow };
+enum class Shape { kCross, kSquare };
 
 template <Step step>
 ORVO_ALWAYS_INLINE std::uint8_t Both(std::uint8_t a, std::uint8_t b) {
-  return step == Step::Erase ? a & b : a | b;
+  return step == Step::kErase ? a & b : a | b;
 }
 
 template <Step step, Shape shape>
-ORVO_ALWAYS_INLINE void CombineRow(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
+ORVO_ALWAYS_INLINE void Combine(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
   const std::uint8_t* const above = from - width;
   const std::uint8_t* const below = from + width;
   const auto column = [&](std::size_t x) {
     return Both<step>(from[x], Both<step>(above[x], below[x]));
   };
-  const auto side = [&](std::size_t x) { return shape == Shape::Square ? column(x) : from[x]; };
+  const auto side = [&](std::size_t x) { return shape == Shape::kSquare ? column(x) : from[x]; };
   for (std::size_t x = 1; x + 1 < width; ++x) {
     to[x] = Both<step>(column(x), Both<step>(side(x - 1), side(x + 1)));
   }
 }
 
 ORVO_VECTOR_CLONES
-void EraseCross(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
-  CombineRow<Step::Erase, Shape::Cross>(from, width, to);
-}
-ORVO_VECTOR_CLONES
-void GrowCross(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
-  CombineRow<Step::Grow, Shape::Cross>(from, width, to);
-}
-ORVO_VECTOR_CLONES
-void EraseSquare(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
-  CombineRow<Step::Erase, Shape::Square>(from, width, to);
-}
-ORVO_VECTOR_CLONES
-void GrowSquare(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
-  CombineRow<Step::Grow, Shape::Square>(from, width, to);
+void CombineRow(Step step, Shape shape, const std::uint8_t* from, std::size_t width,
+                std::uint8_t* to) {
+  if (shape == Shape::kCross) {
+    step == Step::kErase ? Combine<Step::kErase, Shape::kCross>(from, width, to)
+                         : Combine<Step::kGrow, Shape::kCross>(from, width, to);
+  } else {
+    step == Step::kErase ? Combine<Step::kErase, Shape::kSquare>(from, width, to)
+                         : Combine<Step::kGrow, Shape::kSquare>(from, width, to);
+  }
 }
 
-using RowStep = void (*)(const std::uint8_t* from, std::size_t width, std::uint8_t* to);
-
-void Open(RegionMask& mask, RowStep erase, RowStep grow) {
+void Open(RegionMask& mask, Shape shape) {
   if (mask.width < 3 || mask.height < 3) return;
   const auto width = static_cast<std::size_t>(mask.width);
-  const auto throughRows = [&](RowStep step, const std::uint8_t* from, std::uint8_t* to) {
+  const auto throughRows = [&](Step step, const std::uint8_t* from, std::uint8_t* to) {
     for (std::int32_t y = 1; y + 1 < mask.height; ++y) {
-      step(from + mask.at(0, y), width, to + mask.at(0, y));
+      CombineRow(step, shape, from + mask.at(0, y), width, to + mask.at(0, y));
     }
   };
-  throughRows(erase, mask.foreground.get(), mask.visited.get());
-  throughRows(grow, mask.visited.get(), mask.foreground.get());
+  throughRows(Step::kErase, mask.foreground.get(), mask.visited.get());
+  throughRows(Step::kGrow, mask.visited.get(), mask.foreground.get());
   ImgFill(mask.visited.get(), 0, mask.pixelCount());
 }
 
@@ -80,11 +73,11 @@ void RegionMask::start(std::int32_t maskWidth, std::int32_t maskHeight) noexcept
 }
 
 void ImgOpenMask(RegionMask& mask) noexcept {
-  Open(mask, EraseCross, GrowCross);
+  Open(mask, Shape::kCross);
 }
 
 void OpenMaskBySquares(RegionMask& mask) noexcept {
-  Open(mask, EraseSquare, GrowSquare);
+  Open(mask, Shape::kSquare);
 }
 
 FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& mask) noexcept {
