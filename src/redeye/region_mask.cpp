@@ -82,27 +82,31 @@ void OpenMaskBySquares(RegionMask& mask) noexcept {
 
 FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& mask) noexcept {
   const auto width = static_cast<std::uint32_t>(mask.width);
+  const std::uint32_t neighbors[] = {0U - width - 1, 0U - width, 0U - width + 1, 0U - 1, 1,
+                                     width - 1,      width,      width + 1};
+  const bool hasInterior = mask.width > 2 && mask.height > 2;
+  const std::uint8_t* const foreground = mask.foreground.get();
+  std::uint8_t* const visited = mask.visited.get();
+  std::uint32_t* const queue = mask.queue.get();
   Box box{seedX, seedY, seedX, seedY};
   std::int64_t sumX = 0;
   std::int64_t sumY = 0;
   std::size_t taken = 0;
-  mask.visited[mask.at(seedX, seedY)] = 1;
-  mask.queue[taken++] = static_cast<std::uint32_t>(mask.at(seedX, seedY));
+  queue[taken++] = static_cast<std::uint32_t>(mask.at(seedX, seedY));
+  visited[queue[0]] = 1;
   for (std::size_t next = 0; next < taken; ++next) {
-    const auto x = static_cast<std::int32_t>(mask.queue[next] % width);
-    const auto y = static_cast<std::int32_t>(mask.queue[next] / width);
+    const auto x = static_cast<std::int32_t>(queue[next] % width);
+    const auto y = static_cast<std::int32_t>(queue[next] / width);
     sumX += x;
     sumY += y;
     box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x),
            std::max(box.bottom, y)};
-    // The limits matter to a seed on the edge alone.
-    for (std::int32_t row = std::max(y - 1, 0); row <= std::min(y + 1, mask.height - 1); ++row) {
-      for (std::int32_t col = std::max(x - 1, 0); col <= std::min(x + 1, mask.width - 1); ++col) {
-        const std::size_t neighbor = mask.at(col, row);
-        if (mask.foreground[neighbor] == 0 || mask.visited[neighbor] != 0) continue;
-        mask.visited[neighbor] = 1;
-        mask.queue[taken++] = static_cast<std::uint32_t>(neighbor);
-      }
+    if (!hasInterior) break;
+    for (const std::uint32_t offset : neighbors) {
+      const std::uint32_t neighbor = queue[next] + offset;
+      if (foreground[neighbor] == 0 || visited[neighbor] != 0) continue;
+      visited[neighbor] = 1;
+      queue[taken++] = neighbor;
     }
   }
   const auto area = static_cast<std::int64_t>(taken);
@@ -110,7 +114,7 @@ FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& m
           .box = box,
           .x = static_cast<std::int32_t>(sumX / area),
           .y = static_cast<std::int32_t>(sumY / area),
-          .members = {mask.queue.get() + 1, taken - 1}};
+          .members = {queue + 1, taken - 1}};
 }
 
 std::uint32_t RadiusOfArea(std::int64_t area) noexcept {

@@ -55,7 +55,8 @@ void ImgOpenMask(RegionMask& mask) noexcept;
 void OpenMaskBySquares(RegionMask& mask) noexcept;
 
 // Marks the seed as visited and takes the unvisited foreground that hangs together with it, sides
-// and corners alike. The seed counts as one pixel, foreground or not.
+// and corners alike. The seed counts as one pixel, foreground or not. It is an interior pixel,
+// unless the mask has none.
 FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& mask) noexcept;
 
 // Radius of the disk of this area, rounded.
