@@ -37,6 +37,7 @@ void Canvas::set(int x, int y, Color color) {
 orvo::OwnedDib Canvas::toDib(int dotsPerInch, bool gray) const {
   orvo::OwnedDib dib = NewDib(width_, height_, gray ? 8 : 24, dotsPerInch);
   auto* const block = static_cast<std::uint8_t*>(GlobalLock(dib.get()));
+  if (block == nullptr) return {};
   const auto layout = orvo::DibLayoutOf(block, GlobalSize(dib.get()));
   for (int tone = 0; gray && tone < 256; ++tone) {
     std::memset(block + orvo::kDibHeaderBytes + 4 * tone, tone, 3);
