@@ -42,7 +42,8 @@ orvo::OwnedDib Block(const Recipe& recipe, const std::uint8_t* bytes, std::size_
     header.biHeight = layout->height;
     header.biPlanes = 1;
     header.biBitCount = static_cast<std::uint16_t>(depth);
-    header.biXPelsPerMeter = header.biYPelsPerMeter = 16 * recipe.third;
+    // Not so few that a changed resolution asks for gigabytes.
+    header.biXPelsPerMeter = header.biYPelsPerMeter = 1000 + 16 * recipe.third;
     std::memcpy(target, &header, sizeof header);
   }
   GlobalUnlock(block.get());
