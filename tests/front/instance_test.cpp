@@ -1,29 +1,11 @@
-// The instance's life, without any module beside it.
+// What an instance does without any module beside it.
 #include <gtest/gtest.h>
 
 #include <orvo/raii.h>
 
-#include "platform/fault_injection.h"
 #include "support/pictures.h"
 
 namespace {
-
-TEST(Instance, EndsWithoutALeak) {
-  const std::size_t blocks = PlatformLiveBlocks();
-  DestroyORVOInstance(CreateORVOInstance());
-  DestroyORVOInstance(nullptr);
-  EXPECT_EQ(PlatformLiveBlocks(), blocks);
-}
-
-TEST(Instance, EachFailingAllocationGivesNullAndLeaksNothing) {
-  const std::size_t blocks = PlatformLiveBlocks();
-  for (int n = 1; n <= 3; ++n) {
-    PlatformFailAllocation(n);
-    EXPECT_EQ(CreateORVOInstance(), nullptr) << n;
-    PlatformFailAllocation(0);
-    EXPECT_EQ(PlatformLiveBlocks(), blocks) << n;
-  }
-}
 
 TEST(Instance, OwnWorkNeedsNoModule) {
   const orvo::OwnedInstance toolkit;
