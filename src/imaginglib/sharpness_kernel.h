@@ -1,0 +1,35 @@
+// The 5x5 kernel of sharpness. It has only three different weights: `outer` in the ring of sixteen,
+// `near` beside, above and below the centre, 1 in the centre; the four diagonal neighbours weigh
+// nothing. So a pixel of the result is a sum of 21 products. The sum runs row by row from the top
+// left in double precision; that order is part of the result.
+#ifndef ORVO_IMAGINGLIB_SHARPNESS_KERNEL_H
+#define ORVO_IMAGINGLIB_SHARPNESS_KERNEL_H
+
+#include <algorithm>
+#include <cstdint>
+
+#include "imaginglib/vector_clones.h"
+
+constexpr std::uint32_t kKernelBorder = 2;
+constexpr std::uint32_t kKernelRows = 5;
+
+struct KernelWeights {
+  double outer;
+  double near;
+};
+
+// outer(row, column) and near(row, column) give the products of the window's values.
+template <class Outer, class Near>
+ORVO_ALWAYS_INLINE double KernelSum(const Outer& outer, const Near& near, double centre) {
+  return outer(0, 0) + outer(0, 1) + outer(0, 2) + outer(0, 3) + outer(0, 4) + outer(1, 0) +
+         near(1, 2) + outer(1, 4) + outer(2, 0) + near(2, 1) + centre + near(2, 3) + outer(2, 4) +
+         outer(3, 0) + near(3, 2) + outer(3, 4) + outer(4, 0) + outer(4, 1) + outer(4, 2) +
+         outer(4, 3) + outer(4, 4);
+}
+
+// A tone is limited first and truncated after.
+inline int ToneOfSum(double sum) {
+  return static_cast<int>(std::min(std::max(sum, 0.0), 255.0));
+}
+
+#endif  // ORVO_IMAGINGLIB_SHARPNESS_KERNEL_H
