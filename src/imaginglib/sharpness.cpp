@@ -1,13 +1,12 @@
 // Sharpness: a 5x5 convolution on tones, or on the luma of colour images, whose chroma stays.
-// Each row of values is multiplied once by each weight of the kernel.
 #include "imaginglib/sharpness.h"
 
 #include <algorithm>
 
 #include "imaginglib/luma.h"
 #include "imaginglib/results.h"
-#include "imaginglib/sharpness_in_place.h"
 #include "imaginglib/sharpness_kernel.h"
+#include "imaginglib/sharpness_tones.h"
 #include "imaginglib/utilities.h"
 #include "imaginglib/vector_clones.h"
 #include "imaginglib/working_image.h"
@@ -28,25 +27,23 @@ KernelWeights WeightsFor(std::uint32_t width, std::uint32_t height, std::uint8_t
   return {(-strength * factor) * 0.01, (factor * strength) * 0.04};
 }
 
-// One row of values with its products.
-struct ProductRow {
-  double* value;
-  double* outer;
-  double* near;
-};
-
-// The rows round the one in work, taken in turns. All of them are read from the source before the
+// Rows of luma with their products, taken in turns. All of them are read from the source before the
 // row in their middle is written, which is what lets source and target be one buffer.
-class ProductRing {
+class LumaRing {
  public:
+  struct Row {
+    double* value;
+    double* outer;
+  };
+
   [[nodiscard]] bool allocate(std::size_t width) {
     width_ = width;
-    memory_ = ImgAllocArray<double>(width * 3 * kKernelRows);
+    memory_ = ImgAllocArray<double>(width * 2 * kKernelRows);
     return memory_ != nullptr;
   }
-  [[nodiscard]] ProductRow row(std::uint32_t y) const {
-    double* const first = memory_.get() + width_ * 3 * (y % kKernelRows);
-    return {first, first + width_, first + width_ * 2};
+  [[nodiscard]] Row row(std::uint32_t y) const {
+    double* const first = memory_.get() + width_ * 2 * (y % kKernelRows);
+    return {first, first + width_};
   }
 
  private:
@@ -55,19 +52,8 @@ class ProductRing {
 };
 
 ORVO_VECTOR_CLONES
-void FillFromTones(const std::uint8_t* tones, std::size_t width, KernelWeights weights,
-                   ProductRow row) {
-  for (std::size_t x = 0; x < width; ++x) {
-    const double value = tones[x];
-    row.value[x] = value;
-    row.outer[x] = weights.outer * value;
-    row.near[x] = weights.near * value;
-  }
-}
-
-ORVO_VECTOR_CLONES
-void FillFromLuma(const std::uint8_t* pixels, std::size_t width, KernelWeights weights,
-                  ProductRow row) {
+void FillRow(const std::uint8_t* pixels, std::size_t width, KernelWeights weights,
+             LumaRing::Row row) {
   for (std::size_t x = 0; x < width; ++x) {
     const double blue = pixels[3 * x];
     const double green = pixels[3 * x + 1];
@@ -75,57 +61,43 @@ void FillFromLuma(const std::uint8_t* pixels, std::size_t width, KernelWeights w
     const double value = LumaOf(red, green, blue);
     row.value[x] = value;
     row.outer[x] = weights.outer * value;
-    row.near[x] = weights.near * value;
   }
 }
 
-// Filtered values of columns 2 to width - 3; sums[i] belongs to column i + 2.
+// Filtered luma of columns 2 to width - 3; sums[i] belongs to column i + 2.
 ORVO_VECTOR_CLONES
-void SumRow(const ProductRing& ring, std::uint32_t y, std::size_t count, double* __restrict sums) {
-  const double* outer[kKernelRows];
-  for (std::uint32_t row = 0; row < kKernelRows; ++row)
-    outer[row] = ring.row(y - kBorder + row).outer;
-  const double* const near[] = {nullptr, ring.row(y - 1).near, ring.row(y).near,
-                                ring.row(y + 1).near};
-  const double* const centre = ring.row(y).value + kBorder;
+void SumRow(const LumaRing& ring, std::uint32_t y, std::size_t count, KernelWeights weights,
+            double* __restrict sums) {
+  const double* values[kKernelRows];
+  const double* outers[kKernelRows];
+  for (std::uint32_t i = 0; i < kKernelRows; ++i) {
+    values[i] = ring.row(y - kBorder + i).value;
+    outers[i] = ring.row(y - kBorder + i).outer;
+  }
   for (std::size_t i = 0; i < count; ++i) {
-    sums[i] = KernelSum([&](std::size_t row, std::size_t column) { return outer[row][i + column]; },
-                        [&](std::size_t row, std::size_t column) { return near[row][i + column]; },
-                        centre[i]);
+    sums[i] = KernelSum(
+        [&](std::size_t row, std::size_t column) { return outers[row][i + column]; },
+        [&](std::size_t row, std::size_t column) { return weights.near * values[row][i + column]; },
+        values[kBorder][i + kBorder]);
   }
 }
 
-ORVO_VECTOR_CLONES
-void StoreTones(const double* sums, std::size_t count, std::uint8_t* tones) {
-  for (std::size_t i = 0; i < count; ++i) {
-    tones[i] = static_cast<std::uint8_t>(ToneOfSum(sums[i]));
-  }
-}
-
-// Filters all rows through a ring; the source's rows are never read after they were written.
-int FilterRows(const std::uint8_t* source, std::uint8_t* target, std::uint32_t width,
-               std::uint32_t height, std::uint8_t depth, KernelWeights weights) {
-  ProductRing ring;
+int SharpenColors(const std::uint8_t* source, std::uint8_t* target, std::uint32_t width,
+                  std::uint32_t height, KernelWeights weights) {
+  LumaRing ring;
   const std::size_t count = width - 2 * kBorder;
   const auto sums = ImgAllocArray<double>(count);
   if (!ring.allocate(width) || sums == nullptr) return kImgNoMemory;
-  const std::size_t stride = WorkingStride(width, depth);
-  const std::size_t skip = kBorder * (depth / 8U);
+  const std::size_t stride = WorkingStride(width, kColorDepth);
   const auto fill = [&](std::uint32_t y) {
-    const std::uint8_t* const row = source + stride * y;
-    depth == kGrayDepth ? FillFromTones(row, width, weights, ring.row(y))
-                        : FillFromLuma(row, width, weights, ring.row(y));
+    FillRow(source + stride * y, width, weights, ring.row(y));
   };
   for (std::uint32_t y = 0; y < kKernelRows - 1; ++y) fill(y);
   for (std::uint32_t y = kBorder; y < height - kBorder; ++y) {
     fill(y + kBorder);
-    SumRow(ring, y, count, sums.get());
-    const std::size_t first = stride * y + skip;
-    if (depth == kGrayDepth) {
-      StoreTones(sums.get(), count, target + first);
-    } else {
-      StoreColors(sums.get(), count, source + first, target + first);
-    }
+    SumRow(ring, y, count, weights, sums.get());
+    const std::size_t first = stride * y + 3 * kBorder;
+    StoreColors(sums.get(), count, source + first, target + first);
   }
   return kImgDone;
 }
@@ -138,9 +110,11 @@ int ImgSharpnessAdjust(const std::uint8_t* source, std::uint8_t* target, std::ui
   ImgCopy(target, source, WorkingStride(width, depth) * height);
   if (width < kKernelRows || height < kKernelRows) return kImgDone;
   const KernelWeights weights = WeightsFor(width, height, level);
-  if (depth == kGrayDepth && source == target) {
+  if (depth == kColorDepth) return SharpenColors(source, target, width, height, weights);
+  if (source == target) {
     SharpenTonesInPlace(target, width, height, weights);
-    return kImgDone;
+  } else {
+    SharpenTones(source, target, width, height, weights);
   }
-  return FilterRows(source, target, width, height, depth, weights);
+  return kImgDone;
 }

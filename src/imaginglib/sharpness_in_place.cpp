@@ -3,10 +3,9 @@
 // to find that row's part of its neighbourhood written, and its own part of the rows below not.
 // Sixteen rows make the lanes of a vector; a window of them, skewed so that what is worked on at
 // one time lies side by side, moves along the band.
-#include "imaginglib/sharpness_in_place.h"
-
 #include <algorithm>
 
+#include "imaginglib/sharpness_tones.h"
 #include "imaginglib/working_image.h"
 
 namespace {
@@ -15,6 +14,7 @@ constexpr int kBorder = kKernelBorder;
 constexpr int kLanes = 16;
 constexpr int kRows = kLanes + 2 * kBorder;  // those of the band and round it
 constexpr int kSlice = 24;                   // of all rows at one time, a multiple of 8 values
+static_assert(kRows <= kSlice);
 // Three would do; with four no sum needs what the step before has written above.
 constexpr int kLag = 4;
 

@@ -21,15 +21,17 @@ struct KernelWeights {
 // outer(row, column) and near(row, column) give the products of the window's values.
 template <class Outer, class Near>
 ORVO_ALWAYS_INLINE double KernelSum(const Outer& outer, const Near& near, double centre) {
-  return outer(0, 0) + outer(0, 1) + outer(0, 2) + outer(0, 3) + outer(0, 4) + outer(1, 0) +
-         near(1, 2) + outer(1, 4) + outer(2, 0) + near(2, 1) + centre + near(2, 3) + outer(2, 4) +
-         outer(3, 0) + near(3, 2) + outer(3, 4) + outer(4, 0) + outer(4, 1) + outer(4, 2) +
-         outer(4, 3) + outer(4, 4);
+  return outer(0, 0) + outer(0, 1) + outer(0, 2) + outer(0, 3) + outer(0, 4) +  //
+         outer(1, 0) + near(1, 2) + outer(1, 4) +                               //
+         outer(2, 0) + near(2, 1) + centre + near(2, 3) + outer(2, 4) +         //
+         outer(3, 0) + near(3, 2) + outer(3, 4) +                               //
+         outer(4, 0) + outer(4, 1) + outer(4, 2) + outer(4, 3) + outer(4, 4);
 }
 
-// A tone is limited first and truncated after.
+// Limited to tones and truncated. The sums lie far inside the range of int, so it is all the same
+// which of the two comes first; limits of integers are what compilers make vectors of.
 inline int ToneOfSum(double sum) {
-  return static_cast<int>(std::min(std::max(sum, 0.0), 255.0));
+  return std::clamp(static_cast<int>(sum), 0, 255);
 }
 
 #endif  // ORVO_IMAGINGLIB_SHARPNESS_KERNEL_H

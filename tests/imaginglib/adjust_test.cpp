@@ -73,13 +73,13 @@ TEST_P(Adjust, SmallImagesOfEveryWidth) {
   }
 }
 
-// Where sizes matter: the steps of sharpness at 512 and its like, the tiles and windows of
-// exposure.
+// Where sizes matter: the steps of sharpness at 512 and its like, its strips of 256 columns and
+// bands of 16 rows, the tiles and windows of exposure.
 TEST_P(Adjust, SizesWhereRulesChange) {
-  const std::uint32_t sides[][2] = {{127, 130}, {128, 128}, {129, 143}, {136, 128}, {144, 145},
-                                    {200, 183}, {201, 184}, {255, 137}, {256, 129}, {263, 150},
-                                    {511, 7},   {512, 7},   {7, 1023},  {1024, 7},  {1535, 7},
-                                    {1536, 7},  {331, 131}};
+  const std::uint32_t sides[][2] = {
+      {127, 130}, {128, 128}, {129, 143}, {136, 128}, {144, 145}, {200, 183}, {201, 184},
+      {255, 137}, {256, 129}, {263, 150}, {511, 7},   {512, 7},   {7, 1023},  {1024, 7},
+      {1535, 7},  {1536, 7},  {331, 131}, {259, 20},  {260, 36},  {261, 21},  {516, 19}};
   unsigned seed = 100;
   for (const auto& side : sides) {
     for (const int depth : {8, 24}) {
