@@ -42,15 +42,21 @@ int CutAt(const Counts& counts, int first, int step, std::uint32_t target) {
   return cut;
 }
 
-ToneMap StretchFor(const Counts& counts, std::uint32_t target) {
+template <class Tone>
+ToneMap<Tone> StretchFor(const Counts& counts, std::uint32_t target) {
   const int low = CutAt(counts, 0, 1, target);
   const int high = CutAt(counts, kToneCount - 1, -1, target);
   const int range = 255 - high - low;
-  ToneMap map;
+  ToneMap<Tone> map;
   for (int tone = 0; tone < kToneCount; ++tone) {
-    map.set(tone, ((tone - low) * 255.0) / range);
+    SetMapped(((tone - low) * 255.0) / range, map.of[tone]);
   }
   return map;
+}
+
+template <class Tone>
+void Apply(const ToneMap<Tone>& map, const std::uint8_t* tones, std::uint32_t width, Tone* mapped) {
+  for (std::uint32_t x = 0; x < width; ++x) mapped[x] = map.of[tones[x]];
 }
 
 }  // namespace
@@ -65,15 +71,17 @@ int ImgHistogramAdjust(const std::uint8_t* source, std::uint8_t* target, std::ui
   const auto luma = ImgAllocArray<double>(width);
   if (luma == nullptr) return kImgNoMemory;
   const std::uint32_t clipped = ((width / 10) * (height / 10) * level) / 2;
-  const ToneMap map = StretchFor(CountTones(tones, width, height), clipped);
-  for (std::uint32_t y = 0; y < height; ++y) {
-    const std::uint8_t* const row = tones.row(y);
-    std::uint8_t* const out = target + stride * y;
-    if (depth == kGrayDepth) {
-      for (std::uint32_t x = 0; x < width; ++x) out[x] = map.truncated[row[x]];
-    } else {
-      for (std::uint32_t x = 0; x < width; ++x) luma[x] = map.value[row[x]];
-      StoreColors(luma.get(), width, source + stride * y, out);
+  const Counts counts = CountTones(tones, width, height);
+  if (depth == kGrayDepth) {
+    const auto map = StretchFor<std::uint8_t>(counts, clipped);
+    for (std::uint32_t y = 0; y < height; ++y) {
+      Apply(map, tones.row(y), width, target + stride * y);
+    }
+  } else {
+    const auto map = StretchFor<double>(counts, clipped);
+    for (std::uint32_t y = 0; y < height; ++y) {
+      Apply(map, tones.row(y), width, luma.get());
+      StoreColors(luma.get(), width, source + stride * y, target + stride * y);
     }
   }
   return kImgDone;

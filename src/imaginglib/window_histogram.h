@@ -1,9 +1,8 @@
 // The tone histogram of a window of 128x128 pixels that moves over an image in steps of 16.
 //
-// It is kept as one histogram for each group of 16 columns over the window's rows. Moving right
-// adds one group and drops one; moving to the next row of tiles adds 16 rows to each group and
-// drops 16, so that a pixel is counted twice in all and not once for each of the eight rows of
-// tiles that see it.
+// Each pixel is counted once, in a block of 8x8 pixels. Groups of 16 columns over the rows of the
+// window are sums of blocks: moving down by 16 rows drops two rows of blocks and adds two. The
+// window is a sum of groups: moving right adds one and drops one.
 #ifndef ORVO_IMAGINGLIB_WINDOW_HISTOGRAM_H
 #define ORVO_IMAGINGLIB_WINDOW_HISTOGRAM_H
 
@@ -16,85 +15,68 @@ constexpr std::uint32_t kTileSide = 16;
 
 class WindowHistogram {
  public:
-  // Counts of up to 128x128 pixels fit into 16 bits.
+  // Counts of up to 128x128 pixels fit into 16 bits, those of a block into 8.
   using Count = std::uint16_t;
+  using BlockCount = std::uint8_t;
 
+  // The tones are read when rows are counted.
   WindowHistogram(const Tones& tones, std::uint32_t width, std::uint32_t height)
-      : tones_(tones), width_(width), height_(height) {}
+      : tones_(tones),
+        width_(width),
+        height_(height),
+        groupCount_((width + kTileSide - 1) / kTileSide),
+        bandBlocks_(2 * groupCount_ + 1) {}
 
-  [[nodiscard]] bool allocate() {
-    groups_ = ImgAllocArray<Count>(std::size_t{groupCount()} * kToneCount);
-    return groups_ != nullptr;
-  }
+  [[nodiscard]] bool allocate();
 
-  // Counts the rows of the first row of tiles, or of any when the tones of rows that were counted
-  // have changed since.
-  void countRows(std::uint32_t top) {
-    std::fill_n(groups_.get(), std::size_t{groupCount()} * kToneCount, Count{0});
-    for (std::uint32_t y = top; y < bottomOf(top); ++y) addRow(y, 1);
-  }
-  // Moves from the row of tiles above to the one at `top`.
-  void moveDown(std::uint32_t top) {
-    for (std::uint32_t y = top - kTileSide; y < top; ++y) addRow(y, Count(-1));
-    for (std::uint32_t y = bottomOf(top - kTileSide); y < bottomOf(top); ++y) addRow(y, 1);
-  }
+  // Counts the rows of the first row of tiles.
+  void start();
+  // Moves to the next row of tiles.
+  void moveDown();
+  // Counts rows of the window again whose tones have changed.
+  void recount(std::uint32_t firstRow, std::uint32_t endRow);
 
   // Puts the window at the left edge.
-  void moveToStart() {
-    std::fill_n(window_, kToneCount, Count{0});
-    next_ = 0;
-    columns_ = 0;
-    while (next_ < kWindowSide) enterGroup();
-  }
+  void moveToStart();
   // For windows whose left column lies in the image.
-  void moveRight() {
-    const Count* const leaving = group(next_ - kWindowSide);
-    for (int tone = 0; tone < kToneCount; ++tone) {
-      window_[tone] = static_cast<Count>(window_[tone] - leaving[tone]);
-    }
-    columns_ -= kTileSide;
-    enterGroup();
-  }
+  void moveRight();
 
   [[nodiscard]] const Count* counts() const { return window_; }
-  [[nodiscard]] std::uint32_t columns() const { return columns_; }
-  [[nodiscard]] std::uint32_t bottomOf(std::uint32_t top) const {
-    return std::min(top + kWindowSide, height_);
+  // Of the image in the window.
+  [[nodiscard]] std::uint32_t pixels() const {
+    return columns_ * (std::min(top_ + kWindowSide, height_) - top_);
   }
 
+  // Sum of the squared counts in 16x16 pixels of the window, at most 65536. left and top are
+  // multiples of 8.
+  [[nodiscard]] std::uint32_t squaredCounts(std::uint32_t left, std::uint32_t top) const;
+
  private:
-  [[nodiscard]] std::uint32_t groupCount() const { return (width_ + kTileSide - 1) / kTileSide; }
+  static constexpr std::uint32_t kBlockSide = 8;
+  static constexpr std::uint32_t kBands = kWindowSide / kBlockSide;  // rows of blocks
+
+  // The block that begins there, empty beyond the image.
+  [[nodiscard]] BlockCount* block(std::uint32_t column, std::uint32_t row) const {
+    const std::size_t band = row / kBlockSide % kBands;
+    return blocks_.get() + (band * bandBlocks_ + column / kBlockSide) * kToneCount;
+  }
   [[nodiscard]] Count* group(std::uint32_t column) const {
     return groups_.get() + std::size_t{column / kTileSide} * kToneCount;
   }
-
-  void addRow(std::uint32_t y, Count change) {
-    const std::uint8_t* const row = tones_.row(y);
-    for (std::uint32_t first = 0; first < width_; first += kTileSide) {
-      Count* const counts = group(first);
-      const std::uint32_t end = std::min(first + kTileSide, width_);
-      for (std::uint32_t x = first; x < end; ++x) {
-        counts[row[x]] = static_cast<Count>(counts[row[x]] + change);
-      }
-    }
-  }
-
-  void enterGroup() {
-    if (next_ < width_) {
-      const Count* const entering = group(next_);
-      for (int tone = 0; tone < kToneCount; ++tone) {
-        window_[tone] = static_cast<Count>(window_[tone] + entering[tone]);
-      }
-      columns_ += std::min(kTileSide, width_ - next_);
-    }
-    next_ += kTileSide;
-  }
+  void enterBand(std::uint32_t row);
+  void leaveBand(std::uint32_t row);
+  void countBand(std::uint32_t row);
+  void enterGroup();
 
   const Tones& tones_;
   std::uint32_t width_;
   std::uint32_t height_;
+  std::size_t groupCount_;
+  std::size_t bandBlocks_;       // two a group, and one for pairs that begin in the last
+  ImgArray<BlockCount> blocks_;  // of the bands in the window, which take turns
   ImgArray<Count> groups_;
   Count window_[kToneCount] = {};
+  std::uint32_t top_ = 0;
   std::uint32_t next_ = 0;     // the column that enters next
   std::uint32_t columns_ = 0;  // of the image in the window
 };
