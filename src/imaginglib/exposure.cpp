@@ -26,15 +26,23 @@ template <class Tone>
 ORVO_ALWAYS_INLINE void Fill(const WindowHistogram& window, double level, double variety,
                              ToneMap<Tone>& map) {
   const double scale = 256.0 / window.pixels();
+  // Running sums of quarters, side by side, since each count waits for the one before.
+  constexpr int kPart = kToneCount / 4;
   std::int32_t reached[kToneCount];
-  std::int32_t count = 0;
-  for (int tone = 0; tone < kToneCount; ++tone) {
-    count += window.counts()[tone];
-    reached[tone] = count;
+  std::int32_t sums[4] = {};
+  for (int i = 0; i < kPart; ++i) {
+    for (int part = 0; part < 4; ++part) {
+      const int tone = part * kPart + i;
+      reached[tone] = sums[part] += window.counts()[tone];
+    }
   }
-  for (int tone = 0; tone < kToneCount; ++tone) {
-    SetMapped(tone + ((((reached[tone] * scale - 1.0) - tone) * level) * variety) * kSharePerLevel,
-              map.of[tone]);
+  std::int32_t below = 0;
+  for (int part = 0; part < 4; ++part) {
+    for (int tone = part * kPart; tone < (part + 1) * kPart; ++tone) {
+      const double curve = (below + reached[tone]) * scale - 1.0;
+      SetMapped(tone + (((curve - tone) * level) * variety) * kSharePerLevel, map.of[tone]);
+    }
+    below += sums[part];
   }
 }
 

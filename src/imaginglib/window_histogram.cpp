@@ -101,8 +101,8 @@ void WindowHistogram::leaveBand(std::uint32_t row) {
   for (std::uint32_t x = 0; x < width_; x += kTileSide) SubtractPair(block(x, row), group(x));
 }
 
-// A few blocks at a time, which stay in the nearest cache, row by row: neighbours of one tone in a
-// block wait for each other's count, other blocks do not.
+// A few blocks at a time, which stay in the nearest cache, and of them in turn: neighbours, which
+// often have one tone, would wait for each other's count.
 void WindowHistogram::countBand(std::uint32_t row) {
   constexpr std::uint32_t kColumns = 32 * kBlockSide;
   BlockCount* const blocks = block(0, row);
@@ -112,8 +112,10 @@ void WindowHistogram::countBand(std::uint32_t row) {
     const std::uint32_t last = std::min(first + kColumns, width_);
     for (std::uint32_t y = row; y < end; ++y) {
       const std::uint8_t* const tones = tones_.row(y);
-      for (std::uint32_t x = first; x < last; ++x) {
-        ++blocks[std::size_t{x / kBlockSide} * kToneCount + tones[x]];
+      for (std::uint32_t i = 0; i < kBlockSide; ++i) {
+        for (std::uint32_t x = first + i; x < last; x += kBlockSide) {
+          ++blocks[std::size_t{x / kBlockSide} * kToneCount + tones[x]];
+        }
       }
     }
   }
