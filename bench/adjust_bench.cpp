@@ -4,9 +4,9 @@
 
 #include <cstring>
 
-#include "imaginglib/exposure.h"
-#include "imaginglib/histogram.h"
-#include "imaginglib/sharpness.h"
+#include "imaging/adjust/exposure.h"
+#include "imaging/adjust/histogram.h"
+#include "imaging/adjust/sharpness.h"
 #include "pictures.h"
 
 #ifdef ORVO_HAVE_OPENCV

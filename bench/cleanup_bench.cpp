@@ -4,15 +4,15 @@
 
 #include <algorithm>
 
-#include "cleanup/descreen_filter.h"
-#include "cleanup/trim_search.h"
+#include "imaging/descreen/descreen_filter.h"
+#include "imaging/trim/trim_search.h"
 #include "pictures.h"
 
 #ifdef ORVO_HAVE_OPENCV
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include "cleanup/descreen_weights.h"
+#include "imaging/descreen/descreen_weights.h"
 #endif
 
 namespace {

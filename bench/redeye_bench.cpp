@@ -4,12 +4,12 @@
 
 #include <cstring>
 
-#include "imaginglib/ycbcr.h"
+#include "imaging/adjust/ycbcr.h"
 #include "pictures.h"
-#include "redeye/auto_red_eye.h"
-#include "redeye/color_tests.h"
-#include "redeye/outline_angles.h"
-#include "redeye/reduce.h"
+#include "imaging/redeye/auto_red_eye.h"
+#include "imaging/redeye/color_tests.h"
+#include "imaging/redeye/outline_angles.h"
+#include "imaging/redeye/reduce.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include <orvo/raii.h>
 
-#include "regions/region_finder.h"
+#include "imaging/regions/region_finder.h"
 
 #ifdef ORVO_HAVE_LEPTONICA
 #include <leptonica/allheaders.h>

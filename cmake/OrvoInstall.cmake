@@ -11,7 +11,7 @@ foreach(module ltkrn13n ltimg13n ltfil13n pdflib)
   endif()
 endforeach()
 install(TARGETS orvo_client RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY src/front/include/orvo src/platform/include/orvo
+install(DIRECTORY include/orvo
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 install(EXPORT orvo-targets NAMESPACE orvo:: FILE orvo-targets.cmake

@@ -7,9 +7,9 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "imaginglib/ycbcr.h"
+#include "imaging/adjust/ycbcr.h"
 #include "outline_table.h"
-#include "redeye/color_tests.h"
+#include "imaging/redeye/color_tests.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Draws the outlines of red-eye colours.
 //
-//   redeye_outlines          the table as the source file src/redeye/red_eye_outlines.cpp
+//   redeye_outlines          the table as the source file src/imaging/redeye/red_eye_outlines.cpp
 //   redeye_outlines --json   256 lists, one for each luma, of [Cb, Cr] pairs
 #include <iostream>
 #include <string_view>

@@ -7,7 +7,7 @@
 #include <numbers>
 #include <vector>
 
-#include "redeye/red_eye_outlines.h"
+#include "imaging/redeye/red_eye_outlines.h"
 
 // Clockwise, Cb to the right and Cr upward, from the lowest vertex of smallest Cb.
 using Polygon = std::vector<ChromaPoint>;

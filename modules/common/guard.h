@@ -1,0 +1,25 @@
+// The edge of a module: nothing is thrown across it.
+#ifndef MODULES_COMMON_GUARD_H
+#define MODULES_COMMON_GUARD_H
+
+#include <new>
+
+#include "binding/module_contract.h"
+
+namespace provider {
+
+// Runs an entry point's work and turns what it throws into a vendor code.
+template <class Work>
+int Guarded(Work&& work) noexcept {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return kVendorNoMemory;
+  } catch (...) {
+    return kVendorFailure;
+  }
+}
+
+}  // namespace provider
+
+#endif  // MODULES_COMMON_GUARD_H

@@ -1,0 +1,58 @@
+// Progress of the modules' operations. The callback lives in the kernel module, process-wide; the
+// other modules are linked to it and report through these functions.
+#ifndef MODULES_COMMON_STATUS_H
+#define MODULES_COMMON_STATUS_H
+
+#include <cstdint>
+
+#include "binding/module_contract.h"
+
+extern "C" {
+// Calls the installed callback; false when it asks to stop.
+ORVO_VENDOR_API bool KernelReportStatus(int percent);
+ORVO_VENDOR_API bool KernelHasStatusCallback();
+// The part of the scale that reports are spread over from now on.
+struct KernelStatusShare {
+  int base;
+  int span;
+};
+ORVO_VENDOR_API KernelStatusShare KernelSetStatusShare(KernelStatusShare share);
+}
+
+namespace provider {
+
+// Counts an operation's work in any unit and reports each percent at most once, rising.
+class Progress {
+ public:
+  explicit Progress(std::uint64_t total) : total_(total == 0 ? 1 : total) {}
+
+  // `done` of the total is finished. False when the callback asks to stop: the operation then ends
+  // with kVendorAborted and leaves its bitmap as it was.
+  [[nodiscard]] bool report(std::uint64_t done) {
+    const int percent = static_cast<int>(done >= total_ ? 100 : done * 100 / total_);
+    if (percent <= last_) return true;
+    last_ = percent;
+    return KernelReportStatus(percent);
+  }
+
+ private:
+  std::uint64_t total_;
+  int last_ = -1;
+};
+
+// Maps what is reported in a scope onto base .. base + span percent, so that the stages of one
+// operation make one rising scale. Shares do not nest.
+class StatusShare {
+ public:
+  StatusShare(int base, int span) : before_(KernelSetStatusShare({base, span})) {}
+  ~StatusShare() { KernelSetStatusShare(before_); }
+  StatusShare(const StatusShare&) = delete;
+  StatusShare& operator=(const StatusShare&) = delete;
+
+ private:
+  KernelStatusShare before_;
+};
+
+}  // namespace provider
+
+#endif  // MODULES_COMMON_STATUS_H

@@ -1,0 +1,23 @@
+// The codecs of the module, each in its own file.
+#ifndef MODULES_LTFIL13N_CODECS_H
+#define MODULES_LTFIL13N_CODECS_H
+
+#include <string>
+
+#include "ltfil13n/codec.h"
+
+namespace provider {
+
+extern const Codec kBmpCodec;
+extern const Codec kJpegCodec;
+extern const Codec kPngCodec;
+extern const Codec kTiffCodec;
+extern const Codec kPsdCodec;
+extern const Codec kMagickCodec;
+
+// Name and version of each library in use, separated by ", ".
+std::string CodecNames();
+
+}  // namespace provider
+
+#endif  // MODULES_LTFIL13N_CODECS_H

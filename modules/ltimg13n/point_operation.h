@@ -1,0 +1,65 @@
+// Operations that change each pixel by its own colour alone, at every depth.
+#ifndef MODULES_LTIMG13N_POINT_OPERATION_H
+#define MODULES_LTIMG13N_POINT_OPERATION_H
+
+#include <algorithm>
+
+#include "ltimg13n/adjustment.h"
+#include "ltimg13n/recolored.h"
+#include "ltimg13n/tone_tables.h"
+
+namespace provider {
+
+template <class Format, class Rule>
+void RecolorRow(Format format, const Pixels& source, const Pixels& target, int y,
+                const Rule& rule) {
+  const std::uint8_t* const from = source.row(y);
+  std::uint8_t* const to = target.row(y);
+  for (std::size_t x = 0; x < static_cast<std::size_t>(source.width); ++x) {
+    const auto pixel = format.read(from, x);
+    format.write(to, x, Recolored(pixel, rule(ColorOf(pixel))));
+  }
+}
+
+// rule: Color operator()(Color) const. Palettes change their entries and keep the pixels' indices.
+template <class Rule>
+int ChangeColors(Adjustment& adjustment, const Rule& rule) {
+  if (adjustment.image().palette != nullptr) {
+    return adjustment.changePalette([&rule](Color color) { return rule(color); });
+  }
+  return adjustment.changeRows([&rule](const Pixels& source, const Pixels& target, int y) {
+    switch (source.depth) {
+      case 16:
+        return RecolorRow(Format16{}, source, target, y, rule);
+      case 24:
+        return RecolorRow(Format24{}, source, target, y, rule);
+      default:
+        return RecolorRow(Format32{}, source, target, y, rule);
+    }
+  });
+}
+
+template <class Rule>
+int ChangeColors(struct_LEAD_Bitmap* bitmap, const Rule& rule) {
+  Adjustment adjustment(bitmap);
+  const int obstacle = adjustment.obstacle();
+  return obstacle == kVendorSuccess ? ChangeColors(adjustment, rule) : obstacle;
+}
+
+// The same by tables. A gray image whose bytes are its tones keeps its palette and changes the
+// bytes: with any other palette it would no longer count as gray.
+inline int ChangeTones(struct_LEAD_Bitmap* bitmap, const ToneTables& tables) {
+  Adjustment adjustment(bitmap);
+  if (const int obstacle = adjustment.obstacle(); obstacle != kVendorSuccess) return obstacle;
+  if (!tables.keepsGray() || !BytesAreTones(adjustment.image()))
+    return ChangeColors(adjustment, tables);
+  return adjustment.changeRows([&tables](const Pixels& source, const Pixels& target, int y) {
+    const std::uint8_t* const from = source.row(y);
+    std::transform(from, from + source.width, target.row(y),
+                   [&tables](std::uint8_t tone) { return tables.green[tone]; });
+  });
+}
+
+}  // namespace provider
+
+#endif  // MODULES_LTIMG13N_POINT_OPERATION_H

@@ -1,0 +1,19 @@
+// Coded pictures as objects of a PDF document.
+#ifndef MODULES_PDFLIB_IMAGE_OBJECT_H
+#define MODULES_PDFLIB_IMAGE_OBJECT_H
+
+#include <memory>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+
+#include "pdflib/picture_coding.h"
+
+namespace provider {
+
+// The image object; its bytes leave the spool when the document is written.
+QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
+                                 const std::shared_ptr<Spool>& spool);
+
+}  // namespace provider
+
+#endif  // MODULES_PDFLIB_IMAGE_OBJECT_H

@@ -1,0 +1,56 @@
+// Where coded pictures wait until the document is written. A document may have any number of pages;
+// in memory there is never more than the one at work.
+#ifndef MODULES_PDFLIB_SPOOL_H
+#define MODULES_PDFLIB_SPOOL_H
+
+#include <cstdint>
+#include <fstream>
+#include <qpdf/Pipeline.hh>
+
+#include "pictures/temporary_file.h"
+
+namespace provider {
+
+class Spool {
+ public:
+  // A stretch of the spool, in bytes.
+  struct Range {
+    std::uint64_t start = 0;
+    std::uint64_t length = 0;
+  };
+
+  // Lies in the folder of `neighbour`: a folder for temporary files may be kept in memory.
+  explicit Spool(const std::filesystem::path& neighbour);
+
+  // These throw when the disk is full or fails.
+  void append(const std::uint8_t* bytes, std::size_t count);
+  // What was appended since the spool had `start` bytes; it has reached the system.
+  [[nodiscard]] Range rangeSince(std::uint64_t start);
+  // Writes a stretch in one piece: the document's writer keeps a stream whole, and in pieces its
+  // buffer would grow by doubling.
+  void copy(const Range& range, Pipeline& target);
+
+  [[nodiscard]] std::uint64_t size() const { return size_; }
+
+ private:
+  TemporaryFile file_;
+  std::fstream stream_;  // stands at the end, but while copy() runs
+  std::uint64_t size_ = 0;
+};
+
+// Appends what is written through it.
+class SpoolPipe : public Pipeline {
+ public:
+  explicit SpoolPipe(Spool& spool) : Pipeline("spool", nullptr), spool_(spool) {}
+  void write(const unsigned char* data, std::size_t length) override {
+    spool_.append(data, length);
+  }
+  void finish() override {}
+
+ private:
+  Spool& spool_;
+};
+
+}  // namespace provider
+
+#endif  // MODULES_PDFLIB_SPOOL_H

@@ -1,0 +1,55 @@
+// The rows of a TIFF page from the top, whatever parts they are stored in.
+#ifndef MODULES_PDFLIB_TIFF_BANDS_H
+#define MODULES_PDFLIB_TIFF_BANDS_H
+
+#include <vector>
+
+#include "pictures/tiff_page.h"
+#include "pictures/tiff_rows.h"
+
+namespace provider {
+
+// Keeps one band of the page at a time: a strip, or the tiles side by side. Throws
+// UnreadablePicture when the page is damaged.
+class TiffBands {
+ public:
+  TiffBands(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes);
+
+  // The next row: indexes as they are stored, else pixels as in a packed DIB of the page's depth.
+  const std::uint8_t* nextRow();
+
+ private:
+  void measure();
+  void checkSize(std::uint64_t fileBytes) const;
+  void readBand();
+  void readBandByLibrary();
+  void decode(std::uint32_t left, std::uint8_t* target);
+  void convertRow(std::uint32_t y);
+  void convertRasterRow(std::uint32_t y);
+
+  TIFF* tiff_;
+  const TiffPage& page_;
+  TiffRows rows_;
+  std::uint32_t width_;
+  std::uint32_t height_;
+  std::vector<std::uint8_t> row_;
+
+  std::uint32_t next_ = 0;             // row of the page that nextRow() gives
+  std::uint32_t bandTop_ = 0;          // first row of the band at hand
+  std::uint32_t bandRows_ = 0;         // rows at hand
+  std::vector<std::uint8_t> band_;     // its decoded parts from left to right, each with all planes
+  std::vector<std::uint32_t> raster_;  // in place of the parts: pixels of the library's own making
+
+  bool tiled_ = false;
+  std::uint32_t partWidth_ = 0;
+  std::uint32_t partHeight_ = 0;
+  std::size_t partBytes_ = 0;     // decoded, of one plane
+  std::size_t partRowBytes_ = 0;  // of a row of a part
+  std::size_t parts_ = 0;         // of a band
+  std::size_t planes_;
+  std::vector<const std::uint8_t*> planeRows_;  // where the row at work begins in each plane
+};
+
+}  // namespace provider
+
+#endif  // MODULES_PDFLIB_TIFF_BANDS_H

@@ -1,0 +1,46 @@
+// Files as the codecs open them, and what a file of some size can hold.
+#ifndef MODULES_PICTURES_FILE_HANDLE_H
+#define MODULES_PICTURES_FILE_HANDLE_H
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+namespace provider {
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { (void)std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+inline FileHandle OpenFile(const char* path, const char* mode) {
+  return FileHandle(std::fopen(path, mode));
+}
+
+// Ends a file that was written; false when any byte of it did not reach the system.
+inline bool CloseWritten(FileHandle file) {
+  const bool intact = std::ferror(file.get()) == 0;
+  return std::fclose(file.release()) == 0 && intact;
+}
+
+// In bytes; 0 when it cannot be told.
+inline std::uint64_t FileSize(const char* path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : size;
+}
+
+// Whether a file can hold an image of imageBytes bytes when its coding shrinks at most to one
+// mostRatio-th. Keeps a header that claims more than its file holds from taking the memory of the
+// whole machine; small images pass, so that no sparse but honest file is refused.
+inline bool IsPlausible(std::uint64_t imageBytes, std::uint64_t fileBytes,
+                        std::uint64_t mostRatio) {
+  constexpr std::uint64_t kSmall = std::uint64_t{64} << 20;
+  return imageBytes <= kSmall || imageBytes / mostRatio <= fileBytes;
+}
+
+}  // namespace provider
+
+#endif  // MODULES_PICTURES_FILE_HANDLE_H

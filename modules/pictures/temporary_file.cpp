@@ -1,0 +1,34 @@
+#include "pictures/temporary_file.h"
+
+#include <random>
+
+#include "pictures/file_handle.h"
+
+namespace provider {
+
+TemporaryFile::TemporaryFile(const std::filesystem::path& neighbour) {
+  constexpr int kAttempts = 16;
+  std::random_device random;
+  for (int i = 0; i < kAttempts; ++i) {
+    std::filesystem::path name = neighbour;
+    name.replace_filename("orvo" + std::to_string(random()) + ".tmp");
+    // Exclusively, so that a file of somebody else is never taken.
+    if (!OpenFile(name.c_str(), "wbx")) continue;
+    path_ = std::move(name);
+    return;
+  }
+}
+
+TemporaryFile::~TemporaryFile() {
+  std::error_code ignored;
+  if (!path_.empty()) std::filesystem::remove(path_, ignored);
+}
+
+bool TemporaryFile::moveTo(const std::filesystem::path& target) {
+  std::error_code error;
+  std::filesystem::rename(path_, target, error);
+  if (!error) path_.clear();
+  return !error;
+}
+
+}  // namespace provider

@@ -1,0 +1,58 @@
+// A page of a TIFF file: what its tags say about the samples, and what image it becomes.
+#ifndef MODULES_PICTURES_TIFF_PAGE_H
+#define MODULES_PICTURES_TIFF_PAGE_H
+
+#include <tiffio.h>
+
+#include <cstdint>
+#include <memory>
+
+#include "pictures/file_image.h"
+
+namespace provider {
+
+struct TiffCloser {
+  void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
+
+// Opens with the library silent and no single allocation above a gibibyte. When `faults` is not
+// null it stays valid as long as the file and counts the errors that the library meets.
+TiffHandle OpenTiff(const char* path, const char* mode, int* faults = nullptr);
+
+struct TiffPage {
+  // How samples become pixels.
+  enum class Kind {
+    kIndexes,  // rows as they are, of 1, 2, 4 or 8 bits: palettes, and gray below 8 bits
+    kGray,     // one tone, more samples left out
+    kGrayAlpha,
+    kRgb,  // more samples left out
+    kRgba,
+    kCmyk,
+    kByLibrary,  // anything else: the library's own conversion
+  };
+
+  FileImage image;
+  Kind kind = Kind::kByLibrary;
+  int bits = 0;         // of a sample, 1 to 16
+  int samples = 0;      // of a pixel
+  bool planar = false;  // a plane for each sample
+  bool whiteIsZero = false;
+  bool premultiplied = false;  // colours are multiplied by the alpha
+  bool hasPalette = false;
+  std::uint16_t compression = COMPRESSION_NONE;
+  std::uint64_t mostRatio = 1;  // to which the compression can shrink a page
+};
+
+// Goes on by as many pages as there are, `most` at most, and gives their number. A chain that leads
+// back to an earlier page ends there: unlike the library's own counting, this never runs in
+// circles.
+constexpr int kMostTiffPages = 65535;
+int FollowPages(TIFF* tiff, int most = kMostTiffPages);
+
+// Reads the tags of the directory at which the file stands. Vendor code.
+int ReadTiffPage(TIFF* tiff, TiffPage& page);
+
+}  // namespace provider
+
+#endif  // MODULES_PICTURES_TIFF_PAGE_H

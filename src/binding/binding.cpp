@@ -1,0 +1,119 @@
+// Binding: the modules are loaded from the directory of the toolkit's own file, each of the imaging
+// modules only if the one before it loaded, and every entry point is looked up once.
+#include <cstring>
+#include <span>
+
+#include <orvo/result_codes.h>
+
+#include "binding/module_entries.h"
+#include "platform/modules.h"
+
+namespace {
+
+constexpr const char* kPdfNames[] = {
+    "PDF_new",         "PDF_open_file",  "PDF_set_info", "PDF_open_image_file",
+    "PDF_get_value",   "PDF_begin_page", "PDF_scale",    "PDF_place_image",
+    "PDF_close_image", "PDF_end_page",   "PDF_close",    "PDF_delete"};
+
+#define ORVO_ENTRY_TEXT(name) #name,
+constexpr const char* kKernelNames[] = {ORVO_KERNEL_ENTRIES(ORVO_ENTRY_TEXT)};
+constexpr const char* kImageNames[] = {ORVO_IMAGE_ENTRIES(ORVO_ENTRY_TEXT)};
+constexpr const char* kFileNames[] = {ORVO_FILE_ENTRIES(ORVO_ENTRY_TEXT)};
+#undef ORVO_ENTRY_TEXT
+
+using EntryPoint = void (*)();
+
+void LookUp(void* module, std::span<const char* const> names, EntryPoint* entries) {
+  for (const char* const name : names) {
+    *entries++ = reinterpret_cast<EntryPoint>(GetProcAddress(module, name));
+  }
+}
+
+// Position behind the directory in a path buffer: its last separator, / or \, ends the directory.
+char* BehindDirectory(char* path) {
+  auto* const text = reinterpret_cast<unsigned char*>(path);
+  const auto* const slash = _mbsrchr(text, '/');
+  const auto* const backslash = _mbsrchr(text, '\\');
+  const unsigned char* const last = slash > backslash ? slash : backslash;
+  return last == nullptr ? path : path + (last - text) + 1;
+}
+
+// Loads a module from the directory in the buffer. Without a directory, or when the path does not
+// fit, nothing is loaded: modules are never searched for elsewhere.
+void* LoadBeside(char* path, const char* fileName) {
+  char* const behind = BehindDirectory(path);
+  const auto used = static_cast<std::size_t>(behind - path);
+  if (used == 0 || used + std::strlen(fileName) >= MAX_PATH) return nullptr;
+  std::strcpy(behind, fileName);  // NOLINT(clang-analyzer-security.insecureAPI.strcpy): fits
+  void* const module = LoadLibraryA(path);
+  *behind = '\0';
+  return module;
+}
+
+// The toolkit's own module. Asked while the library is loaded, before anything can move the process
+// to another directory.
+void* const ownModule = PlatformModuleOf(&ownModule);
+
+void Unload(void*& module) {
+  if (module != nullptr) FreeLibrary(module);
+  module = nullptr;
+}
+
+}  // namespace
+
+CLeadTools::CLeadTools() noexcept {
+  char path[MAX_PATH] = {};
+  const unsigned length = GetModuleFileNameA(ownModule, path, MAX_PATH);
+  if (length == 0 || length >= MAX_PATH) return;
+  pdfModule = LoadBeside(path, "PdfLib.dll");
+  if (pdfModule != nullptr) LookUp(pdfModule, kPdfNames, pdfEntries);
+  GetLTProcAddresses(path);
+  LTSetDitheringMode(1);
+}
+
+CLeadTools::~CLeadTools() {
+  Unload(pdfModule);
+  Unload(kernelModule);
+  Unload(fileModule);
+  Unload(imageModule);
+}
+
+void CLeadTools::GetLTProcAddresses(char* path) noexcept {
+  static_assert(std::size(kPdfNames) == kPdfEntryCount);
+  struct Step {
+    const char* fileName;
+    void*& module;
+    std::span<const char* const> names;
+  };
+  const Step steps[] = {{"ltkrn13n.dll", kernelModule, kKernelNames},
+                        {"ltimg13n.dll", imageModule, kImageNames},
+                        {"ltfil13n.dll", fileModule, kFileNames}};
+  EntryPoint* entries = vendorEntries;
+  for (const Step& step : steps) {
+    step.module = LoadBeside(path, step.fileName);
+    if (step.module == nullptr) return;
+    LookUp(step.module, step.names, entries);
+    entries += step.names.size();
+  }
+}
+
+void* CLeadTools::operator new(std::size_t bytes) noexcept {
+  return LocalAlloc(LMEM_ZEROINIT, bytes);
+}
+
+void CLeadTools::operator delete(void* memory) noexcept {
+  LocalFree(memory);
+}
+
+void Vendor::ConvertFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) const {
+  const auto convert = call<Entry::L_ConvertFromDIB>();
+  if (convert == nullptr) return;
+  *bitmap = {};
+  const void* const block = GlobalLock(dib);
+  if (block == nullptr) return;
+  if (const auto layout = orvo::DibLayoutOf(block, GlobalSize(dib))) {
+    const auto* const bytes = static_cast<const std::uint8_t*>(block);
+    convert(bitmap, static_cast<const BITMAPINFOHEADER*>(block), bytes + layout->pixelOffset);
+  }
+  GlobalUnlock(dib);
+}

@@ -1,0 +1,93 @@
+#include "binding/bitmap_cycle.h"
+
+bool DepthIsTaken(Depths depths, int bitsPerPixel) noexcept {
+  switch (bitsPerPixel) {
+    case 1:
+      return depths != Depths::kFourUp;
+    case 4:
+    case 8:
+    case 16:
+    case 24:
+    case 32:
+      return true;
+    default:
+      return depths == Depths::kAny;
+  }
+}
+
+int BitmapCycle::testBindings() const {
+  const bool bound = vendor_.hasAll({Entry::L_ChangeFromDIB, Entry::L_FreeBitmap,
+                                     Entry::L_ChangeToDIB, rules_.own}) &&
+                     (!rules_.needsCallbackEntry || vendor_.has(Entry::L_SetStatusCallBack));
+  return bound ? ORVO_OK : ORVO_ERR_NO_VENDOR;
+}
+
+int BitmapCycle::prepare() {
+  const int sourceTest = source_ == nullptr ? ORVO_ERR_NULL_IMAGE : ORVO_OK;
+  const int bindingTest = testBindings();
+  const int first = rules_.bindingsFirst ? bindingTest : sourceTest;
+  const int second = rules_.bindingsFirst ? sourceTest : bindingTest;
+  if (first != ORVO_OK) return first;
+  if (second != ORVO_OK) return second;
+  if (!rules_.inRange) {
+    if (result_ != nullptr) *result_ = source_;
+    return ORVO_ERR_OUT_OF_RANGE;
+  }
+  if (result_ != nullptr) {
+    vendor_.ConvertFromDIB(&bitmap_, source_);
+  } else {
+    vendor_.call<Entry::L_ChangeFromDIB>()(&bitmap_, source_);
+  }
+  return DepthIsTaken(rules_.depths, bitmap_.bitsPerPixel) ? ORVO_OK : refuseDepth();
+}
+
+void BitmapCycle::install(StatusCallback callback) {
+  if (callback != nullptr) {
+    previous_ = vendor_.call<Entry::L_SetStatusCallBack>()(callback, nullptr);
+  }
+}
+
+void BitmapCycle::reinstallPrevious() {
+  if (previous_ != nullptr) vendor_.call<Entry::L_SetStatusCallBack>()(previous_, nullptr);
+}
+
+// Ends the bitmap without a changed image: a copy is released, the caller's own image given back.
+void BitmapCycle::release() {
+  if (inPlace()) {
+    const DibHandle back = vendor_.call<Entry::L_ChangeToDIB>()(&bitmap_);
+    if (back != nullptr) source_ = back;
+  } else {
+    vendor_.call<Entry::L_FreeBitmap>()(&bitmap_);
+  }
+}
+
+int BitmapCycle::refuseDepth() {
+  if (result_ != nullptr && rules_.refusedDepthSetsResult) *result_ = source_;
+  release();
+  return ORVO_ERR_BAD_DEPTH;
+}
+
+int BitmapCycle::fail(int code) {
+  if (result_ != nullptr && rules_.failedCallSetsResult) *result_ = source_;
+  release();
+  return code;
+}
+
+int BitmapCycle::succeed() {
+  return succeedWith(vendor_.call<Entry::L_ChangeToDIB>()(&bitmap_));
+}
+
+int BitmapCycle::succeedWith(DibHandle dib) {
+  // A bitmap that gives nothing back costs the caller no handle.
+  if (dib == nullptr) {
+    if (result_ != nullptr && rules_.failedCallSetsResult) *result_ = source_;
+    return ORVO_ERR_NO_MEMORY;
+  }
+  if (inPlace()) {
+    source_ = dib;
+    return ORVO_OK;
+  }
+  if (*result_ != nullptr) GlobalFree(*result_);
+  *result_ = dib;
+  return ORVO_OK;
+}

@@ -1,0 +1,33 @@
+// File kinds by the extension of a name.
+#ifndef ORVO_BINDING_FILE_TYPES_H
+#define ORVO_BINDING_FILE_TYPES_H
+
+#include <optional>
+
+// How LTSaveFile writes a kind of file.
+enum class SaveQuality { kNone, kCallers, kFixedLow };
+
+struct SaveType {
+  const char* extension;
+  int format;
+  SaveQuality quality = SaveQuality::kNone;
+  bool takesPages = false;  // a flag other than 0 appends a page
+};
+
+// The row of LTSaveFile's table, nothing for other names.
+[[nodiscard]] std::optional<SaveType> SaveTypeOf(const char* path) noexcept;
+
+// Whether the name ends in ".PDF", without regard to case.
+[[nodiscard]] bool IsPdfName(const char* path) noexcept;
+
+// What the PDF module calls the kind of picture that it takes from a file of this name; null for
+// names of other kinds, ".jpeg" and ".tiff" among them.
+[[nodiscard]] const char* PdfPictureTypeOf(const char* path) noexcept;
+
+// What DetermineFileTypeByName answers for a name outside its table.
+constexpr int kUnknownFileType = 14;
+
+// The vendor's format number for the target of a conversion.
+[[nodiscard]] int DetermineFileTypeByName(const char* path) noexcept;
+
+#endif  // ORVO_BINDING_FILE_TYPES_H

@@ -1,7 +1,0 @@
-#ifndef ORVO_FRONT_IMAGING_RESULT_H
-#define ORVO_FRONT_IMAGING_RESULT_H
-
-// The toolkit's result code for the result of a pixel function.
-[[nodiscard]] int MapImagingLibResult(int imagingResult) noexcept;
-
-#endif  // ORVO_FRONT_IMAGING_RESULT_H

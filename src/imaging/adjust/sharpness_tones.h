@@ -1,0 +1,18 @@
+#ifndef ORVO_IMAGING_ADJUST_SHARPNESS_TONES_H
+#define ORVO_IMAGING_ADJUST_SHARPNESS_TONES_H
+
+#include <cstdint>
+
+#include "imaging/adjust/sharpness_kernel.h"
+
+// Both sharpen 8-bit rows but for the border; both sides have at least five pixels.
+
+// The target is another buffer.
+void SharpenTones(const std::uint8_t* source, std::uint8_t* target, std::uint32_t width,
+                  std::uint32_t height, KernelWeights weights) noexcept;
+
+// Each neighbourhood holds what was just written above and to the left.
+void SharpenTonesInPlace(std::uint8_t* tones, std::uint32_t width, std::uint32_t height,
+                         KernelWeights weights) noexcept;
+
+#endif  // ORVO_IMAGING_ADJUST_SHARPNESS_TONES_H

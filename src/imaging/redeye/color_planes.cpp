@@ -1,0 +1,55 @@
+#include "imaging/redeye/color_planes.h"
+
+#include "imaging/vector_clones.h"
+
+namespace {
+
+ORVO_ALWAYS_INLINE void FillRow(const std::uint8_t* pixels, std::size_t count, std::size_t step,
+                                std::uint8_t* __restrict y, std::uint8_t* __restrict cb,
+                                std::uint8_t* __restrict cr) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const YCbCrBytes color = ColorOfPixel(pixels + 3 * step * i);
+    y[i] = color.y;
+    cb[i] = color.cb;
+    cr[i] = color.cr;
+  }
+}
+
+ORVO_VECTOR_CLONES
+void FillWholeRow(const std::uint8_t* pixels, std::size_t count, std::uint8_t* __restrict y,
+                  std::uint8_t* __restrict cb, std::uint8_t* __restrict cr) {
+  FillRow(pixels, count, 1, y, cb, cr);
+}
+
+}  // namespace
+
+bool ColorPlanes::allocate(std::size_t pixels) noexcept {
+  bytes_ = ImgAllocArray<std::uint8_t>(3 * pixels);
+  return bytes_ != nullptr;
+}
+
+PlaneView ColorPlanes::view(std::int32_t width, std::int32_t height) const noexcept {
+  const auto stride = static_cast<std::size_t>(width);
+  const std::size_t pixels = stride * static_cast<std::size_t>(height);
+  return {bytes_.get(), bytes_.get() + pixels, bytes_.get() + 2 * pixels, stride};
+}
+
+void FillPlaneRow(const std::uint8_t* pixels, std::int32_t count, std::int32_t step,
+                  const PlaneView& planes, std::int32_t row) noexcept {
+  const PlaneView to = planes.from(0, row);
+  const auto length = static_cast<std::size_t>(count);
+  if (step == 1) {
+    FillWholeRow(pixels, length, to.y, to.cb, to.cr);
+  } else {
+    FillRow(pixels, length, static_cast<std::size_t>(step), to.y, to.cb, to.cr);
+  }
+}
+
+void WritePixel(std::uint8_t* pixel, const YCbCrBytes& color) noexcept {
+  const double y = color.y;
+  const double cb = color.cb - 128;
+  const double cr = color.cr - 128;
+  pixel[0] = ChannelByte(BlueOf(y, cb));
+  pixel[1] = ChannelByte(GreenOf(y, cb, cr));
+  pixel[2] = ChannelByte(RedOf(y, cr));
+}

@@ -1,0 +1,7 @@
+#ifndef ORVO_METHODS_IMAGING_RESULT_H
+#define ORVO_METHODS_IMAGING_RESULT_H
+
+// The toolkit's result code for the result of a pixel function.
+[[nodiscard]] int MapImagingLibResult(int imagingResult) noexcept;
+
+#endif  // ORVO_METHODS_IMAGING_RESULT_H
