@@ -100,10 +100,10 @@ class ORVO_API CLeadTools {
   static void operator delete(void* memory) noexcept;
 
  private:
-  friend class Vendor;
+  friend class Modules;
   using EntryPoint = void (*)();
   static constexpr std::size_t kPdfEntryCount = 12;
-  static constexpr std::size_t kVendorEntryCount = 29;
+  static constexpr std::size_t kModuleEntryCount = 29;
 
   void GetLTProcAddresses(char* path) noexcept;
   int SavePdf(DibHandle source, const char* path) noexcept;
@@ -115,7 +115,7 @@ class ORVO_API CLeadTools {
   void* fileModule = nullptr;
   int ditheringMode = 0;
   EntryPoint pdfEntries[kPdfEntryCount] = {};
-  EntryPoint vendorEntries[kVendorEntryCount] = {};
+  EntryPoint moduleEntries[kModuleEntryCount] = {};
 };
 
 #endif  // ORVO_CLEADTOOLS_H

@@ -30,8 +30,8 @@ class ORVO_API COrvoCS {
   COrvoCS(const COrvoCS&) = delete;
   COrvoCS& operator=(const COrvoCS&) = delete;
 
-  // Gives the object the bridge that it asks for depth conversions. Called once, before all else;
-  // the bridge stays the caller's and must outlive this object.
+  // Gives the object the binding that it asks for depth conversions. Called once, before all else;
+  // the binding stays the caller's and must outlive this object.
   void CSSetLT(CLeadTools* tools) noexcept;
 
   // Level 0..10. 8-bit gray and 24 bits; 16 and 32 bits through a working copy.
@@ -68,7 +68,7 @@ class ORVO_API COrvoCS {
   int CSDescreen(DibHandle source, DibHandle* result, std::uint32_t level,
                  StatusCallback callback) noexcept;
   // The rectangle of what is dark on a light page, measured at one threshold: 0, 0, 1, 1 when
-  // nothing is. Counts stored rows; right and bottom exclusive. 1-bit (through the bridge), 8-bit
+  // nothing is. Counts stored rows; right and bottom exclusive. 1-bit (through the binding), 8-bit
   // gray and 24 bits; reads only.
   int CSGetAutoTrimRect(DibHandle source, std::uint8_t threshold, RECT* rect) noexcept;
 

@@ -7,7 +7,7 @@
 
 #include "binding/module_contract.h"
 
-namespace provider {
+namespace modules {
 
 // In memory just as a pixel of 24 bits.
 struct Color {
@@ -61,6 +61,6 @@ constexpr std::uint16_t With555(std::uint16_t pixel, Color color) {
                                     Narrowed5(color.green) << 5 | Narrowed5(color.blue));
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_COMMON_COLOR_H

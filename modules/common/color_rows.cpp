@@ -2,7 +2,7 @@
 
 #include "common/pixel_formats.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 Color ColorOfPixel(const Pixels& image, std::uint8_t index) {
@@ -58,4 +58,4 @@ void WriteIndexes(const Pixels& image, int y, const std::uint8_t* indexes) {
   }
 }
 
-}  // namespace provider
+}  // namespace modules

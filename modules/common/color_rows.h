@@ -5,7 +5,7 @@
 #include "common/color.h"
 #include "common/dib_image.h"
 
-namespace provider {
+namespace modules {
 
 // The colours of a stored row, width of them.
 void ReadColors(const Pixels& image, int y, Color* colors);
@@ -14,6 +14,6 @@ void WriteColors(const Pixels& image, int y, const Color* colors);
 // Stores palette indexes; 8 bits and below.
 void WriteIndexes(const Pixels& image, int y, const std::uint8_t* indexes);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_COMMON_COLOR_ROWS_H

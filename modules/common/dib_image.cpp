@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace provider {
+namespace modules {
 namespace {
 
 bool DepthIsKnown(int depth) {
@@ -128,4 +128,4 @@ void FillGrayPalette(const Pixels& image) noexcept {
   }
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -10,7 +10,7 @@
 
 #include "binding/module_contract.h"
 
-namespace provider {
+namespace modules {
 
 // A locked image. Rows are counted as stored; pixels of 24 and 32 bits lie blue, green, red(, x);
 // 16 bits are 5-5-5 with red on top; 8-bit and lower depths index the palette, leftmost pixel in
@@ -104,6 +104,6 @@ bool BytesAreTones(const Pixels& image) noexcept;
 // Fills the palette with its entries' even steps from black to white.
 void FillGrayPalette(const Pixels& image) noexcept;
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_COMMON_DIB_IMAGE_H

@@ -6,20 +6,20 @@
 
 #include "binding/module_contract.h"
 
-namespace provider {
+namespace modules {
 
-// Runs an entry point's work and turns what it throws into a vendor code.
+// Runs an entry point's work and turns what it throws into a module code.
 template <class Work>
 int Guarded(Work&& work) noexcept {
   try {
     return work();
   } catch (const std::bad_alloc&) {
-    return kVendorNoMemory;
+    return kModuleNoMemory;
   } catch (...) {
-    return kVendorFailure;
+    return kModuleFailure;
   }
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_COMMON_GUARD_H

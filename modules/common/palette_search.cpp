@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace provider {
+namespace modules {
 namespace {
 
 // Squared distances from an entry to the nearest and the farthest colour of a cell, summed up
@@ -48,4 +48,4 @@ void PaletteSearch::fill(Cell& cell, Color color) {
   cell.count = candidates_.size() - cell.first;
 }
 
-}  // namespace provider
+}  // namespace modules

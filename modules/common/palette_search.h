@@ -11,7 +11,7 @@
 
 #include "common/color.h"
 
-namespace provider {
+namespace modules {
 
 // The cube of colours is cut into cells. Each lists the few entries that can be the nearest one to
 // any of its colours, from the first time that it is asked.
@@ -67,6 +67,6 @@ class PaletteSearch {
   std::vector<Candidate> candidates_;  // of all cells, in the order of the entries
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_COMMON_PALETTE_SEARCH_H

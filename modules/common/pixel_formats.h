@@ -9,7 +9,7 @@
 
 #include "common/color.h"
 
-namespace provider {
+namespace modules {
 
 // Several pixels to a byte, the leftmost in the highest bits.
 template <unsigned kBits>
@@ -80,6 +80,6 @@ auto WithFormat(int depth, Work&& work) {
   }
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_COMMON_PIXEL_FORMATS_H

@@ -9,17 +9,17 @@
 
 extern "C" {
 // Calls the installed callback; false when it asks to stop.
-ORVO_VENDOR_API bool KernelReportStatus(int percent);
-ORVO_VENDOR_API bool KernelHasStatusCallback();
+ORVO_MODULE_API bool KernelReportStatus(int percent);
+ORVO_MODULE_API bool KernelHasStatusCallback();
 // The part of the scale that reports are spread over from now on.
 struct KernelStatusShare {
   int base;
   int span;
 };
-ORVO_VENDOR_API KernelStatusShare KernelSetStatusShare(KernelStatusShare share);
+ORVO_MODULE_API KernelStatusShare KernelSetStatusShare(KernelStatusShare share);
 }
 
-namespace provider {
+namespace modules {
 
 // Counts an operation's work in any unit and reports each percent at most once, rising.
 class Progress {
@@ -27,7 +27,7 @@ class Progress {
   explicit Progress(std::uint64_t total) : total_(total == 0 ? 1 : total) {}
 
   // `done` of the total is finished. False when the callback asks to stop: the operation then ends
-  // with kVendorAborted and leaves its bitmap as it was.
+  // with kModuleAborted and leaves its bitmap as it was.
   [[nodiscard]] bool report(std::uint64_t done) {
     const int percent = static_cast<int>(done >= total_ ? 100 : done * 100 / total_);
     if (percent <= last_) return true;
@@ -53,6 +53,6 @@ class StatusShare {
   KernelStatusShare before_;
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_COMMON_STATUS_H

@@ -10,7 +10,7 @@
 #include "ltfil13n/bmp_header.h"
 #include "ltfil13n/codecs.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{1} << 18;
@@ -33,16 +33,16 @@ const char* CompressionOf(const BmpHeader& header) {
 
 // Opens a file of one page and reads what stands before the pixels.
 int Open(const char* path, int page, FileHandle& file, BmpHeader& header) {
-  if (page != 1) return kVendorBadParameter;
+  if (page != 1) return kModuleBadParameter;
   file = OpenFile(path, "rb");
-  return file ? ReadBmpHeader(file.get(), FileSize(path), header) : kVendorFileNotOpened;
+  return file ? ReadBmpHeader(file.get(), FileSize(path), header) : kModuleFileNotOpened;
 }
 
 int Describe(const char* path, int page, LTFILEINFO& info) {
   FileHandle file;
   BmpHeader header;
   const int code = Open(path, page, file, header);
-  if (code == kVendorSuccess) {
+  if (code == kModuleSuccess) {
     DescribeImage(header.image, kFormatBmp, CompressionOf(header), info);
   }
   return code;
@@ -74,43 +74,43 @@ int ReadRows(std::FILE* file, const BmpHeader& header, const Pixels& image) {
     const int rows = std::min(rowsPerBlock, image.height - done);
     const int first = header.topDown ? image.height - 1 - done : done;
     const std::size_t bytes = image.stride * static_cast<std::size_t>(rows);
-    if (std::fread(image.row(first), 1, bytes, file) != bytes) return kVendorReadFailed;
+    if (std::fread(image.row(first), 1, bytes, file) != bytes) return kModuleReadFailed;
     if (!header.isPlain) {
       for (int y = first; y < first + rows; ++y) MakePlain(header, image, image.row(y));
     }
     if (!progress.report(static_cast<std::uint64_t>(done) + static_cast<std::uint64_t>(rows)))
-      return kVendorAborted;
+      return kModuleAborted;
   }
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int ReadRuns(std::FILE* file, const BmpHeader& header, const Pixels& image) {
   const auto bytes = static_cast<std::size_t>(header.pixelBytes);
   const auto data = std::make_unique_for_overwrite<std::uint8_t[]>(bytes);
-  if (std::fread(data.get(), 1, bytes, file) != bytes) return kVendorReadFailed;
+  if (std::fread(data.get(), 1, bytes, file) != bytes) return kModuleReadFailed;
   return DecodeBmpRuns(data.get(), bytes, image);
 }
 
-// Vendor code: whether the file is long enough for what it claims.
+// Module code: whether the file is long enough for what it claims.
 int CheckLength(const BmpHeader& header) {
   constexpr std::uint64_t kMostRunRatio = 1024;
   const FileImage& image = header.image;
   const auto layout = orvo::DibLayoutFor(image.width, image.height, image.depth);
-  if (!layout) return kVendorFormatDamaged;
+  if (!layout) return kFileFormatDamaged;
   const std::uint64_t needed = layout->totalBytes - layout->pixelOffset;
   const bool runs = header.compression == BI_RLE8 || header.compression == BI_RLE4;
   const bool enough =
       runs ? IsPlausible(needed, header.pixelBytes, kMostRunRatio) : needed <= header.pixelBytes;
-  return enough ? kVendorSuccess : kVendorReadFailed;
+  return enough ? kModuleSuccess : kModuleReadFailed;
 }
 
 int Load(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   FileHandle file;
   BmpHeader header;
-  if (const int code = Open(path, page, file, header); code != kVendorSuccess) return code;
-  if (const int code = CheckLength(header); code != kVendorSuccess) return code;
+  if (const int code = Open(path, page, file, header); code != kModuleSuccess) return code;
+  if (const int code = CheckLength(header); code != kModuleSuccess) return code;
   if (std::fseek(file.get(), static_cast<long>(header.pixelOffset), SEEK_SET) != 0) {
-    return kVendorReadFailed;
+    return kModuleReadFailed;
   }
   return LoadImage(header.image, bitmap, [&](const Pixels& image) {
     if (image.palette != nullptr) {
@@ -151,10 +151,10 @@ int Save(const SaveRequest& request, const LockedDib& locked) {
   const std::size_t pixelBytes = image.stride * static_cast<std::size_t>(image.height);
   constexpr std::size_t kMostFileBytes = 0xFFFFFFFF;
   constexpr std::size_t kMostHeaderBytes = 2048;
-  if (pixelBytes > kMostFileBytes - kMostHeaderBytes) return kVendorFormatNotWritten;
+  if (pixelBytes > kMostFileBytes - kMostHeaderBytes) return kFileFormatNotWritten;
 
   FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kVendorFileNotOpened;
+  if (!file) return kModuleFileNotOpened;
   const auto headers = HeadersFor(locked, static_cast<std::uint32_t>(pixelBytes));
   bool written = std::fwrite(headers.data(), headers.size(), 1, file.get()) == 1;
   if (image.palette != nullptr) {
@@ -168,13 +168,13 @@ int Save(const SaveRequest& request, const LockedDib& locked) {
     const std::size_t bytes = image.stride * static_cast<std::size_t>(rows);
     written = std::fwrite(image.row(done), 1, bytes, file.get()) == bytes;
     if (!progress.report(static_cast<std::uint64_t>(done) + static_cast<std::uint64_t>(rows)))
-      return kVendorAborted;
+      return kModuleAborted;
   }
-  return CloseWritten(std::move(file)) && written ? kVendorSuccess : kVendorWriteFailed;
+  return CloseWritten(std::move(file)) && written ? kModuleSuccess : kModuleWriteFailed;
 }
 
 }  // namespace
 
 const Codec kBmpCodec{Recognises, Describe, Load, kFormats, Save};
 
-}  // namespace provider
+}  // namespace modules

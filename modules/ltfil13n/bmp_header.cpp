@@ -5,7 +5,7 @@
 #include <climits>
 #include <cstring>
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::uint32_t kCoreHeaderBytes = 12;  // of OS/2: 16-bit measures, 3-byte palette entries
@@ -47,22 +47,22 @@ bool ReadMeasures(const HeaderBytes& bytes, std::uint32_t size, BmpHeader& heade
   return true;
 }
 
-// Vendor code: whether rows of this depth may be coded this way.
+// Module code: whether rows of this depth may be coded this way.
 int CheckCoding(const BmpHeader& header) {
   const int depth = header.image.depth;
   switch (header.compression) {
     case BI_RGB:
       return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32
-                 ? kVendorSuccess
-                 : kVendorDepthNotSupported;
+                 ? kModuleSuccess
+                 : kModuleDepthNotSupported;
     case BI_RLE8:
-      return depth == 8 && !header.topDown ? kVendorSuccess : kVendorFormatDamaged;
+      return depth == 8 && !header.topDown ? kModuleSuccess : kFileFormatDamaged;
     case BI_RLE4:
-      return depth == 4 && !header.topDown ? kVendorSuccess : kVendorFormatDamaged;
+      return depth == 4 && !header.topDown ? kModuleSuccess : kFileFormatDamaged;
     case BI_BITFIELDS:
-      return depth == 16 || depth == 32 ? kVendorSuccess : kVendorFormatDamaged;
+      return depth == 16 || depth == 32 ? kModuleSuccess : kFileFormatDamaged;
     default:
-      return kVendorFormatNotRead;  // a JPEG or PNG for a printer, or a fax coding of OS/2
+      return kFileFormatNotRead;  // a JPEG or PNG for a printer, or a fax coding of OS/2
   }
 }
 
@@ -140,37 +140,37 @@ std::uint8_t BmpChannel::tone(std::uint32_t pixel) const {
 int ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes, BmpHeader& header) {
   std::array<std::uint8_t, kBmpFileHeaderBytes> fileHeader{};
   HeaderBytes bytes{};
-  if (!ReadExactly(file, fileHeader.data(), fileHeader.size())) return kVendorReadFailed;
-  if (!ReadExactly(file, bytes.data(), 4)) return kVendorReadFailed;
+  if (!ReadExactly(file, fileHeader.data(), fileHeader.size())) return kModuleReadFailed;
+  if (!ReadExactly(file, bytes.data(), 4)) return kModuleReadFailed;
   const std::uint32_t size = Little32(bytes.data());
   if (size != kCoreHeaderBytes && (size < kShortestHeaderBytes || size > kLongestHeaderBytes)) {
-    return kVendorFormatDamaged;
+    return kFileFormatDamaged;
   }
-  if (!ReadExactly(file, &bytes[4], size - 4)) return kVendorReadFailed;
-  if (!ReadMeasures(bytes, size, header)) return kVendorFormatDamaged;
+  if (!ReadExactly(file, &bytes[4], size - 4)) return kModuleReadFailed;
+  if (!ReadMeasures(bytes, size, header)) return kFileFormatDamaged;
 
   const bool hasMasks =
       header.compression == BI_BITFIELDS || header.compression == kBitFieldsWithAlpha;
   if (header.image.depth == 16 || header.image.depth == 32) {
-    if (!ReadMasks(file, bytes, size, header)) return kVendorFormatDamaged;
+    if (!ReadMasks(file, bytes, size, header)) return kFileFormatDamaged;
     if (hasMasks) header.compression = BI_BITFIELDS;
   }
-  if (const int code = CheckCoding(header); code != kVendorSuccess) return code;
+  if (const int code = CheckCoding(header); code != kModuleSuccess) return code;
 
   header.pixelOffset = Little32(&fileHeader[10]);
   if (header.image.depth <= 8) {
     const bool isCore = size == kCoreHeaderBytes;
     const std::uint32_t claimed = isCore ? 0 : Little32(&bytes[32]);
     if (!ReadPalette(file, claimed, isCore ? 3 : 4, header.pixelOffset, header)) {
-      return kVendorReadFailed;
+      return kModuleReadFailed;
     }
   }
   // An offset into the headers is wrong: the pixels then follow them.
   const auto behindHeaders = static_cast<std::uint64_t>(std::ftell(file));
   if (header.pixelOffset < kBmpFileHeaderBytes + size) header.pixelOffset = behindHeaders;
-  if (header.pixelOffset > fileBytes) return kVendorReadFailed;
+  if (header.pixelOffset > fileBytes) return kModuleReadFailed;
   header.pixelBytes = fileBytes - header.pixelOffset;
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
-}  // namespace provider
+}  // namespace modules

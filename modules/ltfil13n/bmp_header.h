@@ -8,7 +8,7 @@
 #include "pictures/file_handle.h"
 #include "pictures/file_image.h"
 
-namespace provider {
+namespace modules {
 
 // Little-endian numbers.
 inline std::uint16_t Little16(const std::uint8_t* bytes) {
@@ -42,12 +42,12 @@ struct BmpHeader {
   bool isPlain = true;
 };
 
-// Reads and checks all that stands before the pixels. Vendor code.
+// Reads and checks all that stands before the pixels. Module code.
 int ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes, BmpHeader& header);
 
-// Paints a BI_RLE4 or BI_RLE8 picture from the compressed bytes. Vendor code.
+// Paints a BI_RLE4 or BI_RLE8 picture from the compressed bytes. Module code.
 int DecodeBmpRuns(const std::uint8_t* data, std::size_t bytes, const Pixels& image);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_BMP_HEADER_H

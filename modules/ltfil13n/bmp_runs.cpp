@@ -5,7 +5,7 @@
 #include "common/status.h"
 #include "ltfil13n/bmp_header.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr int kEndOfRow = 0;
@@ -25,35 +25,35 @@ class RunDecoder {
       const int count = *next_++;
       const int value = *next_++;
       if (count > 0) {
-        if (!paintRun(count, value)) return kVendorFormatDamaged;
+        if (!paintRun(count, value)) return kFileFormatDamaged;
       } else if (value == kEndOfPicture) {
         return finish();
       } else if (value == kEndOfRow) {
-        if (!progress_.report(static_cast<std::uint64_t>(++y_))) return kVendorAborted;
+        if (!progress_.report(static_cast<std::uint64_t>(++y_))) return kModuleAborted;
         x_ = 0;
       } else if (const int code = value == kJump ? jump() : paintLiterally(value);
-                 code != kVendorSuccess) {
+                 code != kModuleSuccess) {
         return code;
       }
     }
     // Some writers leave the end mark out.
     const bool complete = y_ >= image_.height || (y_ == image_.height - 1 && x_ >= image_.width);
-    return complete ? finish() : kVendorReadFailed;
+    return complete ? finish() : kModuleReadFailed;
   }
 
  private:
   [[nodiscard]] std::ptrdiff_t left() const { return end_ - next_; }
 
   int finish() {
-    return progress_.report(static_cast<std::uint64_t>(image_.height)) ? kVendorSuccess
-                                                                       : kVendorAborted;
+    return progress_.report(static_cast<std::uint64_t>(image_.height)) ? kModuleSuccess
+                                                                       : kModuleAborted;
   }
 
   int jump() {
-    if (left() < 2) return kVendorReadFailed;
+    if (left() < 2) return kModuleReadFailed;
     x_ += *next_++;
     y_ += *next_++;
-    return x_ <= image_.width && y_ <= image_.height ? kVendorSuccess : kVendorFormatDamaged;
+    return x_ <= image_.width && y_ <= image_.height ? kModuleSuccess : kFileFormatDamaged;
   }
 
   // Pixels beyond the end of a row are dropped, as the run may fill up a byte.
@@ -91,11 +91,11 @@ class RunDecoder {
   int paintLiterally(int count) {
     const int bytes = image_.depth == 8 ? count : (count + 1) / 2;
     const int padded = (bytes + 1) / 2 * 2;
-    if (left() < bytes) return kVendorReadFailed;
-    if (y_ >= image_.height) return kVendorFormatDamaged;
+    if (left() < bytes) return kModuleReadFailed;
+    if (y_ >= image_.height) return kFileFormatDamaged;
     for (int i = 0; i < count; ++i) put(valueAt(next_[image_.depth == 8 ? i : i / 2], i));
     next_ += std::min<std::ptrdiff_t>(padded, left());
-    return kVendorSuccess;
+    return kModuleSuccess;
   }
 
   const std::uint8_t* next_;
@@ -112,4 +112,4 @@ int DecodeBmpRuns(const std::uint8_t* data, std::size_t bytes, const Pixels& ima
   return RunDecoder(data, bytes, image).decode();
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -9,7 +9,7 @@
 #include <png.h>
 #endif
 
-namespace provider {
+namespace modules {
 namespace {
 
 #define ORVO_AS_TEXT(name) #name
@@ -64,4 +64,4 @@ std::string CodecNames() {
   return names;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -6,7 +6,7 @@
 
 #include "ltfil13n/codec.h"
 
-namespace provider {
+namespace modules {
 
 extern const Codec kBmpCodec;
 extern const Codec kJpegCodec;
@@ -18,6 +18,6 @@ extern const Codec kMagickCodec;
 // Name and version of each library in use, separated by ", ".
 std::string CodecNames();
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_CODECS_H

@@ -5,7 +5,7 @@
 #include "common/dib_image.h"
 #include "common/pixel_formats.h"
 
-namespace provider {
+namespace modules {
 
 // The indexes of a stored row, width of them; 8 bits and below.
 inline void ReadIndexes(const Pixels& image, int y, std::uint8_t* indexes) {
@@ -20,6 +20,6 @@ inline void ReadIndexes(const Pixels& image, int y, std::uint8_t* indexes) {
   read(Format8{});
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_INDEX_ROWS_H

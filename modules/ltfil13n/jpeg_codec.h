@@ -5,13 +5,13 @@
 #include "pictures/file_image.h"
 #include "ltfil13n/codec.h"
 
-namespace provider {
+namespace modules {
 
 int DescribeJpeg(const char* path, int page, LTFILEINFO& info);
 int LoadJpeg(const char* path, int page, struct_LEAD_Bitmap& bitmap);
 int LoadJpegAtLeast(const char* path, int page, int width, int height, struct_LEAD_Bitmap& bitmap);
 int SaveJpeg(const SaveRequest& request, const LockedDib& image);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_JPEG_CODEC_H

@@ -8,7 +8,7 @@
 #include "ltfil13n/jpeg_codec.h"
 #include "ltfil13n/jpeg_session.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 // No coding of the library needs less than a few bits for a block of 64 samples.
@@ -24,11 +24,11 @@ class JpegReader {
   JpegReader(const JpegReader&) = delete;
   JpegReader& operator=(const JpegReader&) = delete;
 
-  // Reads what stands before the pixels. Vendor code.
+  // Reads what stands before the pixels. Module code.
   int open(const char* path, int page) {
-    if (page != 1) return kVendorBadParameter;
+    if (page != 1) return kModuleBadParameter;
     file_ = OpenFile(path, "rb");
-    if (!file_) return kVendorFileNotOpened;
+    if (!file_) return kModuleFileNotOpened;
     fileBytes_ = FileSize(path);
     return attempt([this] {
       constexpr unsigned kWholeMarker = 0xFFFF;
@@ -90,7 +90,7 @@ class JpegReader {
         if (inkRow != nullptr) mixInks(inkRow, line);
       }
       // The end mark is not asked for: all pixels are there.
-      if (!session_.progress.report(100)) LeaveJpeg(common(), kVendorAborted);
+      if (!session_.progress.report(100)) LeaveJpeg(common(), kModuleAborted);
     });
   }
 
@@ -99,7 +99,7 @@ class JpegReader {
 
   template <class Calls>
   int attempt(const Calls& calls) {
-    return Attempt(session_.jump, calls) ? kVendorSuccess : session_.code;
+    return Attempt(session_.jump, calls) ? kModuleSuccess : session_.code;
   }
 
   void chooseColors() {
@@ -146,7 +146,7 @@ class JpegReader {
 };
 
 int Load(JpegReader& reader, struct_LEAD_Bitmap& bitmap) {
-  if (!reader.isPlausible()) return kVendorReadFailed;
+  if (!reader.isPlausible()) return kModuleReadFailed;
   return LoadImage(reader.image(), bitmap,
                    [&](const Pixels& pixels) { return reader.read(pixels); });
 }
@@ -156,22 +156,22 @@ int Load(JpegReader& reader, struct_LEAD_Bitmap& bitmap) {
 int DescribeJpeg(const char* path, int page, LTFILEINFO& info) {
   JpegReader reader;
   const int code = reader.open(path, page);
-  if (code == kVendorSuccess) DescribeImage(reader.image(), kFormatJpeg, "JPEG", info);
+  if (code == kModuleSuccess) DescribeImage(reader.image(), kFormatJpeg, "JPEG", info);
   return code;
 }
 
 int LoadJpeg(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   JpegReader reader;
   const int code = reader.open(path, page);
-  return code == kVendorSuccess ? Load(reader, bitmap) : code;
+  return code == kModuleSuccess ? Load(reader, bitmap) : code;
 }
 
 int LoadJpegAtLeast(const char* path, int page, int width, int height, struct_LEAD_Bitmap& bitmap) {
   JpegReader reader;
-  if (const int code = reader.open(path, page); code != kVendorSuccess) return code;
+  if (const int code = reader.open(path, page); code != kModuleSuccess) return code;
   if (SwapsSides(reader.image().orientation)) std::swap(width, height);
   const int code = reader.shrinkTo(width, height);
-  return code == kVendorSuccess ? Load(reader, bitmap) : code;
+  return code == kModuleSuccess ? Load(reader, bitmap) : code;
 }
 
-}  // namespace provider
+}  // namespace modules

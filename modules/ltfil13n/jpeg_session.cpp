@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace provider {
+namespace modules {
 namespace {
 
 // A progressive file of some kilobytes can ask for thousands of passes over a huge image.
@@ -14,23 +14,23 @@ JpegSession& SessionOf(j_common_ptr codec) {
   return *static_cast<JpegSession*>(codec->client_data);
 }
 
-int VendorCodeOf(int message) {
+int ModuleCodeOf(int message) {
   switch (message) {
     case JERR_OUT_OF_MEMORY:
-      return kVendorNoMemory;
+      return kModuleNoMemory;
     case JERR_INPUT_EMPTY:
     case JERR_INPUT_EOF:
     case JERR_FILE_READ:
-      return kVendorReadFailed;
+      return kModuleReadFailed;
     case JERR_FILE_WRITE:
-      return kVendorWriteFailed;
+      return kModuleWriteFailed;
     default:
-      return kVendorFormatDamaged;
+      return kFileFormatDamaged;
   }
 }
 
 void OnError(j_common_ptr codec) {
-  LeaveJpeg(codec, VendorCodeOf(codec->err->msg_code));
+  LeaveJpeg(codec, ModuleCodeOf(codec->err->msg_code));
 }
 
 // Warnings that mean lost pixels end the work: half a picture is not taken for a whole one.
@@ -39,11 +39,11 @@ void OnMessage(j_common_ptr codec, int level) {
   switch (codec->err->msg_code) {
     case JWRN_JPEG_EOF:
     case JWRN_HIT_MARKER:
-      LeaveJpeg(codec, kVendorReadFailed);
+      LeaveJpeg(codec, kModuleReadFailed);
     case JWRN_HUFF_BAD_CODE:
     case JWRN_ARITH_BAD_CODE:
     case JWRN_MUST_RESYNC:
-      LeaveJpeg(codec, kVendorFormatDamaged);
+      LeaveJpeg(codec, kFileFormatDamaged);
     default:
       break;
   }
@@ -55,7 +55,7 @@ void OnPass(j_common_ptr codec) {
   JpegSession& session = SessionOf(codec);
   if (codec->is_decompressor != 0 &&
       reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > kMostScans) {
-    LeaveJpeg(codec, kVendorFormatDamaged);
+    LeaveJpeg(codec, kFileFormatDamaged);
   }
   // 100 is left to the caller, who knows when all is done.
   constexpr long kMostWhileBusy = 99;
@@ -64,7 +64,7 @@ void OnPass(j_common_ptr codec) {
   const long inPass = std::clamp(at.pass_counter, 0L, limit) * 100 / limit;
   const long percent = (at.completed_passes * 100L + inPass) / std::max(at.total_passes, 1);
   if (!session.progress.report(static_cast<std::uint64_t>(std::min(percent, kMostWhileBusy)))) {
-    LeaveJpeg(codec, kVendorAborted);
+    LeaveJpeg(codec, kModuleAborted);
   }
 }
 
@@ -89,4 +89,4 @@ void LeaveJpeg(j_common_ptr codec, int code) {
   std::longjmp(session.jump, 1);
 }
 
-}  // namespace provider
+}  // namespace modules

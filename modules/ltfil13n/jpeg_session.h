@@ -12,14 +12,14 @@
 
 #include "common/status.h"
 
-namespace provider {
+namespace modules {
 
 // Stays where it is while the library uses it: the library keeps pointers to it.
 struct JpegSession {
   jpeg_error_mgr errors{};
   jpeg_progress_mgr monitor{};
   std::jmp_buf jump{};
-  int code = 0;  // vendor code of the error that was met
+  int code = 0;  // module code of the error that was met
   Progress progress{100};
 };
 
@@ -27,9 +27,9 @@ struct JpegSession {
 void PrepareJpeg(JpegSession& session, j_common_ptr codec);
 // To be called once the object is made: its passes are reported as progress.
 void WatchJpeg(JpegSession& session, j_common_ptr codec);
-// Leaves the library with a vendor code.
+// Leaves the library with a module code.
 [[noreturn]] void LeaveJpeg(j_common_ptr codec, int code);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_JPEG_SESSION_H

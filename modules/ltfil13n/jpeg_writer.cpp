@@ -8,7 +8,7 @@
 #include "ltfil13n/jpeg_codec.h"
 #include "ltfil13n/jpeg_session.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
@@ -62,9 +62,9 @@ class JpegWriter {
         (void)jpeg_write_scanlines(&codec_, &row, 1);
       }
       jpeg_finish_compress(&codec_);
-      if (!session_.progress.report(100)) LeaveJpeg(common(), kVendorAborted);
+      if (!session_.progress.report(100)) LeaveJpeg(common(), kModuleAborted);
     });
-    return written ? kVendorSuccess : session_.code;
+    return written ? kModuleSuccess : session_.code;
   }
 
  private:
@@ -118,13 +118,13 @@ constexpr std::array<int, 1> kFormats{kFormatJpeg};
 
 int SaveJpeg(const SaveRequest& request, const LockedDib& image) {
   if (image->width > JPEG_MAX_DIMENSION || image->height > JPEG_MAX_DIMENSION) {
-    return kVendorFormatNotWritten;
+    return kFileFormatNotWritten;
   }
   FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kVendorFileNotOpened;
+  if (!file) return kModuleFileNotOpened;
   const int code = JpegWriter().write(file.get(), image, request.quality);
-  if (code != kVendorSuccess) return code;
-  return CloseWritten(std::move(file)) ? kVendorSuccess : kVendorWriteFailed;
+  if (code != kModuleSuccess) return code;
+  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
 }
 
 const Codec kJpegCodec{.recognises = Recognises,
@@ -134,4 +134,4 @@ const Codec kJpegCodec{.recognises = Recognises,
                        .save = SaveJpeg,
                        .loadAtLeast = LoadJpegAtLeast};
 
-}  // namespace provider
+}  // namespace modules

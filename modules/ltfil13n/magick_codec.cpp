@@ -15,7 +15,7 @@
 #include "ltfil13n/magick_session.h"
 #include "ltfil13n/pixel_kinds.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
@@ -26,10 +26,10 @@ bool Recognises(Bytes head, const char* extension) {
 
 int ReadFile(const char* path, std::vector<std::uint8_t>& bytes) {
   const FileHandle file = OpenFile(path, "rb");
-  if (!file) return kVendorFileNotOpened;
+  if (!file) return kModuleFileNotOpened;
   bytes.resize(FileSize(path));
   const bool complete = std::fread(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-  return complete ? kVendorSuccess : kVendorReadFailed;
+  return complete ? kModuleSuccess : kModuleReadFailed;
 }
 
 std::string ExtensionOf(const char* path) {
@@ -48,20 +48,20 @@ struct Source {
   int pages = 1;
 
   int open(const char* path, int page) {
-    if (const int code = ReadFile(path, bytes); code != kVendorSuccess) return code;
+    if (const int code = ReadFile(path, bytes); code != kModuleSuccess) return code;
     kind = MagickKindOf(Bytes(bytes).first(std::min(bytes.size(), Codec::kHeadBytes)),
                         ExtensionOf(path));
-    if (kind == nullptr) return kVendorFormatNotRead;
-    if (kind->isSound != nullptr && !kind->isSound(bytes)) return kVendorFormatDamaged;
+    if (kind == nullptr) return kFileFormatNotRead;
+    if (kind->isSound != nullptr && !kind->isSound(bytes)) return kFileFormatDamaged;
     if (kind->pages != nullptr) pages = kind->pages(bytes);
-    if (page < 1 || page > pages) return kVendorBadParameter;
+    if (page < 1 || page > pages) return kModuleBadParameter;
     info = NewMagickInfo(kind->magick);
-    if (!info) return kVendorNoMemory;
+    if (!info) return kModuleNoMemory;
     if (pages > 1) {
       info->subimage = static_cast<unsigned long>(page - 1);
       info->subrange = 1;
     }
-    return kVendorSuccess;
+    return kModuleSuccess;
   }
 
   [[nodiscard]] int depthOf(const Image& image) const {
@@ -93,25 +93,25 @@ const Image& PageOf(const MagickImage& images, int page) {
 
 int Describe(const char* path, int page, LTFILEINFO& info) {
   Source source;
-  if (const int code = source.open(path, page); code != kVendorSuccess) return code;
+  if (const int code = source.open(path, page); code != kModuleSuccess) return code;
   MagickImage images;
   const int code = DecodeMagick(*source.info, source.bytes, nullptr, images);
-  if (code != kVendorSuccess) return code;
+  if (code != kModuleSuccess) return code;
   const Image& image = PageOf(images, page);
   const char* const compression = image.compression == RLECompression ? "RLE" : "none";
   DescribeImage(source.describe(image, page), source.kind->format, compression, info);
   info.pageCount = source.pages;
   info.page = page;
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int Load(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   Source source;
-  if (const int code = source.open(path, page); code != kVendorSuccess) return code;
+  if (const int code = source.open(path, page); code != kModuleSuccess) return code;
   MagickProgress progress(MagickProgress::Order::kLibraryFirst);
   MagickImage images;
   const int code = DecodeMagick(*source.info, source.bytes, &progress, images);
-  if (code != kVendorSuccess) return code;
+  if (code != kModuleSuccess) return code;
   const Image& image = PageOf(images, page);
   return LoadImage(source.describe(image, page), bitmap,
                    [&](const Pixels& target) { return CopyFromMagick(image, target, progress); });
@@ -155,10 +155,10 @@ const Target* TargetFor(int format, const Pixels& pixels) {
 int Save(const SaveRequest& request, const LockedDib& locked) {
   const Pixels& pixels = *locked;
   const Target* const target = TargetFor(request.format, pixels);
-  if (target == nullptr) return kVendorFormatNotWritten;
+  if (target == nullptr) return kFileFormatNotWritten;
   const MagickImageInfo info = NewMagickInfo(target->magick);
   const MagickImage image = info ? NewMagickImage(*info) : nullptr;
-  if (!image) return kVendorNoMemory;
+  if (!image) return kModuleNoMemory;
   info->compression = target->compression;
   // Black and white stay 1 bit where such files are read everywhere; the library has to look.
   if (pixels.depth == 1 && target->holdsBits) info->type = OptimizeType;
@@ -169,12 +169,12 @@ int Save(const SaveRequest& request, const LockedDib& locked) {
   MagickProgress progress(MagickProgress::Order::kRowsFirst);
   const bool withAlpha = target->holdsAlpha && HasAlpha(pixels);
   int code = CopyToMagick(pixels, withAlpha, *image, progress);
-  if (code != kVendorSuccess) return code;
+  if (code != kModuleSuccess) return code;
   FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kVendorFileNotOpened;
+  if (!file) return kModuleFileNotOpened;
   code = EncodeMagick(*info, *image, progress, file.get());
-  if (code != kVendorSuccess) return code;
-  return CloseWritten(std::move(file)) ? kVendorSuccess : kVendorWriteFailed;
+  if (code != kModuleSuccess) return code;
+  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
 }
 
 }  // namespace
@@ -185,4 +185,4 @@ const Codec kMagickCodec{.recognises = Recognises,
                          .formats = kFormats,
                          .save = Save};
 
-}  // namespace provider
+}  // namespace modules

@@ -5,7 +5,7 @@
 
 #include "binding/module_contract.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 using Bytes = MagickKind::Bytes;
@@ -185,4 +185,4 @@ const MagickKind* MagickKindOf(std::span<const std::uint8_t> head, std::string_v
   return kind == kKinds.end() ? nullptr : kind;
 }
 
-}  // namespace provider
+}  // namespace modules

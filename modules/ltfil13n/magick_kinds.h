@@ -7,7 +7,7 @@
 #include <span>
 #include <string_view>
 
-namespace provider {
+namespace modules {
 
 // In dots per inch; 0 when there is none.
 struct FileResolution {
@@ -19,7 +19,7 @@ struct MagickKind {
   using Bytes = std::span<const std::uint8_t>;
 
   const char* magick;  // the library's name
-  int format;          // a VendorFormat
+  int format;          // a FileFormat
   // head: the first bytes of the file, as many as a codec may count on.
   bool (*matches)(Bytes head, std::string_view extension);
 
@@ -42,6 +42,6 @@ const MagickKind* MagickKindOf(std::span<const std::uint8_t> head, std::string_v
 // standard error, so it gets to see none of what it would dislike.
 bool IsSoundMetafile(std::span<const std::uint8_t> file);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_MAGICK_KINDS_H

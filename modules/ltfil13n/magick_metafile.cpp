@@ -3,7 +3,7 @@
 
 #include "ltfil13n/magick_kinds.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
@@ -72,4 +72,4 @@ bool IsSoundMetafile(std::span<const std::uint8_t> file) {
   return false;
 }
 
-}  // namespace provider
+}  // namespace modules

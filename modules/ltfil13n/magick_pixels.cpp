@@ -7,7 +7,7 @@
 #include "common/color_rows.h"
 #include "ltfil13n/index_rows.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::uint64_t kMost = MaxRGB;
@@ -122,12 +122,12 @@ int CopyFromMagick(const Image& image, const Pixels& target, MagickProgress& pro
         AcquireImagePixels(&image, 0, line, image.columns, 1, report.get());
     const IndexPacket* const indexes = AccessImmutableIndexes(&image);
     if (pixels == nullptr || (target.palette != nullptr && indexes == nullptr)) {
-      return kVendorNoMemory;
+      return kModuleNoMemory;
     }
     row.copy(pixels, indexes, target.height - 1 - line);
-    if (!progress.reportRows(line + 1, target.height)) return kVendorAborted;
+    if (!progress.reportRows(line + 1, target.height)) return kModuleAborted;
   }
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress) {
@@ -135,23 +135,23 @@ int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgr
   image.rows = static_cast<unsigned long>(source.height);
   image.depth = 8;
   image.matte = withAlpha ? MagickTrue : MagickFalse;
-  if (!MakePalette(source, image)) return kVendorNoMemory;
+  if (!MakePalette(source, image)) return kModuleNoMemory;
 
   std::vector<Color> colors(image.columns);
   std::vector<std::uint8_t> indexes(image.columns);
   for (int line = 0; line < source.height; ++line) {
     const int y = source.height - 1 - line;
     PixelPacket* const pixels = SetImagePixels(&image, 0, line, image.columns, 1);
-    if (pixels == nullptr) return kVendorNoMemory;
+    if (pixels == nullptr) return kModuleNoMemory;
     if (source.palette == nullptr) {
       CopyColors(source, y, withAlpha, colors, pixels);
     } else {
       CopyIndexes(source, y, indexes, image, pixels, AccessMutableIndexes(&image));
     }
-    if (SyncImagePixels(&image) != MagickPass) return kVendorNoMemory;
-    if (!progress.reportRows(line + 1, source.height)) return kVendorAborted;
+    if (SyncImagePixels(&image) != MagickPass) return kModuleNoMemory;
+    if (!progress.reportRows(line + 1, source.height)) return kModuleAborted;
   }
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -5,19 +5,19 @@
 #include "common/dib_image.h"
 #include "ltfil13n/magick_session.h"
 
-namespace provider {
+namespace modules {
 
 // Whether the rows of the image can be stored as indexes of `depth` bits.
 bool FitsPalette(const Image& image, int depth);
 
 // Fills palette and rows of a DIB of the same measures. To 32 bits the fourth byte is the opacity;
-// otherwise transparent parts show white. Depths to 8 ask for FitsPalette. Vendor code.
+// otherwise transparent parts show white. Depths to 8 ask for FitsPalette. Module code.
 int CopyFromMagick(const Image& image, const Pixels& target, MagickProgress& progress);
 
 // Gives an image that has no pixels yet those of a DIB: with a palette for depths to 8; with
-// opacity for 32 bits when withAlpha. Vendor code.
+// opacity for 32 bits when withAlpha. Module code.
 int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_MAGICK_PIXELS_H

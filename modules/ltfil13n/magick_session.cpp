@@ -7,7 +7,7 @@
 
 #include "pictures/library_calls.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 // Where a call leaves to when the library meets what it takes for fatal, an allocation that failed
@@ -85,16 +85,16 @@ template <class Calls>
 
 int MagickReport::code() const {
   const int severity = exception_.severity;
-  if (severity < ErrorException) return kVendorSuccess;
+  if (severity < ErrorException) return kModuleSuccess;
   switch (severity % 100) {
     case ResourceLimitBase:
     case CacheBase:
-      return kVendorNoMemory;
+      return kModuleNoMemory;
     case MissingDelegateBase:
     case DelegateBase:
-      return kVendorFormatNotRead;
+      return kFileFormatNotRead;
     default:
-      return kVendorFormatDamaged;
+      return kFileFormatDamaged;
   }
 }
 
@@ -137,13 +137,13 @@ int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
   const auto decode = progress == nullptr ? PingBlob : BlobToImage;
   if (!CallMagick(progress,
                   [&] { decoded = decode(&info, file.data(), file.size(), report.get()); })) {
-    return kVendorNoMemory;
+    return kModuleNoMemory;
   }
   image.reset(decoded);
-  if (progress != nullptr && progress->stopped()) return kVendorAborted;
-  if (const int code = report.code(); code != kVendorSuccess) return code;
-  if (!image) return kVendorFormatDamaged;
-  return progress == nullptr || progress->reportLibrary(1, 1) ? kVendorSuccess : kVendorAborted;
+  if (progress != nullptr && progress->stopped()) return kModuleAborted;
+  if (const int code = report.code(); code != kModuleSuccess) return code;
+  if (!image) return kFileFormatDamaged;
+  return progress == nullptr || progress->reportLibrary(1, 1) ? kModuleSuccess : kModuleAborted;
 }
 
 int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file) {
@@ -151,14 +151,14 @@ int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, 
   void* bytes = nullptr;
   std::size_t count = 0;
   if (!CallMagick(&progress, [&] { bytes = ImageToBlob(&info, &image, &count, report.get()); })) {
-    return kVendorNoMemory;
+    return kModuleNoMemory;
   }
   const bool written = bytes != nullptr && std::fwrite(bytes, 1, count, file) == count;
   MagickFree(bytes);
-  if (progress.stopped()) return kVendorAborted;
-  if (report.code() == kVendorNoMemory) return kVendorNoMemory;
-  if (!written || report.code() != kVendorSuccess) return kVendorWriteFailed;
-  return progress.reportLibrary(1, 1) ? kVendorSuccess : kVendorAborted;
+  if (progress.stopped()) return kModuleAborted;
+  if (report.code() == kModuleNoMemory) return kModuleNoMemory;
+  if (!written || report.code() != kModuleSuccess) return kModuleWriteFailed;
+  return progress.reportLibrary(1, 1) ? kModuleSuccess : kModuleAborted;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -12,7 +12,7 @@
 
 #include "common/status.h"
 
-namespace provider {
+namespace modules {
 
 struct MagickImageEnd {
   void operator()(Image* image) const { DestroyImageList(image); }
@@ -24,7 +24,7 @@ struct MagickInfoEnd {
 };
 using MagickImageInfo = std::unique_ptr<ImageInfo, MagickInfoEnd>;
 
-// What one call into the library reported. Vendor code of it by code().
+// What one call into the library reported. Module code of it by code().
 class MagickReport {
  public:
   MagickReport() { GetExceptionInfo(&exception_); }
@@ -67,12 +67,12 @@ MagickImageInfo NewMagickInfo(const char* magick);
 // An image without pixels for the format of the options; empty when out of memory.
 MagickImage NewMagickImage(const ImageInfo& info);
 
-// The first image of a file in memory, without its pixels when progress is null. Vendor code.
+// The first image of a file in memory, without its pixels when progress is null. Module code.
 int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
                  MagickProgress* progress, MagickImage& image);
-// Writes the bytes of a file that holds the image. Vendor code.
+// Writes the bytes of a file that holds the image. Module code.
 int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_MAGICK_SESSION_H

@@ -12,15 +12,15 @@
 
 namespace {
 
-using provider::Guarded;
-using provider::StatusShare;
+using modules::Guarded;
+using modules::StatusShare;
 
 constexpr int kFirstPage = 1;
 
 // The kernel module tells callers which libraries are in use.
 const int kNamesRegistered = Guarded([] {
-  KernelRegisterCodecs(provider::CodecNames().c_str());
-  return kVendorSuccess;
+  KernelRegisterCodecs(modules::CodecNames().c_str());
+  return kModuleSuccess;
 });
 
 // Releases what a bitmap of this module's own holds.
@@ -37,63 +37,63 @@ class OwnBitmap {
 };
 
 int Load(const char* path, struct_LEAD_Bitmap& bitmap) {
-  provider::SourceFile source;
-  const int code = provider::FindSource(path, source);
-  return code == kVendorSuccess ? source.codec->load(source.path.c_str(), kFirstPage, bitmap)
+  modules::SourceFile source;
+  const int code = modules::FindSource(path, source);
+  return code == kModuleSuccess ? source.codec->load(source.path.c_str(), kFirstPage, bitmap)
                                 : code;
 }
 
 int Save(const char* path, struct_LEAD_Bitmap* bitmap, int bits,
-         const provider::SaveOptions& options) {
-  if (bitmap == nullptr) return kVendorNoBitmap;
+         const modules::SaveOptions& options) {
+  if (bitmap == nullptr) return kModuleNoBitmap;
   if (bits == 0 || bits == bitmap->bitsPerPixel) {
-    return provider::WriteImage(path, *bitmap, options);
+    return modules::WriteImage(path, *bitmap, options);
   }
   OwnBitmap copy;
   (*copy).block = L_ConvertToDIB(bitmap);
-  if ((*copy).block == nullptr) return kVendorNoBitmap;
-  provider::Describe(*copy);
+  if ((*copy).block == nullptr) return kModuleNoBitmap;
+  modules::Describe(*copy);
   constexpr int kDepthShare = 30;
-  int code = kVendorSuccess;
+  int code = kModuleSuccess;
   {
     const StatusShare share(0, kDepthShare);
-    code = provider::BringToDepth(*copy, bits);
+    code = modules::BringToDepth(*copy, bits);
   }
   const StatusShare share(kDepthShare, 100 - kDepthShare);
-  return code == kVendorSuccess ? provider::WriteImage(path, *copy, options) : code;
+  return code == kModuleSuccess ? modules::WriteImage(path, *copy, options) : code;
 }
 
 int Convert(const char* source, const char* target, int width, int height, int bits,
-            const provider::SaveOptions& options) {
+            const modules::SaveOptions& options) {
   constexpr int kLoadEnd = 45;
   constexpr int kChangeEnd = 55;
   OwnBitmap bitmap;
-  int code = kVendorSuccess;
+  int code = kModuleSuccess;
   {
     const StatusShare share(0, kLoadEnd);
     code = Load(source, *bitmap);
   }
   {
     const StatusShare share(kLoadEnd, kChangeEnd - kLoadEnd);
-    if (code == kVendorSuccess && width > 0 && height > 0) {
+    if (code == kModuleSuccess && width > 0 && height > 0) {
       code = L_SizeBitmap(&*bitmap, width, height, kSizeBest);
     }
-    if (code == kVendorSuccess) code = provider::BringToDepth(*bitmap, bits);
+    if (code == kModuleSuccess) code = modules::BringToDepth(*bitmap, bits);
   }
   const StatusShare share(kChangeEnd, 100 - kChangeEnd);
-  return code == kVendorSuccess ? provider::WriteImage(target, *bitmap, options) : code;
+  return code == kModuleSuccess ? modules::WriteImage(target, *bitmap, options) : code;
 }
 
 int FileInfo(const char* path, int page, LTFILEINFO& info) {
-  provider::SourceFile source;
-  int code = provider::FindSource(path, source);
-  if (code != kVendorSuccess) return code;
+  modules::SourceFile source;
+  int code = modules::FindSource(path, source);
+  if (code != kModuleSuccess) return code;
   LTFILEINFO found{};
   code = source.codec->describe(source.path.c_str(), page, found);
-  if (code != kVendorSuccess) return code;
+  if (code != kModuleSuccess) return code;
   found.sizeOnDisk = static_cast<int>(std::min<std::uint64_t>(source.bytes, INT_MAX));
   info = found;
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 }  // namespace
@@ -101,21 +101,21 @@ int FileInfo(const char* path, int page, LTFILEINFO& info) {
 // Bytes always come blue first, whatever order is asked. The record need not be initialised.
 int L_LoadBitmap(const char* path, struct_LEAD_Bitmap* bitmap, int bits, int /*order*/,
                  void* /*callback*/, void* /*userData*/) {
-  if (bitmap == nullptr) return kVendorNoBitmap;
+  if (bitmap == nullptr) return kModuleNoBitmap;
   *bitmap = {};
   return Guarded([=] {
     constexpr int kLoadShare = 70;
     OwnBitmap loaded;
-    int code = kVendorSuccess;
+    int code = kModuleSuccess;
     {
       const StatusShare share(0, bits == 0 ? 100 : kLoadShare);
       code = Load(path, *loaded);
     }
-    if (code == kVendorSuccess && bits != 0) {
+    if (code == kModuleSuccess && bits != 0) {
       const StatusShare share(kLoadShare, 100 - kLoadShare);
-      code = provider::BringToDepth(*loaded, bits);
+      code = modules::BringToDepth(*loaded, bits);
     }
-    if (code == kVendorSuccess) std::swap(*bitmap, *loaded);
+    if (code == kModuleSuccess) std::swap(*bitmap, *loaded);
     return code;
   });
 }
@@ -130,16 +130,16 @@ int L_SaveFile(const char* path, struct_LEAD_Bitmap* bitmap, int format, int bit
   return Guarded([=] {
     const bool append = (flags & kSaveAppendsPage) == kSaveAppendsPage;
     const bool takesPages = format == kFormatTiff || format == kFormatTiffCompressed;
-    if (append && !takesPages) return static_cast<int>(kVendorFormatNotWritten);
+    if (append && !takesPages) return static_cast<int>(kFileFormatNotWritten);
     return Save(path, bitmap, bits, {format, quality, append});
   });
 }
 
 int L_FileInfo(const char* path, LTFILEINFO* info, unsigned flags, const LTLOADOPTIONS* options) {
-  if (info == nullptr) return kVendorBadParameter;
+  if (info == nullptr) return kModuleBadParameter;
   const bool usesOptions = (flags & kInfoUsesOptions) != 0;
   if (usesOptions && (options == nullptr || options->size < static_cast<int>(sizeof *options))) {
-    return kVendorBadParameter;
+    return kModuleBadParameter;
   }
   return Guarded([=] { return FileInfo(path, usesOptions ? options->page : kFirstPage, *info); });
 }
@@ -156,13 +156,13 @@ int L_FileConvert(const char* source, const char* target, int format, int width,
 int L_CreateThumbnailFromFile(const char* path, struct_LEAD_Bitmap* bitmap,
                               const LTTHUMBNAILOPTIONS* options, void* /*info*/,
                               void* /*saveOptions*/, void* /*callback*/, void* /*userData*/) {
-  if (bitmap == nullptr) return kVendorNoBitmap;
+  if (bitmap == nullptr) return kModuleNoBitmap;
   *bitmap = {};
-  if (options == nullptr) return kVendorBadParameter;
+  if (options == nullptr) return kModuleBadParameter;
   return Guarded([=] {
     OwnBitmap made;
-    const int code = provider::MakeThumbnail(path, *options, *made);
-    if (code == kVendorSuccess) std::swap(*bitmap, *made);
+    const int code = modules::MakeThumbnail(path, *options, *made);
+    if (code == kModuleSuccess) std::swap(*bitmap, *made);
     return code;
   });
 }

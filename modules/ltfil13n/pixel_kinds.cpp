@@ -1,6 +1,6 @@
 #include "ltfil13n/pixel_kinds.h"
 
-namespace provider {
+namespace modules {
 
 bool HasAlpha(const Pixels& image) {
   if (image.depth != 32) return false;
@@ -22,4 +22,4 @@ bool HasGrayRamp(const Pixels& image) {
   return true;
 }
 
-}  // namespace provider
+}  // namespace modules

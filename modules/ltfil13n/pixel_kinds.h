@@ -4,7 +4,7 @@
 
 #include "common/dib_image.h"
 
-namespace provider {
+namespace modules {
 
 // Whether the fourth bytes of 32-bit pixels mean transparency. They usually are padding and 0
 // throughout; taken for transparency that would make the whole picture invisible. So they count
@@ -14,6 +14,6 @@ bool HasAlpha(const Pixels& image);
 // Whether the palette is the even ramp from black to white that FillGrayPalette makes.
 bool HasGrayRamp(const Pixels& image);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_PIXEL_KINDS_H

@@ -9,7 +9,7 @@
 #include "pictures/file_image.h"
 #include "ltfil13n/codec.h"
 
-namespace provider {
+namespace modules {
 
 int DescribePng(const char* path, int page, LTFILEINFO& info);
 int LoadPng(const char* path, int page, struct_LEAD_Bitmap& bitmap);
@@ -20,6 +20,6 @@ int SavePng(const SaveRequest& request, const LockedDib& image);
 [[noreturn]] void OnPngError(png_structp png, png_const_charp message);
 void OnPngWarning(png_structp png, png_const_charp message);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_PNG_CODEC_H

@@ -6,7 +6,7 @@
 #include "pictures/library_calls.h"
 #include "ltfil13n/png_codec.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::uint64_t kMostDeflateRatio = 1032;
@@ -20,12 +20,12 @@ class PngReader {
   PngReader(const PngReader&) = delete;
   PngReader& operator=(const PngReader&) = delete;
 
-  // Reads what stands before the pixels and decides what the image becomes. Vendor code.
+  // Reads what stands before the pixels and decides what the image becomes. Module code.
   int open(const char* path, int page) {
-    if (page != 1) return kVendorBadParameter;
-    if (info_ == nullptr) return kVendorNoMemory;
+    if (page != 1) return kModuleBadParameter;
+    if (info_ == nullptr) return kModuleNoMemory;
     file_ = OpenFile(path, "rb");
-    if (!file_) return kVendorFileNotOpened;
+    if (!file_) return kModuleFileNotOpened;
     fileBytes_ = FileSize(path);
     return attempt([this] {
       constexpr png_uint_32 kMostChunks = 1000;
@@ -63,16 +63,16 @@ class PngReader {
         }
       }
     });
-    if (stopped) return kVendorAborted;
-    if (code == kVendorSuccess && bits_ == 2 && image.depth == 4) widenRows(image);
+    if (stopped) return kModuleAborted;
+    if (code == kModuleSuccess && bits_ == 2 && image.depth == 4) widenRows(image);
     return code;
   }
 
  private:
   template <class Calls>
   int attempt(const Calls& calls) {
-    if (Attempt(jump_, calls)) return kVendorSuccess;
-    return std::feof(file_.get()) != 0 ? kVendorReadFailed : kVendorFormatDamaged;
+    if (Attempt(jump_, calls)) return kModuleSuccess;
+    return std::feof(file_.get()) != 0 ? kModuleReadFailed : kFileFormatDamaged;
   }
 
   void describe() {
@@ -155,16 +155,16 @@ void OnPngWarning(png_structp /*png*/, png_const_charp /*message*/) {}
 int DescribePng(const char* path, int page, LTFILEINFO& info) {
   PngReader reader;
   const int code = reader.open(path, page);
-  if (code == kVendorSuccess) DescribeImage(reader.image(), kFormatPng, "deflate", info);
+  if (code == kModuleSuccess) DescribeImage(reader.image(), kFormatPng, "deflate", info);
   return code;
 }
 
 int LoadPng(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   PngReader reader;
-  if (const int code = reader.open(path, page); code != kVendorSuccess) return code;
-  if (!reader.isPlausible()) return kVendorReadFailed;
+  if (const int code = reader.open(path, page); code != kModuleSuccess) return code;
+  if (!reader.isPlausible()) return kModuleReadFailed;
   return LoadImage(reader.image(), bitmap,
                    [&](const Pixels& pixels) { return reader.read(pixels); });
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -11,7 +11,7 @@
 #include "ltfil13n/pixel_kinds.h"
 #include "ltfil13n/png_codec.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
@@ -29,7 +29,7 @@ class PngWriter {
   PngWriter& operator=(const PngWriter&) = delete;
 
   int write(std::FILE* file, const LockedDib& image) {
-    if (info_ == nullptr) return kVendorNoMemory;
+    if (info_ == nullptr) return kModuleNoMemory;
     const int colorType = colorTypeOf(*image);
     std::unique_ptr<Color[]> colors;
     if (image->depth == 16) {
@@ -49,8 +49,8 @@ class PngWriter {
       stopped = !writeRows(*image, scratch);
       if (!stopped) png_write_end(png_, nullptr);
     });
-    if (stopped) return kVendorAborted;
-    return written ? kVendorSuccess : kVendorWriteFailed;
+    if (stopped) return kModuleAborted;
+    return written ? kModuleSuccess : kModuleWriteFailed;
   }
 
  private:
@@ -109,12 +109,12 @@ constexpr std::array<int, 1> kFormats{kFormatPng};
 // 16 bits are written as 24; PNG has no such depth.
 int SavePng(const SaveRequest& request, const LockedDib& image) {
   FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kVendorFileNotOpened;
+  if (!file) return kModuleFileNotOpened;
   const int code = PngWriter().write(file.get(), image);
-  if (code != kVendorSuccess) return code;
-  return CloseWritten(std::move(file)) ? kVendorSuccess : kVendorWriteFailed;
+  if (code != kModuleSuccess) return code;
+  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
 }
 
 const Codec kPngCodec{Recognises, DescribePng, LoadPng, kFormats, SavePng};
 
-}  // namespace provider
+}  // namespace modules

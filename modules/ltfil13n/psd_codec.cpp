@@ -10,7 +10,7 @@
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/index_rows.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
@@ -146,7 +146,7 @@ int WritePicture(std::FILE* file, const Pixels& image, PsdMode mode, int channel
   const int rows = channels * image.height;
   Progress progress(static_cast<std::uint64_t>(rows));
   const long tableAt = std::ftell(file);
-  if (!Write(file, Buffer(2 * static_cast<std::size_t>(rows)))) return kVendorWriteFailed;
+  if (!Write(file, Buffer(2 * static_cast<std::size_t>(rows)))) return kModuleWriteFailed;
   Samples samples(image, mode);
   Buffer counts;
   Buffer runs;
@@ -154,11 +154,11 @@ int WritePicture(std::FILE* file, const Pixels& image, PsdMode mode, int channel
     runs.clear();
     PackRuns(samples.of(i / image.height, image.height - 1 - i % image.height), runs);
     Add16(counts, static_cast<unsigned>(runs.size()));
-    if (!Write(file, runs)) return kVendorWriteFailed;
-    if (!progress.report(static_cast<std::uint64_t>(i) + 1)) return kVendorAborted;
+    if (!Write(file, runs)) return kModuleWriteFailed;
+    if (!progress.report(static_cast<std::uint64_t>(i) + 1)) return kModuleAborted;
   }
   const bool written = std::fseek(file, tableAt, SEEK_SET) == 0 && Write(file, counts);
-  return written ? kVendorSuccess : kVendorWriteFailed;
+  return written ? kModuleSuccess : kModuleWriteFailed;
 }
 
 constexpr std::array<int, 1> kFormats{kFormatPsd};
@@ -166,17 +166,17 @@ constexpr std::array<int, 1> kFormats{kFormatPsd};
 }  // namespace
 
 int SavePsd(const SaveRequest& request, const LockedDib& image) {
-  if (std::max(image->width, image->height) > kPsdMostSide) return kVendorFormatNotWritten;
+  if (std::max(image->width, image->height) > kPsdMostSide) return kFileFormatNotWritten;
   FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kVendorFileNotOpened;
+  if (!file) return kModuleFileNotOpened;
   const PsdMode mode = ModeFor(*image);
   const int channels = mode == PsdMode::kRgb ? 3 : 1;
   if (!Write(file.get(), StartOf(image, mode, static_cast<unsigned>(channels)))) {
-    return kVendorWriteFailed;
+    return kModuleWriteFailed;
   }
   const int code = WritePicture(file.get(), *image, mode, channels);
-  if (code != kVendorSuccess) return code;
-  return CloseWritten(std::move(file)) ? kVendorSuccess : kVendorWriteFailed;
+  if (code != kModuleSuccess) return code;
+  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
 }
 
 const Codec kPsdCodec{.recognises = Recognises,
@@ -185,4 +185,4 @@ const Codec kPsdCodec{.recognises = Recognises,
                       .formats = kFormats,
                       .save = SavePsd};
 
-}  // namespace provider
+}  // namespace modules

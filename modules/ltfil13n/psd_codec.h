@@ -16,7 +16,7 @@
 
 #include "ltfil13n/codec.h"
 
-namespace provider {
+namespace modules {
 
 enum class PsdMode : std::uint16_t {
   kBitmap = 0,  // 1 bit, 1 is black
@@ -49,6 +49,6 @@ void PackRuns(std::span<const std::uint8_t> row, std::vector<std::uint8_t>& runs
 // Fills a row; false when the runs do not make exactly one.
 bool UnpackRuns(std::span<const std::uint8_t> runs, std::span<std::uint8_t> row);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_PSD_CODEC_H

@@ -5,7 +5,7 @@
 #include "pictures/file_image.h"
 #include "ltfil13n/psd_codec.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 unsigned Big16(const std::uint8_t* bytes) {
@@ -65,25 +65,25 @@ int ChannelsOf(PsdMode mode, int bits) {
 int ReadMeasures(std::FILE* file, PsdHeader& header) {
   constexpr unsigned kMostChannels = 56;
   std::array<std::uint8_t, kPsdHeaderBytes> bytes{};
-  if (!Read(file, bytes)) return kVendorReadFailed;
+  if (!Read(file, bytes)) return kModuleReadFailed;
   const unsigned channels = Big16(&bytes[12]);
   const std::uint32_t height = Big32(&bytes[14]);
   const std::uint32_t width = Big32(&bytes[18]);
   const bool fits = channels >= 1 && channels <= kMostChannels && width >= 1 &&
                     width <= kPsdMostSide && height >= 1 && height <= kPsdMostSide;
-  if (!fits) return kVendorFormatDamaged;
+  if (!fits) return kFileFormatDamaged;
 
   header.channels = static_cast<int>(channels);
   header.bits = static_cast<int>(Big16(&bytes[22]));
   header.mode = static_cast<PsdMode>(Big16(&bytes[24]));
   header.usedChannels = ChannelsOf(header.mode, header.bits);
-  if (header.usedChannels == 0) return kVendorFormatNotRead;
-  if (header.usedChannels > header.channels) return kVendorFormatDamaged;
+  if (header.usedChannels == 0) return kFileFormatNotRead;
+  if (header.usedChannels > header.channels) return kFileFormatDamaged;
   header.image.width = static_cast<int>(width);
   header.image.height = static_cast<int>(height);
   header.image.depth = std::min(8, header.bits);
   if (header.usedChannels > 1) header.image.depth = 24;
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 bool ReadPalette(std::FILE* file, PsdHeader& header) {
@@ -125,20 +125,20 @@ bool ReadResources(std::FILE* file, PsdHeader& header) {
 
 // Opens a file and leaves it at the picture's rows.
 int Open(const char* path, int page, FileHandle& file, PsdHeader& header) {
-  if (page != 1) return kVendorBadParameter;
+  if (page != 1) return kModuleBadParameter;
   file = OpenFile(path, "rb");
-  if (!file) return kVendorFileNotOpened;
-  if (const int code = ReadMeasures(file.get(), header); code != kVendorSuccess) return code;
+  if (!file) return kModuleFileNotOpened;
+  if (const int code = ReadMeasures(file.get(), header); code != kModuleSuccess) return code;
   std::uint32_t layerBytes = 0;
   std::array<std::uint8_t, 2> compression{};
   const bool complete = ReadPalette(file.get(), header) && ReadResources(file.get(), header) &&
                         ReadNumber(file.get(), layerBytes) && Skip(file.get(), layerBytes) &&
                         Read(file.get(), compression);
-  if (!complete) return kVendorReadFailed;
+  if (!complete) return kModuleReadFailed;
   header.compression = static_cast<PsdCompression>(Big16(compression.data()));
   const bool known =
       header.compression == PsdCompression::kNone || header.compression == PsdCompression::kRuns;
-  return known ? kVendorSuccess : kVendorFormatNotRead;
+  return known ? kModuleSuccess : kFileFormatNotRead;
 }
 
 // Gives the rows of the picture's channels in the order of the file.
@@ -152,12 +152,12 @@ class RowReader {
   }
 
   int read(std::span<std::uint8_t> row) {
-    if (!hasRuns_) return Read(file_, row) ? kVendorSuccess : kVendorReadFailed;
-    if (!hasCounts_) return kVendorReadFailed;
+    if (!hasRuns_) return Read(file_, row) ? kModuleSuccess : kModuleReadFailed;
+    if (!hasCounts_) return kModuleReadFailed;
     runs_.resize(Big16(&counts_[next_]));
     next_ += 2;
-    if (!Read(file_, runs_)) return kVendorReadFailed;
-    return UnpackRuns(runs_, row) ? kVendorSuccess : kVendorFormatDamaged;
+    if (!Read(file_, runs_)) return kModuleReadFailed;
+    return UnpackRuns(runs_, row) ? kModuleSuccess : kFileFormatDamaged;
   }
 
  private:
@@ -209,12 +209,12 @@ int ReadPicture(std::FILE* file, const PsdHeader& header, const Pixels& image) {
   RowReader reader(file, header);
   std::vector<std::uint8_t> row(header.rowBytes());
   for (int i = 0; i < rows; ++i) {
-    if (const int code = reader.read(row); code != kVendorSuccess) return code;
+    if (const int code = reader.read(row); code != kModuleSuccess) return code;
     if (header.bits == 16) NarrowTo8(row);
     StoreChannel(row.data(), i / image.height, image, LineFromTop(image, i % image.height));
-    if (!progress.report(static_cast<std::uint64_t>(i) + 1)) return kVendorAborted;
+    if (!progress.report(static_cast<std::uint64_t>(i) + 1)) return kModuleAborted;
   }
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 // Whether the file is long enough for the picture that it claims.
@@ -231,19 +231,19 @@ bool HoldsPicture(const char* path, const PsdHeader& header) {
 int DescribePsd(const char* path, int page, LTFILEINFO& info) {
   FileHandle file;
   PsdHeader header;
-  if (const int code = Open(path, page, file, header); code != kVendorSuccess) return code;
+  if (const int code = Open(path, page, file, header); code != kModuleSuccess) return code;
   const bool hasRuns = header.compression == PsdCompression::kRuns;
   DescribeImage(header.image, kFormatPsd, hasRuns ? "RLE" : "none", info);
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int LoadPsd(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
   FileHandle file;
   PsdHeader header;
-  if (const int code = Open(path, page, file, header); code != kVendorSuccess) return code;
-  if (!HoldsPicture(path, header)) return kVendorReadFailed;
+  if (const int code = Open(path, page, file, header); code != kModuleSuccess) return code;
+  if (!HoldsPicture(path, header)) return kModuleReadFailed;
   return LoadImage(header.image, bitmap,
                    [&](const Pixels& image) { return ReadPicture(file.get(), header, image); });
 }
 
-}  // namespace provider
+}  // namespace modules

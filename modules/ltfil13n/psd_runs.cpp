@@ -2,7 +2,7 @@
 
 #include "ltfil13n/psd_codec.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::size_t kMostInRun = 128;
@@ -62,4 +62,4 @@ bool UnpackRuns(std::span<const std::uint8_t> runs, std::span<std::uint8_t> row)
   return row.empty();
 }
 
-}  // namespace provider
+}  // namespace modules

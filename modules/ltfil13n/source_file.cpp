@@ -8,12 +8,12 @@
 #include "pictures/file_handle.h"
 #include "platform/paths.h"
 
-namespace provider {
+namespace modules {
 
 int TakePath(const char* path, std::string& native) {
-  if (path == nullptr) return kVendorBadParameter;
+  if (path == nullptr) return kModuleBadParameter;
   native = platform::NativePath(path);
-  return native.empty() || native.size() >= MAX_PATH ? kVendorFileNotOpened : kVendorSuccess;
+  return native.empty() || native.size() >= MAX_PATH ? kModuleFileNotOpened : kModuleSuccess;
 }
 
 std::string ExtensionOf(const std::string& path) {
@@ -27,32 +27,32 @@ std::string ExtensionOf(const std::string& path) {
 }
 
 int FindSource(const char* path, SourceFile& source) {
-  if (const int code = TakePath(path, source.path); code != kVendorSuccess) return code;
+  if (const int code = TakePath(path, source.path); code != kModuleSuccess) return code;
   std::error_code error;
   const auto status = std::filesystem::status(source.path, error);
-  if (status.type() == std::filesystem::file_type::not_found) return kVendorFileNotFound;
-  if (!std::filesystem::is_regular_file(status)) return kVendorFileNotOpened;
+  if (status.type() == std::filesystem::file_type::not_found) return kModuleFileNotFound;
+  if (!std::filesystem::is_regular_file(status)) return kModuleFileNotOpened;
   source.bytes = FileSize(source.path.c_str());
 
   const FileHandle file = OpenFile(source.path.c_str(), "rb");
-  if (!file) return kVendorFileNotOpened;
+  if (!file) return kModuleFileNotOpened;
   std::array<std::uint8_t, Codec::kHeadBytes> bytes{};
   const std::span head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get()));
   const std::string extension = ExtensionOf(source.path);
   for (const Codec* codec : Codecs()) {
     if (!codec->recognises(head, extension.c_str())) continue;
     source.codec = codec;
-    return kVendorSuccess;
+    return kModuleSuccess;
   }
-  return kVendorFormatNotRead;
+  return kFileFormatNotRead;
 }
 
 int BringToDepth(struct_LEAD_Bitmap& bitmap, int bits) {
-  if (bits == 0 || bits == bitmap.bitsPerPixel) return kVendorSuccess;
+  if (bits == 0 || bits == bitmap.bitsPerPixel) return kModuleSuccess;
   const unsigned flags = kColorResOptimisedPalette | KernelDefaultDithering()
                                                          << kColorResDitheringShift;
   return L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr,
                           nullptr);
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -7,9 +7,9 @@
 
 #include "ltfil13n/codec.h"
 
-namespace provider {
+namespace modules {
 
-// Checks a caller's path and gives it with the system's own separators. Vendor code.
+// Checks a caller's path and gives it with the system's own separators. Module code.
 int TakePath(const char* path, std::string& native);
 
 // The part of a path behind its last dot, in lower case; empty when there is none.
@@ -21,13 +21,13 @@ struct SourceFile {
   const Codec* codec = nullptr;
 };
 
-// Finds the codec by what the file holds. Vendor code.
+// Finds the codec by what the file holds. Module code.
 int FindSource(const char* path, SourceFile& source);
 
-// Brings a bitmap to a depth; 0 and its own depth leave it alone. Vendor code; on failure the
+// Brings a bitmap to a depth; 0 and its own depth leave it alone. Module code; on failure the
 // bitmap is as it was.
 int BringToDepth(struct_LEAD_Bitmap& bitmap, int bits);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_SOURCE_FILE_H

@@ -9,7 +9,7 @@
 #include "ltfil13n/codec.h"
 #include "ltfil13n/source_file.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 namespace fs = std::filesystem;
@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 // The file that is asked for, and the one that is to take its place.
 class TargetFile {
  public:
-  // Makes the temporary file. Vendor code.
+  // Makes the temporary file. Module code.
   int open(const std::string& path) {
     std::error_code error;
     target_ = path;
@@ -29,11 +29,11 @@ class TargetFile {
       permissions_ = status.permissions();
       // What may not be written over in place is not replaced either.
       if (!fs::is_regular_file(status) || !OpenFile(target_.c_str(), "r+b")) {
-        return kVendorFileNotOpened;
+        return kModuleFileNotOpened;
       }
     }
     temporary_.emplace(target_);
-    return *temporary_ ? kVendorSuccess : kVendorFileNotOpened;
+    return *temporary_ ? kModuleSuccess : kModuleFileNotOpened;
   }
 
   [[nodiscard]] const fs::path& temporary() const { return temporary_->path(); }
@@ -44,7 +44,7 @@ class TargetFile {
   int commit() {
     std::error_code error;
     if (exists_) fs::permissions(temporary(), permissions_, error);
-    return !error && temporary_->moveTo(target_) ? kVendorSuccess : kVendorWriteFailed;
+    return !error && temporary_->moveTo(target_) ? kModuleSuccess : kModuleWriteFailed;
   }
 
  private:
@@ -71,30 +71,30 @@ int QualityOf(int asked) {
 int CopyPages(const TargetFile& target, const Codec& codec) {
   SourceFile earlier;
   const int code = FindSource(target.target().c_str(), earlier);
-  if (code != kVendorSuccess) return code;
-  if (earlier.codec != &codec) return kVendorBadFile;
+  if (code != kModuleSuccess) return code;
+  if (earlier.codec != &codec) return kModuleBadFile;
   std::error_code error;
   fs::copy_file(target.target(), target.temporary(), fs::copy_options::overwrite_existing, error);
-  return error ? kVendorWriteFailed : kVendorSuccess;
+  return error ? kModuleWriteFailed : kModuleSuccess;
 }
 
 }  // namespace
 
 int WriteImage(const char* path, struct_LEAD_Bitmap& bitmap, const SaveOptions& options) {
   std::string native;
-  if (const int code = TakePath(path, native); code != kVendorSuccess) return code;
+  if (const int code = TakePath(path, native); code != kModuleSuccess) return code;
   // A resolution that was stored in the record is stamped into the image on the way out of it.
   (void)L_ChangeFromDIB(&bitmap, L_ChangeToDIB(&bitmap));
   const LockedDib image(bitmap.block);
-  if (!image) return kVendorNoBitmap;
+  if (!image) return kModuleNoBitmap;
   const Codec* const codec = CodecFor(options.format);
-  if (codec == nullptr) return kVendorFormatNotWritten;
+  if (codec == nullptr) return kFileFormatNotWritten;
 
   TargetFile target;
-  if (const int code = target.open(native); code != kVendorSuccess) return code;
+  if (const int code = target.open(native); code != kModuleSuccess) return code;
   const bool appends = options.appendPage && target.exists();
   if (appends) {
-    if (const int code = CopyPages(target, *codec); code != kVendorSuccess) return code;
+    if (const int code = CopyPages(target, *codec); code != kModuleSuccess) return code;
   }
   const std::string temporary = target.temporary().string();
   const SaveRequest request{.path = temporary.c_str(),
@@ -102,7 +102,7 @@ int WriteImage(const char* path, struct_LEAD_Bitmap& bitmap, const SaveOptions& 
                             .quality = QualityOf(options.quality),
                             .appendPage = appends};
   const int code = codec->save(request, image);
-  return code == kVendorSuccess ? target.commit() : code;
+  return code == kModuleSuccess ? target.commit() : code;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -6,18 +6,18 @@
 
 #include "binding/module_contract.h"
 
-namespace provider {
+namespace modules {
 
 struct SaveOptions {
-  int format;       // a VendorFormat
+  int format;       // a FileFormat
   int quality;      // 1 to 100; 0 or below: the default, above 100: 100
   bool appendPage;  // as a further page when the target exists
 };
 
 // Writes a bitmap's image. On any failure, a stop by the status callback included, the target is
-// as it was before, or still absent. Vendor code.
+// as it was before, or still absent. Module code.
 int WriteImage(const char* path, struct_LEAD_Bitmap& bitmap, const SaveOptions& options);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_TARGET_FILE_H

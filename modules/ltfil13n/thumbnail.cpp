@@ -9,7 +9,7 @@
 #include "common/status.h"
 #include "ltfil13n/source_file.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 // What loading takes of the scale of progress; resizing takes the rest.
@@ -36,7 +36,7 @@ Size Fitted(Size image, Size frame) {
 int Load(const char* path, Size frame, struct_LEAD_Bitmap& bitmap) {
   constexpr int kFirstPage = 1;
   SourceFile source;
-  if (const int code = FindSource(path, source); code != kVendorSuccess) return code;
+  if (const int code = FindSource(path, source); code != kModuleSuccess) return code;
   const StatusShare share(0, kLoadShare);
   if (source.codec->loadAtLeast == nullptr) {
     return source.codec->load(source.path.c_str(), kFirstPage, bitmap);
@@ -62,14 +62,14 @@ int ChangeDepth(struct_LEAD_Bitmap& bitmap, int bits, unsigned flags) {
 int ToWorkingDepth(struct_LEAD_Bitmap& bitmap, Color background) {
   constexpr int kGrayDepth = 8;
   constexpr int kColorDepth = 24;
-  if (bitmap.bitsPerPixel >= kColorDepth) return kVendorSuccess;
+  if (bitmap.bitsPerPixel >= kColorDepth) return kModuleSuccess;
   bool isGray = false;
   bool isReady = false;
   if (const LockedDib image(bitmap.block); image) {
     isGray = PaletteIsGray(*image) && IsGray(background);
     isReady = isGray && BytesAreTones(*image);
   }
-  if (isReady) return kVendorSuccess;
+  if (isReady) return kModuleSuccess;
   return isGray ? L_GrayScaleBitmap(&bitmap, kGrayDepth) : ChangeDepth(bitmap, kColorDepth, 0);
 }
 
@@ -85,14 +85,14 @@ void FillRow(std::uint8_t* row, const Pixels& image, Color background) {
 
 // Centres the image in a frame of the background colour.
 int Frame(struct_LEAD_Bitmap& bitmap, Size frame, Color background) {
-  if (bitmap.width == frame.width && bitmap.height == frame.height) return kVendorSuccess;
+  if (bitmap.width == frame.width && bitmap.height == frame.height) return kModuleSuccess;
   OwnedBlock block;
   {
     const LockedDib image(bitmap.block);
-    if (!image) return kVendorNoBitmap;
+    if (!image) return kModuleNoBitmap;
     block = NewDibLike(image.header(), frame.width, frame.height, image->depth);
     const LockedDib framed(block.get());
-    if (!framed) return kVendorNoMemory;
+    if (!framed) return kModuleNoMemory;
     if (framed->palette != nullptr) FillGrayPalette(*framed);
     for (int y = 0; y < frame.height; ++y) FillRow(framed->row(y), *framed, background);
     const int left = (frame.width - image->width) / 2;
@@ -104,7 +104,7 @@ int Frame(struct_LEAD_Bitmap& bitmap, Size frame, Color background) {
     }
   }
   TakeBlock(bitmap, std::move(block));
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int Shrink(struct_LEAD_Bitmap& bitmap, const LTTHUMBNAILOPTIONS& options) {
@@ -113,9 +113,9 @@ int Shrink(struct_LEAD_Bitmap& bitmap, const LTTHUMBNAILOPTIONS& options) {
   const int bits = options.bitsPerPixel != 0 ? options.bitsPerPixel : bitmap.bitsPerPixel;
   const Size size = options.keepAspect != 0 ? Fitted({bitmap.width, bitmap.height}, frame) : frame;
   int code = ToWorkingDepth(bitmap, background);
-  if (code == kVendorSuccess) code = L_SizeBitmap(&bitmap, size.width, size.height, kSizeBest);
-  if (code == kVendorSuccess && options.forceSize != 0) code = Frame(bitmap, frame, background);
-  if (code == kVendorSuccess && bitmap.bitsPerPixel != bits) {
+  if (code == kModuleSuccess) code = L_SizeBitmap(&bitmap, size.width, size.height, kSizeBest);
+  if (code == kModuleSuccess && options.forceSize != 0) code = Frame(bitmap, frame, background);
+  if (code == kModuleSuccess && bitmap.bitsPerPixel != bits) {
     code = ChangeDepth(bitmap, bits, static_cast<unsigned>(options.colorResolutionFlags));
   }
   return code;
@@ -124,13 +124,13 @@ int Shrink(struct_LEAD_Bitmap& bitmap, const LTTHUMBNAILOPTIONS& options) {
 }  // namespace
 
 int MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options, struct_LEAD_Bitmap& bitmap) {
-  if (options.width <= 0 || options.height <= 0) return kVendorBadParameter;
+  if (options.width <= 0 || options.height <= 0) return kModuleBadParameter;
   int code = Load(path, {options.width, options.height}, bitmap);
-  if (code != kVendorSuccess) return code;
+  if (code != kModuleSuccess) return code;
   const StatusShare share(kLoadShare, 100 - kLoadShare);
   code = Shrink(bitmap, options);
-  if (code != kVendorSuccess) (void)L_FreeBitmap(&bitmap);
+  if (code != kModuleSuccess) (void)L_FreeBitmap(&bitmap);
   return code;
 }
 
-}  // namespace provider
+}  // namespace modules

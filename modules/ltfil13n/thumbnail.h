@@ -4,12 +4,12 @@
 
 #include "binding/module_contract.h"
 
-namespace provider {
+namespace modules {
 
 // The first page, shrunk or enlarged to the options' measures. The bitmap, which holds nothing,
-// holds the thumbnail afterwards, or still nothing. Vendor code.
+// holds the thumbnail afterwards, or still nothing. Module code.
 int MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options, struct_LEAD_Bitmap& bitmap);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_THUMBNAIL_H

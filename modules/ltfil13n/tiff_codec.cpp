@@ -6,7 +6,7 @@
 #include "pictures/file_handle.h"
 #include "ltfil13n/codecs.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
@@ -22,8 +22,8 @@ bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
 // Opens the file at a page, counted from 1.
 int Open(const char* path, int number, TiffHandle& tiff, TiffPage& page) {
   tiff = OpenTiff(path, "rm");  // not mapped: a file that shrinks under a mapping kills the process
-  if (!tiff) return kVendorFormatDamaged;
-  if (number < 1 || FollowPages(tiff.get(), number - 1) < number - 1) return kVendorBadParameter;
+  if (!tiff) return kFileFormatDamaged;
+  if (number < 1 || FollowPages(tiff.get(), number - 1) < number - 1) return kModuleBadParameter;
   return ReadTiffPage(tiff.get(), page);
 }
 
@@ -57,23 +57,23 @@ const char* CompressionName(std::uint16_t compression) {
 int Describe(const char* path, int number, LTFILEINFO& info) {
   TiffHandle tiff;
   TiffPage page;
-  if (const int code = Open(path, number, tiff, page); code != kVendorSuccess) return code;
+  if (const int code = Open(path, number, tiff, page); code != kModuleSuccess) return code;
   const bool plain = page.compression == COMPRESSION_NONE;
   DescribeImage(page.image, plain ? kFormatTiff : kFormatTiffCompressed,
                 CompressionName(page.compression), info);
   info.pageCount = number + FollowPages(tiff.get());
   info.page = number;
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int Load(const char* path, int number, struct_LEAD_Bitmap& bitmap) {
   TiffHandle tiff;
   TiffPage page;
-  if (const int code = Open(path, number, tiff, page); code != kVendorSuccess) return code;
+  if (const int code = Open(path, number, tiff, page); code != kModuleSuccess) return code;
   const std::uint64_t fileBytes = FileSize(path);
   const auto layout = orvo::DibLayoutFor(page.image.width, page.image.height, page.image.depth);
-  if (!layout) return kVendorFormatDamaged;
-  if (!IsPlausible(layout->totalBytes, fileBytes, page.mostRatio)) return kVendorReadFailed;
+  if (!layout) return kFileFormatDamaged;
+  if (!IsPlausible(layout->totalBytes, fileBytes, page.mostRatio)) return kModuleReadFailed;
   return LoadImage(page.image, bitmap, [&](const Pixels& image) {
     return ReadTiffPixels(tiff.get(), page, fileBytes, image);
   });
@@ -85,4 +85,4 @@ constexpr std::array<int, 2> kFormats{kFormatTiff, kFormatTiffCompressed};
 
 const Codec kTiffCodec{Recognises, Describe, Load, kFormats, SaveTiff};
 
-}  // namespace provider
+}  // namespace modules

@@ -5,13 +5,13 @@
 #include "pictures/tiff_page.h"
 #include "ltfil13n/codec.h"
 
-namespace provider {
+namespace modules {
 
-// Decodes the page's rows into the image and fills its palette. Vendor code.
+// Decodes the page's rows into the image and fills its palette. Module code.
 int ReadTiffPixels(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, const Pixels& image);
 
 int SaveTiff(const SaveRequest& request, const LockedDib& image);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTFIL13N_TIFF_CODEC_H

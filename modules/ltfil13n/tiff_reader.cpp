@@ -8,7 +8,7 @@
 #include "pictures/tiff_rows.h"
 #include "ltfil13n/tiff_codec.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::uint32_t kTileUnit = 16;  // tiles begin at a multiple of this many pixels
@@ -59,12 +59,12 @@ class PartReader {
     for (std::uint32_t top = 0; top < height; top += std::min(parts_.height, height - top)) {
       const std::uint32_t rows = std::min(parts_.height, height - top);
       for (std::uint32_t left = 0; left < width; left += std::min(parts_.width, width - left)) {
-        if (!decode(left, top, rows)) return kVendorReadFailed;
+        if (!decode(left, top, rows)) return kModuleReadFailed;
         storeRows(left, top, std::min(parts_.width, width - left), rows);
       }
-      if (!progress.report(top + rows)) return kVendorAborted;
+      if (!progress.report(top + rows)) return kModuleAborted;
     }
-    return kVendorSuccess;
+    return kModuleSuccess;
   }
 
  private:
@@ -109,7 +109,7 @@ int ReadParts(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, const P
   const std::uint64_t planes = page.planar ? static_cast<std::uint64_t>(page.samples) : 1;
   if (parts.bytes <= 0 || parts.rowBytes <= 0 || parts.width == 0 || parts.height == 0 ||
       !IsPlausible(static_cast<std::uint64_t>(parts.bytes) * planes, fileBytes, page.mostRatio)) {
-    return kVendorFormatDamaged;
+    return kFileFormatDamaged;
   }
   // Rows must be as long as their samples: the library has its own idea for subsampled colours.
   const std::uint64_t samples =
@@ -118,7 +118,7 @@ int ReadParts(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, const P
   if (static_cast<std::uint64_t>(parts.rowBytes) !=
           (samples * static_cast<std::uint64_t>(page.bits) + 7) / 8 ||
       (packed && parts.width % kTileUnit != 0)) {
-    return kVendorFormatDamaged;
+    return kFileFormatDamaged;
   }
   return PartReader(tiff, page, parts, image).read();
 }
@@ -130,24 +130,24 @@ int ReadByLibrary(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, con
   const std::uint32_t rows = std::clamp(PartsOf(tiff, page.image).height, 1U, height);
   const std::size_t pixels = std::size_t{width} * rows;
   if (!IsPlausible(pixels * sizeof(std::uint32_t), fileBytes, page.mostRatio)) {
-    return kVendorFormatDamaged;
+    return kFileFormatDamaged;
   }
   const auto raster = std::make_unique<std::uint32_t[]>(pixels);
   std::array<char, 1024> message{};
   TIFFRGBAImage conversion{};
   constexpr int kStopAtErrors = 1;
   if (TIFFRGBAImageBegin(&conversion, tiff, kStopAtErrors, message.data()) == 0) {
-    return kVendorFormatNotRead;
+    return kFileFormatNotRead;
   }
   // Rows come as stored, top first; the orientation is applied later, as to all images.
   conversion.orientation = conversion.req_orientation = ORIENTATION_TOPLEFT;
-  int code = kVendorSuccess;
+  int code = kModuleSuccess;
   Progress progress(height);
-  for (std::uint32_t top = 0; top < height && code == kVendorSuccess; top += rows) {
+  for (std::uint32_t top = 0; top < height && code == kModuleSuccess; top += rows) {
     const std::uint32_t count = std::min(rows, height - top);
     conversion.row_offset = static_cast<int>(top);
     if (TIFFRGBAImageGet(&conversion, raster.get(), width, count) == 0) {
-      code = kVendorReadFailed;
+      code = kModuleReadFailed;
       break;
     }
     for (std::uint32_t y = 0; y < count; ++y) {
@@ -159,7 +159,7 @@ int ReadByLibrary(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, con
         *out++ = static_cast<std::uint8_t>(TIFFGetR(pixel));
       }
     }
-    if (!progress.report(top + count)) code = kVendorAborted;
+    if (!progress.report(top + count)) code = kModuleAborted;
   }
   TIFFRGBAImageEnd(&conversion);
   return code;
@@ -203,4 +203,4 @@ int ReadTiffPixels(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes, co
                                                  : ReadParts(tiff, page, fileBytes, image);
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -9,7 +9,7 @@
 #include "ltfil13n/pixel_kinds.h"
 #include "ltfil13n/tiff_codec.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::uint32_t kStripBytes = 1U << 17;
@@ -153,29 +153,29 @@ void MakeRow(const Pixels& image, const Form& form, int y, std::uint8_t* out,
 int WritePage(TIFF* tiff, const LockedDib& locked, bool compressed) {
   const Pixels& image = *locked;
   const Form form = FormFor(image, compressed);
-  if (!SetTags(tiff, locked, form)) return kVendorFormatNotWritten;
+  if (!SetTags(tiff, locked, form)) return kFileFormatNotWritten;
   std::vector<std::uint8_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)));
   std::vector<Color> colors;
   Progress progress(static_cast<std::uint64_t>(image.height));
   for (int line = 0; line < image.height; ++line) {
     MakeRow(image, form, image.height - 1 - line, row.data(), colors);
     if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(line), 0) != 1) {
-      return kVendorWriteFailed;
+      return kModuleWriteFailed;
     }
-    if (!progress.report(static_cast<std::uint64_t>(line) + 1)) return kVendorAborted;
+    if (!progress.report(static_cast<std::uint64_t>(line) + 1)) return kModuleAborted;
   }
-  return TIFFWriteDirectory(tiff) != 0 ? kVendorSuccess : kVendorWriteFailed;
+  return TIFFWriteDirectory(tiff) != 0 ? kModuleSuccess : kModuleWriteFailed;
 }
 
 // Whether the chain of pages can be followed to its end, so that one more can be hung there.
 int CheckAppendable(const char* path) {
   int faults = 0;
   const TiffHandle tiff = OpenTiff(path, "rm", &faults);
-  if (!tiff) return kVendorBadFile;
+  if (!tiff) return kModuleBadFile;
   (void)FollowPages(tiff.get());
   // A chain that leads back to an earlier page never reaches its end, which the library would seek.
   const bool ends = TIFFLastDirectory(tiff.get()) != 0;
-  return ends && faults == 0 ? kVendorSuccess : kVendorFormatDamaged;
+  return ends && faults == 0 ? kModuleSuccess : kFileFormatDamaged;
 }
 
 }  // namespace
@@ -186,15 +186,15 @@ int SaveTiff(const SaveRequest& request, const LockedDib& image) {
   const std::size_t bytes = image->stride * static_cast<std::size_t>(image->height);
   const char* mode = bytes > kMostPlainBytes ? "w8" : "w";
   if (request.appendPage) {
-    if (const int code = CheckAppendable(request.path); code != kVendorSuccess) return code;
+    if (const int code = CheckAppendable(request.path); code != kModuleSuccess) return code;
     mode = "a";
   }
   int faults = 0;
   TiffHandle tiff = OpenTiff(request.path, mode, &faults);
-  if (!tiff) return kVendorFileNotOpened;
+  if (!tiff) return kModuleFileNotOpened;
   const int code = WritePage(tiff.get(), image, request.format == kFormatTiffCompressed);
   tiff.reset();
-  return code == kVendorSuccess && faults > 0 ? static_cast<int>(kVendorWriteFailed) : code;
+  return code == kModuleSuccess && faults > 0 ? static_cast<int>(kModuleWriteFailed) : code;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -6,7 +6,7 @@
 
 #include "common/status.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 // Changes all rows from one image into another. False when the callback asks to stop.
@@ -22,26 +22,26 @@ bool ChangeReported(const Pixels& source, const Pixels& target, const RowChange&
 }  // namespace
 
 int Adjustment::obstacle() const {
-  if (!*image_) return kVendorNoBitmap;
-  return image().depth == 1 ? kVendorDepthNotSupported : kVendorSuccess;
+  if (!*image_) return kModuleNoBitmap;
+  return image().depth == 1 ? kModuleDepthNotSupported : kModuleSuccess;
 }
 
 int Adjustment::changeRows(const RowChange& change) {
   const Pixels& source = image();
   if (!KernelHasStatusCallback()) {
     for (int y = 0; y < source.height; ++y) change(source, source, y);
-    return kVendorSuccess;
+    return kModuleSuccess;
   }
   OwnedBlock copy = CopyOf(*image_);
   {
     const LockedDib target(copy.get());
-    if (!target) return kVendorNoMemory;
-    if (!ChangeReported(source, *target, change)) return kVendorAborted;
+    if (!target) return kModuleNoMemory;
+    if (!ChangeReported(source, *target, change)) return kModuleAborted;
   }
   // Only the handle changes: the record's resolution may be newer than the header's.
   image_.reset();
   GlobalFree(std::exchange(bitmap_->block, copy.release()));
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 // NOLINTNEXTLINE(readability-make-member-function-const): the image changes
@@ -49,15 +49,15 @@ int Adjustment::changePalette(const ColorChange& change) {
   const auto count = static_cast<std::size_t>(image().paletteSize());
   std::array<RGBQUAD, 256> changed{};
   Progress progress(1);
-  if (!progress.report(0)) return kVendorAborted;
+  if (!progress.report(0)) return kModuleAborted;
   for (std::size_t i = 0; i < count; ++i) {
     const RGBQUAD& entry = image().palette[i];
     const Color color = change(ColorOf(entry));
     changed[i] = {color.blue, color.green, color.red, entry.rgbReserved};
   }
-  if (!progress.report(1)) return kVendorAborted;
+  if (!progress.report(1)) return kModuleAborted;
   std::copy_n(changed.begin(), count, image().palette);
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -9,7 +9,7 @@
 #include "common/color.h"
 #include "common/dib_image.h"
 
-namespace provider {
+namespace modules {
 
 // Changes the pixels of row y of `target`, which holds that row as it was, by what `source` holds.
 // The two may be one image: rows come in order, and those of `source` from y on are still the
@@ -23,11 +23,11 @@ class Adjustment {
   explicit Adjustment(struct_LEAD_Bitmap* bitmap) noexcept
       : bitmap_(bitmap), image_(std::in_place, bitmap == nullptr ? nullptr : bitmap->block) {}
 
-  // Why the bitmap cannot be adjusted; kVendorSuccess when it can.
+  // Why the bitmap cannot be adjusted; kModuleSuccess when it can.
   [[nodiscard]] int obstacle() const;
   [[nodiscard]] const Pixels& image() const { return **image_; }
 
-  // Each changes the bitmap and ends the adjustment; vendor code. Rows are changed on a working
+  // Each changes the bitmap and ends the adjustment; module code. Rows are changed on a working
   // copy when a status callback could stop the operation, else in the block itself.
   int changeRows(const RowChange& change);
   int changePalette(const ColorChange& change);
@@ -37,6 +37,6 @@ class Adjustment {
   std::optional<LockedDib> image_;
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTIMG13N_ADJUSTMENT_H

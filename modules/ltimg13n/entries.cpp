@@ -7,7 +7,7 @@
 
 namespace {
 
-using provider::Guarded;
+using modules::Guarded;
 
 constexpr int kMostChange = 1000;
 constexpr unsigned kTones = 256;
@@ -16,7 +16,7 @@ constexpr int kChannels = 3;
 // Runs work when the arguments can be used.
 template <class Work>
 int GuardedIf(bool argumentsServe, const Work& work) noexcept {
-  return argumentsServe ? Guarded(work) : kVendorBadParameter;
+  return argumentsServe ? Guarded(work) : kModuleBadParameter;
 }
 
 bool InRange(int change) {
@@ -27,36 +27,36 @@ bool InRange(int change) {
 
 int L_ChangeBitmapContrast(struct_LEAD_Bitmap* bitmap, int change) {
   return GuardedIf(InRange(change),
-                   [=] { return provider::ChangeTones(bitmap, provider::ContrastTables(change)); });
+                   [=] { return modules::ChangeTones(bitmap, modules::ContrastTables(change)); });
 }
 
 int L_ChangeBitmapHue(struct_LEAD_Bitmap* bitmap, int change) {
-  return Guarded([=] { return provider::ChangeColors(bitmap, provider::HueTurn(change)); });
+  return Guarded([=] { return modules::ChangeColors(bitmap, modules::HueTurn(change)); });
 }
 
 int L_ChangeBitmapIntensity(struct_LEAD_Bitmap* bitmap, int change) {
   return GuardedIf(InRange(change), [=] {
-    return provider::ChangeTones(bitmap, provider::IntensityTables(change));
+    return modules::ChangeTones(bitmap, modules::IntensityTables(change));
   });
 }
 
 int L_ChangeBitmapSaturation(struct_LEAD_Bitmap* bitmap, int change) {
   return GuardedIf(InRange(change), [=] {
-    return provider::ChangeColors(bitmap, provider::SaturationScale(change));
+    return modules::ChangeColors(bitmap, modules::SaturationScale(change));
   });
 }
 
 int L_SharpenBitmap(struct_LEAD_Bitmap* bitmap, int change) {
-  return GuardedIf(InRange(change), [=] { return provider::Sharpen(bitmap, change); });
+  return GuardedIf(InRange(change), [=] { return modules::Sharpen(bitmap, change); });
 }
 
 int L_GammaCorrectBitmap(struct_LEAD_Bitmap* bitmap, unsigned gamma) {
   return GuardedIf(gamma != 0,
-                   [=] { return provider::ChangeTones(bitmap, provider::GammaTables(gamma)); });
+                   [=] { return modules::ChangeTones(bitmap, modules::GammaTables(gamma)); });
 }
 
 int L_InvertBitmap(struct_LEAD_Bitmap* bitmap) {
-  return Guarded([=] { return provider::ChangeTones(bitmap, provider::NegativeTables()); });
+  return Guarded([=] { return modules::ChangeTones(bitmap, modules::NegativeTables()); });
 }
 
 int L_RemapBitmapIntensity(struct_LEAD_Bitmap* bitmap, const unsigned* table, unsigned length,
@@ -64,6 +64,6 @@ int L_RemapBitmapIntensity(struct_LEAD_Bitmap* bitmap, const unsigned* table, un
   const bool argumentsServe =
       table != nullptr && length == kTones && channel >= 0 && channel <= kChannels;
   return GuardedIf(argumentsServe, [=] {
-    return provider::ChangeTones(bitmap, provider::RemapTables(table, channel));
+    return modules::ChangeTones(bitmap, modules::RemapTables(table, channel));
   });
 }

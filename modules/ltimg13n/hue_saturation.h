@@ -7,7 +7,7 @@
 
 #include "common/color.h"
 
-namespace provider {
+namespace modules {
 
 // Turns the hue round the colour circle: 120 degrees make red green, green blue and blue red. The
 // strongest and the weakest channel's values stay, only which channels have them changes.
@@ -89,6 +89,6 @@ class SaturationScale {
   int factor_;
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTIMG13N_HUE_SATURATION_H

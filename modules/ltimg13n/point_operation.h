@@ -8,7 +8,7 @@
 #include "ltimg13n/recolored.h"
 #include "ltimg13n/tone_tables.h"
 
-namespace provider {
+namespace modules {
 
 template <class Format, class Rule>
 void RecolorRow(Format format, const Pixels& source, const Pixels& target, int y,
@@ -43,14 +43,14 @@ template <class Rule>
 int ChangeColors(struct_LEAD_Bitmap* bitmap, const Rule& rule) {
   Adjustment adjustment(bitmap);
   const int obstacle = adjustment.obstacle();
-  return obstacle == kVendorSuccess ? ChangeColors(adjustment, rule) : obstacle;
+  return obstacle == kModuleSuccess ? ChangeColors(adjustment, rule) : obstacle;
 }
 
 // The same by tables. A gray image whose bytes are its tones keeps its palette and changes the
 // bytes: with any other palette it would no longer count as gray.
 inline int ChangeTones(struct_LEAD_Bitmap* bitmap, const ToneTables& tables) {
   Adjustment adjustment(bitmap);
-  if (const int obstacle = adjustment.obstacle(); obstacle != kVendorSuccess) return obstacle;
+  if (const int obstacle = adjustment.obstacle(); obstacle != kModuleSuccess) return obstacle;
   if (!tables.keepsGray() || !BytesAreTones(adjustment.image()))
     return ChangeColors(adjustment, tables);
   return adjustment.changeRows([&tables](const Pixels& source, const Pixels& target, int y) {
@@ -60,6 +60,6 @@ inline int ChangeTones(struct_LEAD_Bitmap* bitmap, const ToneTables& tables) {
   });
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTIMG13N_POINT_OPERATION_H

@@ -4,7 +4,7 @@
 
 #include "common/pixel_formats.h"
 
-namespace provider {
+namespace modules {
 
 constexpr Color ColorOf(std::uint16_t pixel) {
   return ColorOf555(pixel);
@@ -26,6 +26,6 @@ constexpr WideColor Recolored(WideColor pixel, Color color) {
   return {color, pixel.rest};
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTIMG13N_RECOLORED_H

@@ -13,7 +13,7 @@
 #include "ltimg13n/adjustment.h"
 #include "ltimg13n/recolored.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr int kScale = 1000;  // a change's thousandths
@@ -108,11 +108,11 @@ class RowSharpener {
 
 int Sharpen(struct_LEAD_Bitmap* bitmap, int change) {
   Adjustment adjustment(bitmap);
-  if (const int obstacle = adjustment.obstacle(); obstacle != kVendorSuccess) return obstacle;
+  if (const int obstacle = adjustment.obstacle(); obstacle != kModuleSuccess) return obstacle;
   RowSharpener sharpener(adjustment.image(), change);
   return adjustment.changeRows([&sharpener](const Pixels& source, const Pixels& target, int y) {
     sharpener.change(source, target, y);
   });
 }
 
-}  // namespace provider
+}  // namespace modules

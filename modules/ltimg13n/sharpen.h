@@ -4,14 +4,14 @@
 
 #include "binding/module_contract.h"
 
-namespace provider {
+namespace modules {
 
 // Moves every channel towards the mean (change below 0; -1000 gives the mean itself) or away from
 // it (above 0; 1000 by four times the distance). Beyond the border its pixels repeat. Gray images
 // whose bytes are their tones change the bytes; with any other palette each pixel's colour is
-// sharpened and the nearest entry takes its place, the palette stays. Vendor code.
+// sharpened and the nearest entry takes its place, the palette stays. Module code.
 int Sharpen(struct_LEAD_Bitmap* bitmap, int change);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTIMG13N_SHARPEN_H

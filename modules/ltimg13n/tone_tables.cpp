@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr int kScale = 1000;  // a change's thousandths
@@ -59,4 +59,4 @@ ToneTables RemapTables(const unsigned* table, int channel) {
   return {tableOf(3), tableOf(2), tableOf(1)};
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -7,7 +7,7 @@
 
 #include "common/color.h"
 
-namespace provider {
+namespace modules {
 
 using ToneTable = std::array<std::uint8_t, 256>;
 
@@ -35,6 +35,6 @@ ToneTables NegativeTables();
 // `table` has 256 entries, those above 255 count as 255. channel: 0 all, 1 red, 2 green, 3 blue.
 ToneTables RemapTables(const unsigned* table, int channel);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTIMG13N_TONE_TABLES_H

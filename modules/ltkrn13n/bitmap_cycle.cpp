@@ -6,8 +6,8 @@
 
 namespace {
 
-using provider::LockedDib;
-using provider::OwnedBlock;
+using modules::LockedDib;
+using modules::OwnedBlock;
 
 // Brings a resolution that was stored in the record into the block's header. One that still says
 // the same leaves the header alone: pixels per metre tell more than dots per inch.
@@ -29,11 +29,11 @@ void StampResolution(const struct_LEAD_Bitmap& bitmap, DibHandle block) {
 // The record need not be initialised: whatever it holds is overwritten, nothing is freed. A block
 // that cannot be used is held all the same, so that L_ChangeToDIB gives it back.
 int L_ChangeFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) {
-  if (bitmap == nullptr) return kVendorNoBitmap;
+  if (bitmap == nullptr) return kModuleNoBitmap;
   *bitmap = {};
   bitmap->block = dib;
-  provider::Describe(*bitmap);
-  return bitmap->width > 0 ? kVendorSuccess : kVendorNoBitmap;
+  modules::Describe(*bitmap);
+  return bitmap->width > 0 ? kModuleSuccess : kModuleNoBitmap;
 }
 
 DibHandle L_ChangeToDIB(struct_LEAD_Bitmap* bitmap) {
@@ -51,37 +51,37 @@ DibHandle L_ChangeToDIB2(struct_LEAD_Bitmap* bitmap, unsigned /*flags*/) {
 // The palette lies behind the header, always 2^depth entries, whatever biClrUsed says.
 int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
                      const void* pixels) {
-  if (bitmap == nullptr) return kVendorNoBitmap;
+  if (bitmap == nullptr) return kModuleNoBitmap;
   *bitmap = {};
-  if (header == nullptr || pixels == nullptr || !provider::UsableLayout(*header)) {
-    return kVendorNoBitmap;
+  if (header == nullptr || pixels == nullptr || !modules::UsableLayout(*header)) {
+    return kModuleNoBitmap;
   }
-  OwnedBlock copy = provider::NewDibOf(*header);
+  OwnedBlock copy = modules::NewDibOf(*header);
   {
     const LockedDib target(copy.get());
-    if (!target) return kVendorNoMemory;
+    if (!target) return kModuleNoMemory;
     if (target->palette != nullptr) {
       std::memcpy(target->palette, header + 1, orvo::DibPaletteBytes(target->depth));
     }
     std::memcpy(target->bits, pixels, target->stride * static_cast<std::size_t>(target->height));
-    provider::Describe(*bitmap, target);
+    modules::Describe(*bitmap, target);
   }
   bitmap->block = copy.release();
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 DibHandle L_ConvertToDIB(struct_LEAD_Bitmap* bitmap) {
   if (bitmap == nullptr) return nullptr;
   const LockedDib image(bitmap->block);
   if (!image) return nullptr;
-  OwnedBlock copy = provider::CopyOf(image);
+  OwnedBlock copy = modules::CopyOf(image);
   StampResolution(*bitmap, copy.get());
   return copy.release();
 }
 
 int L_FreeBitmap(struct_LEAD_Bitmap* bitmap) {
-  if (bitmap == nullptr) return kVendorNoBitmap;
+  if (bitmap == nullptr) return kModuleNoBitmap;
   if (bitmap->block != nullptr) GlobalFree(bitmap->block);
   *bitmap = {};
-  return kVendorSuccess;
+  return kModuleSuccess;
 }

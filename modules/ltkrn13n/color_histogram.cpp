@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace provider {
+namespace modules {
 namespace {
 
 // With five bits of each channel left, no image has more bins than this.
@@ -68,4 +68,4 @@ void ColorHistogram::coarsen() {
   }
 }
 
-}  // namespace provider
+}  // namespace modules

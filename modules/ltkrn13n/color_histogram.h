@@ -10,7 +10,7 @@
 
 #include "common/color.h"
 
-namespace provider {
+namespace modules {
 
 // Pixels of one colour, or of near colours.
 struct ColorBin {
@@ -45,6 +45,6 @@ class ColorHistogram {
   std::vector<std::uint32_t> places_;  // hash table: number of a bin plus 1, 0 where empty
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTKRN13N_COLOR_HISTOGRAM_H

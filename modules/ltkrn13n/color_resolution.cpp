@@ -15,17 +15,17 @@
 
 namespace {
 
-using provider::ChosenPalette;
-using provider::Color;
-using provider::DitheringMode;
-using provider::ForEachRow;
-using provider::Pixels;
-using provider::Redrawing;
+using modules::ChosenPalette;
+using modules::Color;
+using modules::DitheringMode;
+using modules::ForEachRow;
+using modules::Pixels;
+using modules::Redrawing;
 
 unsigned defaultDithering = 0;
 
 std::vector<Color> BlackAndWhite() {
-  return {provider::GrayOf(0), provider::GrayOf(255)};
+  return {modules::GrayOf(0), modules::GrayOf(255)};
 }
 
 // Black to light gray, and the pure colours at half and full strength.
@@ -38,7 +38,7 @@ std::vector<Color> SixteenColors() {
   }
   constexpr std::uint8_t kLightGray = 192;
   colors[8] = colors[7];
-  colors[7] = provider::GrayOf(kLightGray);
+  colors[7] = modules::GrayOf(kLightGray);
   return colors;
 }
 
@@ -50,12 +50,12 @@ std::vector<Color> ColorCube() {
   std::vector<Color> colors;
   colors.reserve(256);
   for (int i = 0; i < kLevels * kLevels * kLevels; ++i) {
-    colors.push_back({provider::ClampedTone(i % kLevels * kStep),
-                      provider::ClampedTone(i / kLevels % kLevels * kStep),
-                      provider::ClampedTone(i / kLevels / kLevels * kStep)});
+    colors.push_back({modules::ClampedTone(i % kLevels * kStep),
+                      modules::ClampedTone(i / kLevels % kLevels * kStep),
+                      modules::ClampedTone(i / kLevels / kLevels * kStep)});
   }
   for (int i = 1; i <= kGrays; ++i) {
-    colors.push_back(provider::GrayOf(provider::ClampedTone(i * 255 / (kGrays + 1))));
+    colors.push_back(modules::GrayOf(modules::ClampedTone(i * 255 / (kGrays + 1))));
   }
   return colors;
 }
@@ -69,55 +69,55 @@ std::vector<Color> FixedPalette(int bits) {
 int DrawColors(const Redrawing& drawing) {
   std::vector<Color> colors(static_cast<std::size_t>(drawing.source().width));
   return ForEachRow(drawing.source().height, [&](int y) {
-    provider::ReadColors(drawing.source(), y, colors.data());
-    provider::WriteColors(drawing.target(), y, colors.data());
+    modules::ReadColors(drawing.source(), y, colors.data());
+    modules::WriteColors(drawing.target(), y, colors.data());
   });
 }
 
 // Draws the image in the colours of a palette; `progress` goes on with stage `stage`.
 int DrawIndexes(const Redrawing& drawing, const std::vector<Color>& palette, DitheringMode mode,
-                provider::Progress& progress, int stage) {
+                modules::Progress& progress, int stage) {
   const Pixels& source = drawing.source();
   const Pixels& target = drawing.target();
   for (std::size_t i = 0; i < palette.size(); ++i)
-    target.palette[i] = provider::EntryOf(palette[i]);
+    target.palette[i] = modules::EntryOf(palette[i]);
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
   std::vector<std::uint8_t> indexes(colors.size());
-  const auto ditherer = provider::MakeDitherer(mode, palette, colors.size());
+  const auto ditherer = modules::MakeDitherer(mode, palette, colors.size());
   return ForEachRow(
       source.height,
       [&](int y) {
-        provider::ReadColors(source, y, colors.data());
+        modules::ReadColors(source, y, colors.data());
         if (target.depth == 1) {
-          for (Color& color : colors) color = provider::GrayOf(provider::LumaOf(color));
+          for (Color& color : colors) color = modules::GrayOf(modules::LumaOf(color));
         }
         ditherer->nextRow(colors, indexes.data());
-        provider::WriteIndexes(target, y, indexes.data());
+        modules::WriteIndexes(target, y, indexes.data());
       },
       progress, stage);
 }
 
 int DrawInFixedPalette(const Redrawing& drawing, DitheringMode mode) {
-  provider::Progress progress(static_cast<std::uint64_t>(drawing.source().height));
+  modules::Progress progress(static_cast<std::uint64_t>(drawing.source().height));
   return DrawIndexes(drawing, FixedPalette(drawing.target().depth), mode, progress, 0);
 }
 
 // Reads the image twice: once to choose the palette, once to draw.
 int DrawInOptimisedPalette(const Redrawing& drawing, DitheringMode mode) {
   const Pixels& source = drawing.source();
-  provider::Progress progress(2 * static_cast<std::uint64_t>(source.height));
-  provider::ColorHistogram histogram;
+  modules::Progress progress(2 * static_cast<std::uint64_t>(source.height));
+  modules::ColorHistogram histogram;
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
   const int code = ForEachRow(
       source.height,
       [&](int y) {
-        provider::ReadColors(source, y, colors.data());
+        modules::ReadColors(source, y, colors.data());
         histogram.add(colors.data(), colors.size());
       },
       progress);
-  if (code != kVendorSuccess) return code;
+  if (code != kModuleSuccess) return code;
   const auto most = static_cast<std::size_t>(drawing.target().paletteSize());
-  const ChosenPalette palette = provider::OptimisedPalette(histogram, most);
+  const ChosenPalette palette = modules::OptimisedPalette(histogram, most);
   // A matrix would move even colours that the palette holds.
   return DrawIndexes(drawing, palette.colors, palette.isExact ? DitheringMode::kNone : mode,
                      progress, 1);
@@ -141,12 +141,12 @@ int Draw(const Redrawing& drawing, int bits, unsigned flags) {
 
 int ChangeDepth(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int bits, unsigned flags) {
   Redrawing drawing(source);
-  if (!drawing.hasSource() || target == nullptr) return kVendorNoBitmap;
+  if (!drawing.hasSource() || target == nullptr) return kModuleNoBitmap;
   const Pixels& image = drawing.source();
-  if (bits == image.depth && source == target) return provider::ReportNothingToDo();
+  if (bits == image.depth && source == target) return modules::ReportNothingToDo();
   int code = drawing.begin(image.width, image.height, bits);
-  if (code == kVendorSuccess) code = Draw(drawing, bits, flags);
-  return code == kVendorSuccess ? drawing.finish(*target) : code;
+  if (code == kModuleSuccess) code = Draw(drawing, bits, flags);
+  return code == kModuleSuccess ? drawing.finish(*target) : code;
 }
 
 bool IsDepth(int bits) {
@@ -157,7 +157,7 @@ bool IsDepth(int bits) {
 
 int L_DefaultDithering(unsigned mode) {
   defaultDithering = mode;
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 unsigned KernelDefaultDithering() {
@@ -170,6 +170,6 @@ int L_ColorResBitmap(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int
                      void* callback, void* /*userData*/) {
   const bool plain =
       palette == nullptr && systemPalette == nullptr && colors == nullptr && callback == nullptr;
-  if (!plain || !IsDepth(bits)) return kVendorBadParameter;
-  return provider::Guarded([=] { return ChangeDepth(source, target, bits, flags); });
+  if (!plain || !IsDepth(bits)) return kModuleBadParameter;
+  return modules::Guarded([=] { return ChangeDepth(source, target, bits, flags); });
 }

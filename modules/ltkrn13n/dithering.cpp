@@ -7,7 +7,7 @@
 #include "common/palette_search.h"
 #include "ltkrn13n/dithering_tables.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::size_t kChannels = 3;
@@ -171,4 +171,4 @@ std::unique_ptr<Ditherer> MakeDitherer(DitheringMode mode, std::span<const Color
   }
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -8,7 +8,7 @@
 
 #include "common/color.h"
 
-namespace provider {
+namespace modules {
 
 // By number, as callers give them; any other number means none.
 enum class DitheringMode : unsigned {
@@ -38,6 +38,6 @@ class Ditherer {
 std::unique_ptr<Ditherer> MakeDitherer(DitheringMode mode, std::span<const Color> palette,
                                        std::size_t width);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTKRN13N_DITHERING_H

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace provider {
+namespace modules {
 
 // Thresholds by place, tiled over the image.
 constexpr std::size_t kMatrixSide = 8;
@@ -64,6 +64,6 @@ constexpr Tap kJarvisJudiceNinkeTaps[] = {
 
 constexpr std::size_t kReach = 3;  // of any tap, right, left and down
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTKRN13N_DITHERING_TABLES_H

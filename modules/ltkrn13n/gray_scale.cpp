@@ -8,40 +8,40 @@
 
 namespace {
 
-using provider::Color;
-using provider::Pixels;
-using provider::Redrawing;
+using modules::Color;
+using modules::Pixels;
+using modules::Redrawing;
 
 constexpr int kGrayBits = 8;
 
 int MakeGray(struct_LEAD_Bitmap* bitmap) {
   Redrawing drawing(bitmap);
-  if (!drawing.hasSource()) return kVendorNoBitmap;
+  if (!drawing.hasSource()) return kModuleNoBitmap;
   const Pixels& source = drawing.source();
-  if (provider::BytesAreTones(source)) return provider::ReportNothingToDo();
+  if (modules::BytesAreTones(source)) return modules::ReportNothingToDo();
   if (const int code = drawing.begin(source.width, source.height, kGrayBits);
-      code != kVendorSuccess) {
+      code != kModuleSuccess) {
     return code;
   }
   const Pixels& target = drawing.target();
-  provider::FillGrayPalette(target);
+  modules::FillGrayPalette(target);
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
-  const int code = provider::ForEachRow(source.height, [&](int y) {
-    provider::ReadColors(source, y, colors.data());
+  const int code = modules::ForEachRow(source.height, [&](int y) {
+    modules::ReadColors(source, y, colors.data());
     std::uint8_t* const tones = target.row(y);
-    for (std::size_t x = 0; x < colors.size(); ++x) tones[x] = provider::LumaOf(colors[x]);
+    for (std::size_t x = 0; x < colors.size(); ++x) tones[x] = modules::LumaOf(colors[x]);
   });
-  return code == kVendorSuccess ? drawing.finish(*bitmap) : code;
+  return code == kModuleSuccess ? drawing.finish(*bitmap) : code;
 }
 
 }  // namespace
 
 int L_GrayScaleBitmap(struct_LEAD_Bitmap* bitmap, int bits) {
-  if (bits != kGrayBits) return kVendorBadParameter;
-  return provider::Guarded([=] { return MakeGray(bitmap); });
+  if (bits != kGrayBits) return kModuleBadParameter;
+  return modules::Guarded([=] { return MakeGray(bitmap); });
 }
 
 int L_IsGrayScaleBitmap(struct_LEAD_Bitmap* bitmap) {
-  const provider::LockedDib image(bitmap == nullptr ? nullptr : bitmap->block);
-  return provider::BytesAreTones(*image) ? 1 : 0;
+  const modules::LockedDib image(bitmap == nullptr ? nullptr : bitmap->block);
+  return modules::BytesAreTones(*image) ? 1 : 0;
 }

@@ -7,7 +7,7 @@
 #include <span>
 #include <utility>
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::size_t kChannels = 3;
@@ -129,4 +129,4 @@ ChosenPalette OptimisedPalette(const ColorHistogram& histogram, std::size_t most
   return {std::move(colors), holdsAll};
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -4,7 +4,7 @@
 
 #include "ltkrn13n/color_histogram.h"
 
-namespace provider {
+namespace modules {
 
 struct ChosenPalette {
   std::vector<Color> colors;  // as many as are of use, at most as many as asked
@@ -15,6 +15,6 @@ struct ChosenPalette {
 // that its bytes are its tones.
 ChosenPalette OptimisedPalette(const ColorHistogram& histogram, std::size_t most);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTKRN13N_OPTIMISED_PALETTE_H

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace provider {
+namespace modules {
 
 Redrawing::Redrawing(const struct_LEAD_Bitmap* bitmap) noexcept
     : bitmap_(bitmap),
@@ -11,11 +11,11 @@ Redrawing::Redrawing(const struct_LEAD_Bitmap* bitmap) noexcept
 int Redrawing::begin(int width, int height, int depth) {
   block_ = NewDibLike(source_->header(), width, height, depth);
   target_.emplace(block_.get());
-  if (!*target_) return kVendorNoMemory;
+  if (!*target_) return kModuleNoMemory;
   if (target().palette != nullptr && depth == source().depth) {
     std::memcpy(target().palette, source().palette, orvo::DibPaletteBytes(depth));
   }
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int Redrawing::finish(struct_LEAD_Bitmap& bitmap) {
@@ -27,7 +27,7 @@ int Redrawing::finish(struct_LEAD_Bitmap& bitmap) {
   source_.reset();
   target_.reset();
   const OwnedBlock old(std::exchange(bitmap.block, block_.release()));
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
-}  // namespace provider
+}  // namespace modules

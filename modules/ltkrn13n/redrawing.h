@@ -10,7 +10,7 @@
 #include "common/dib_image.h"
 #include "common/status.h"
 
-namespace provider {
+namespace modules {
 
 // One operation on one bitmap, which may be null or hold nothing: then there is no source.
 class Redrawing {
@@ -22,12 +22,12 @@ class Redrawing {
   [[nodiscard]] const LockedDib& lockedSource() const { return *source_; }
 
   // Makes the new image, zero-filled; it has the source's palette when it has the source's depth.
-  // Vendor code.
+  // Module code.
   [[nodiscard]] int begin(int width, int height, int depth);
   [[nodiscard]] const Pixels& target() const { return **target_; }
 
   // Puts the new image into the bitmap, with the resolution of the source's record, or into
-  // another one, whose own image is freed. kVendorSuccess.
+  // another one, whose own image is freed. kModuleSuccess.
   int finish(struct_LEAD_Bitmap& bitmap);
 
  private:
@@ -38,16 +38,16 @@ class Redrawing {
 };
 
 // Runs work(y) for each row, and reports progress from the `stage`-th of `stages` equal parts.
-// Vendor code.
+// Module code.
 template <class Work>
 int ForEachRow(int height, const Work& work, Progress& progress, int stage = 0) {
   const auto rows = static_cast<std::uint64_t>(height);
   const std::uint64_t before = rows * static_cast<std::uint64_t>(stage);
   for (int y = 0; y < height; ++y) {
-    if (!progress.report(before + static_cast<std::uint64_t>(y))) return kVendorAborted;
+    if (!progress.report(before + static_cast<std::uint64_t>(y))) return kModuleAborted;
     work(y);
   }
-  return progress.report(before + rows) ? kVendorSuccess : kVendorAborted;
+  return progress.report(before + rows) ? kModuleSuccess : kModuleAborted;
 }
 template <class Work>
 int ForEachRow(int height, const Work& work) {
@@ -60,6 +60,6 @@ inline int ReportNothingToDo() {
   return ForEachRow(1, [](int) {});
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTKRN13N_REDRAWING_H

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-namespace provider {
+namespace modules {
 namespace {
 
 // Where the middle of a new sample lies between the middles of old ones.
@@ -84,4 +84,4 @@ void Resampling::append(long long first, std::span<const double> weights, int fr
   entries_.push_back(entry);
 }
 
-}  // namespace provider
+}  // namespace modules

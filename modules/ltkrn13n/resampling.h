@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-namespace provider {
+namespace modules {
 
 // How every new sample is made from a few neighbouring old ones.
 class Resampling {
@@ -43,6 +43,6 @@ class Resampling {
   std::vector<float> weights_;
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_LTKRN13N_RESAMPLING_H

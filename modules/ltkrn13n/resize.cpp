@@ -12,11 +12,11 @@
 
 namespace {
 
-using provider::Color;
-using provider::ForEachRow;
-using provider::Pixels;
-using provider::Redrawing;
-using provider::Resampling;
+using modules::Color;
+using modules::ForEachRow;
+using modules::Pixels;
+using modules::Redrawing;
+using modules::Resampling;
 
 // Runs through the old pixels in whose area the middles of new pixels lie.
 class NearestStepper {
@@ -47,7 +47,7 @@ class NearestStepper {
 int DrawNearest(const Pixels& source, const Pixels& target) {
   NearestStepper rows(source.height, target.height);
   const auto width = static_cast<std::size_t>(target.width);
-  return provider::WithFormat(source.depth, [&](auto format) {
+  return modules::WithFormat(source.depth, [&](auto format) {
     return ForEachRow(target.height, [&](int y) {
       const std::uint8_t* const from = source.row(static_cast<int>(rows.next()));
       std::uint8_t* const to = target.row(y);
@@ -71,13 +71,13 @@ class SampleRows {
   const std::uint8_t* read(std::size_t y) {
     const int row = static_cast<int>(y);
     if (image_.depth != 16) return image_.row(row);
-    provider::ReadColors(image_, row, colors_.data());
+    modules::ReadColors(image_, row, colors_.data());
     return &colors_.data()->blue;
   }
   // Where the samples of row y are to be put; store then brings them into the row.
   std::uint8_t* target(int y) { return image_.depth == 16 ? &colors_.data()->blue : image_.row(y); }
   void store(int y) {
-    if (image_.depth == 16) provider::WriteColors(image_, y, colors_.data());
+    if (image_.depth == 16) modules::WriteColors(image_, y, colors_.data());
   }
 
  private:
@@ -130,7 +130,7 @@ int DrawMixed(const Pixels& source, const Pixels& target, const Resampling& colu
 }
 
 int Draw(const Pixels& source, const Pixels& target, unsigned flags) {
-  const bool mixes = source.depth > 8 || provider::BytesAreTones(source);
+  const bool mixes = source.depth > 8 || modules::BytesAreTones(source);
   if (mixes && (flags & kSizeBest) != 0) {
     return DrawMixed(source, target, Resampling::Best(source.width, target.width),
                      Resampling::Best(source.height, target.height));
@@ -144,15 +144,15 @@ int Draw(const Pixels& source, const Pixels& target, unsigned flags) {
 
 int Resize(struct_LEAD_Bitmap* bitmap, int width, int height, unsigned flags) {
   Redrawing drawing(bitmap);
-  if (!drawing.hasSource()) return kVendorNoBitmap;
+  if (!drawing.hasSource()) return kModuleNoBitmap;
   int code = drawing.begin(width, height, drawing.source().depth);
-  if (code == kVendorSuccess) code = Draw(drawing.source(), drawing.target(), flags);
-  return code == kVendorSuccess ? drawing.finish(*bitmap) : code;
+  if (code == kModuleSuccess) code = Draw(drawing.source(), drawing.target(), flags);
+  return code == kModuleSuccess ? drawing.finish(*bitmap) : code;
 }
 
 }  // namespace
 
 int L_SizeBitmap(struct_LEAD_Bitmap* bitmap, int width, int height, unsigned flags) {
-  if (width <= 0 || height <= 0) return kVendorBadParameter;
-  return provider::Guarded([=] { return Resize(bitmap, width, height, flags); });
+  if (width <= 0 || height <= 0) return kModuleBadParameter;
+  return modules::Guarded([=] { return Resize(bitmap, width, height, flags); });
 }

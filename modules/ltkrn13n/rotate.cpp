@@ -16,15 +16,15 @@
 
 namespace {
 
-using provider::Color;
-using provider::ForEachRow;
-using provider::Format16;
-using provider::Format24;
-using provider::Format32;
-using provider::Format8;
-using provider::Pixels;
-using provider::Redrawing;
-using provider::WideColor;
+using modules::Color;
+using modules::ForEachRow;
+using modules::Format16;
+using modules::Format24;
+using modules::Format32;
+using modules::Format8;
+using modules::Pixels;
+using modules::Redrawing;
+using modules::WideColor;
 
 constexpr int kPlaceBits = 28;
 constexpr double kPlaceUnit = 1 << kPlaceBits;
@@ -108,12 +108,12 @@ std::uint8_t PixelOf(const Pixels& image, Color color) {
   std::vector<Color> entries;
   entries.reserve(static_cast<std::size_t>(image.paletteSize()));
   for (int i = 0; i < image.paletteSize(); ++i)
-    entries.push_back(provider::ColorOf(image.palette[i]));
-  return provider::PaletteSearch(entries).nearest(color);
+    entries.push_back(modules::ColorOf(image.palette[i]));
+  return modules::PaletteSearch(entries).nearest(color);
 }
 template <>
 std::uint16_t PixelOf(const Pixels& /*image*/, Color color) {
-  return provider::With555(0, color);
+  return modules::With555(0, color);
 }
 template <>
 Color PixelOf(const Pixels& /*image*/, Color color) {
@@ -155,7 +155,7 @@ std::array<int, 3> ChannelsOf(Color color) {
   return {color.blue, color.green, color.red};
 }
 std::array<int, 3> ChannelsOf(std::uint16_t pixel) {
-  return ChannelsOf(provider::ColorOf555(pixel));
+  return ChannelsOf(modules::ColorOf555(pixel));
 }
 std::array<int, 4> ChannelsOf(WideColor pixel) {
   return {pixel.color.blue, pixel.color.green, pixel.color.red, pixel.rest};
@@ -171,7 +171,7 @@ void FromChannels(const std::array<int, 3>& channels, Color& color) {
 void FromChannels(const std::array<int, 3>& channels, std::uint16_t& pixel) {
   Color color;
   FromChannels(channels, color);
-  pixel = provider::With555(0, color);
+  pixel = modules::With555(0, color);
 }
 void FromChannels(const std::array<int, 4>& channels, WideColor& pixel) {
   FromChannels({channels[0], channels[1], channels[2]}, pixel.color);
@@ -237,8 +237,8 @@ int DrawMixed(Format format, const Pixels& source, const Pixels& target, const P
 
 int Draw(const Pixels& source, const Pixels& target, const Turn& turn, Color background) {
   const PlaceMap map(source, target, turn);
-  const bool mixes = !turn.quarters && (source.depth > 8 || provider::BytesAreTones(source));
-  return provider::WithFormat(source.depth, [&](auto format) {
+  const bool mixes = !turn.quarters && (source.depth > 8 || modules::BytesAreTones(source));
+  return modules::WithFormat(source.depth, [&](auto format) {
     if constexpr (requires { ChannelsOf(typename decltype(format)::Value{}); }) {
       if (mixes) return DrawMixed(format, source, target, map, background);
     }
@@ -248,21 +248,21 @@ int Draw(const Pixels& source, const Pixels& target, const Turn& turn, Color bac
 
 int Rotate(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, Color background) {
   Redrawing drawing(bitmap);
-  if (!drawing.hasSource()) return kVendorNoBitmap;
+  if (!drawing.hasSource()) return kModuleNoBitmap;
   const Pixels& source = drawing.source();
   const Turn turn = TurnBy(angle);
   const auto extent =
       (flags & kRotateGrows) != 0 ? GrownExtent(source, turn) : Extent{source.width, source.height};
-  if (!extent) return kVendorNoMemory;
+  if (!extent) return kModuleNoMemory;
   int code = drawing.begin(extent->width, extent->height, source.depth);
-  if (code == kVendorSuccess) code = Draw(source, drawing.target(), turn, background);
-  if (code != kVendorSuccess) return code;
+  if (code == kModuleSuccess) code = Draw(source, drawing.target(), turn, background);
+  if (code != kModuleSuccess) return code;
   drawing.finish(*bitmap);
   // What ran across runs down now.
   if (turn.quarters && *turn.quarters % 2 == 1) {
     std::swap(bitmap->xResolution, bitmap->yResolution);
   }
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 }  // namespace
@@ -271,5 +271,5 @@ int Rotate(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, Color backgrou
 int L_RotateBitmap(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, unsigned color) {
   const auto channel = [color](int shift) { return static_cast<std::uint8_t>(color >> shift); };
   const Color background{channel(16), channel(8), channel(0)};
-  return provider::Guarded([=] { return Rotate(bitmap, angle, flags, background); });
+  return modules::Guarded([=] { return Rotate(bitmap, angle, flags, background); });
 }

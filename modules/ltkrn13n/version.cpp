@@ -21,9 +21,9 @@ void KernelRegisterCodecs(const char* list) {
 }
 
 int L_VersionInfo(LTVERSIONINFO* info) {
-  if (info == nullptr || info->size < static_cast<int>(sizeof *info)) return kVendorBadParameter;
+  if (info == nullptr || info->size < static_cast<int>(sizeof *info)) return kModuleBadParameter;
   CopyText(info->product, "Orvo imaging modules");
   CopyText(info->version, ORVO_VERSION);
   CopyText(info->codecs, codecNames.data());
-  return kVendorSuccess;
+  return kModuleSuccess;
 }

@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using Object = QPDFObjectHandle;
-using provider::OpenFile;
+using modules::OpenFile;
 
 // Readers take pages of up to this many units; a page beyond has larger units than points.
 constexpr double kMostUnits = 14400;
@@ -34,7 +34,7 @@ void PdfDocument::open(const char* path) {
   if (target.native().empty() || target.native().size() >= MAX_PATH) {
     throw std::runtime_error("no usable path");
   }
-  spool_ = std::make_shared<provider::Spool>(target);
+  spool_ = std::make_shared<modules::Spool>(target);
   target_ = std::move(target);
   targetIsNew_ = OpenFile(target_.c_str(), "wbx") != nullptr;
   if (!targetIsNew_ && (!fs::is_regular_file(target_) || !OpenFile(target_.c_str(), "r+b"))) {
@@ -56,16 +56,16 @@ void PdfDocument::setInfo(const char* key, const char* value) {
 
 std::optional<int> PdfDocument::openImage(std::string_view type, const char* path, int page) {
   if (path == nullptr || !spool_) throw std::runtime_error("no source or no document");
-  const auto coded = provider::TakePicture(type, platform::NativePath(path), page, *spool_);
+  const auto coded = modules::TakePicture(type, platform::NativePath(path), page, *spool_);
   if (!coded) return std::nullopt;
-  images_[++lastImage_] = {coded->picture, provider::MakeImageObject(pdf_, *coded, spool_)};
+  images_[++lastImage_] = {coded->picture, modules::MakeImageObject(pdf_, *coded, spool_)};
   return lastImage_;
 }
 
 float PdfDocument::value(std::string_view key, int image) const {
   const auto found = images_.find(image);
   if (found == images_.end()) return 0;
-  const provider::Picture& picture = found->second.picture;
+  const modules::Picture& picture = found->second.picture;
   if (key == "resx") return ShownResolutionOf(picture).x;
   if (key == "resy") return ShownResolutionOf(picture).y;
   if (key == "imagewidth") return static_cast<float>(ShownSizeOf(picture).width);
@@ -81,7 +81,7 @@ void PdfDocument::beginPage(double width, double height) {
 }
 
 void PdfDocument::scale(double x, double y) {
-  if (page_) page_->content += provider::ScaleContent(x, y);
+  if (page_) page_->content += modules::ScaleContent(x, y);
 }
 
 void PdfDocument::placeImage(int image, double x, double y, double scale) {
@@ -89,7 +89,7 @@ void PdfDocument::placeImage(int image, double x, double y, double scale) {
   if (!page_ || found == images_.end()) throw std::runtime_error("no page or no image");
   const std::string name = "/Im" + std::to_string(image);
   page_->images.replaceKey(name, found->second.object);
-  page_->content += provider::PlaceContent(name, found->second.picture, x, y, scale);
+  page_->content += modules::PlaceContent(name, found->second.picture, x, y, scale);
 }
 
 void PdfDocument::endPage() {
@@ -109,7 +109,7 @@ void PdfDocument::endPage() {
                                    measure(page_->width), measure(page_->height)}));
   if (unit > 1) {
     page.replaceKey("/UserUnit", Object::newInteger(static_cast<long long>(unit)));
-    page_->content.insert(0, provider::ScaleContent(1 / unit, 1 / unit));
+    page_->content.insert(0, modules::ScaleContent(1 / unit, 1 / unit));
   }
   page.replaceKey("/Resources", resources);
   page.replaceKey("/Contents", Object::newStream(&pdf_, page_->content));
@@ -122,7 +122,7 @@ void PdfDocument::close() {
   if (!spool_) return;
   endPage();
   if (spoiled_ || pageCount_ == 0) return;
-  provider::TemporaryFile whole(target_);
+  modules::TemporaryFile whole(target_);
   write(whole.path());
   if (!whole.moveTo(target_)) throw std::runtime_error("the target cannot be replaced");
   targetIsNew_ = false;
@@ -130,12 +130,12 @@ void PdfDocument::close() {
 }
 
 void PdfDocument::write(const fs::path& path) {
-  provider::FileHandle file = OpenFile(path.c_str(), "wb");
+  modules::FileHandle file = OpenFile(path.c_str(), "wb");
   if (!file) throw std::runtime_error("the target cannot be written");
   QPDFWriter writer(pdf_);
   writer.setOutputFile(path.c_str(), file.get(), false);
   writer.setMinimumPDFVersion("1.6");  // which brought larger units
   writer.setStreamDataMode(qpdf_s_preserve);
   writer.write();
-  if (!provider::CloseWritten(std::move(file))) throw std::runtime_error("the disk is full");
+  if (!modules::CloseWritten(std::move(file))) throw std::runtime_error("the disk is full");
 }

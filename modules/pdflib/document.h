@@ -15,7 +15,7 @@
 #include "pdflib/picture.h"
 #include "pdflib/spool.h"
 
-namespace provider {
+namespace modules {
 
 // A page that is being drawn. Measures in points.
 struct OpenPage {
@@ -25,7 +25,7 @@ struct OpenPage {
   QPDFObjectHandle images = QPDFObjectHandle::newDictionary();  // by their names
 };
 
-}  // namespace provider
+}  // namespace modules
 
 // Throws when the disk or memory gives out; the entry points turn that into their answers.
 struct PdfDocument {
@@ -61,7 +61,7 @@ struct PdfDocument {
 
  private:
   struct Image {
-    provider::Picture picture;
+    modules::Picture picture;
     QPDFObjectHandle object;
   };
 
@@ -70,11 +70,11 @@ struct PdfDocument {
   std::filesystem::path target_;
   bool targetIsNew_ = false;
   bool spoiled_ = false;
-  std::shared_ptr<provider::Spool> spool_;
+  std::shared_ptr<modules::Spool> spool_;
   QPDF pdf_;
   std::map<int, Image> images_;
   int lastImage_ = -1;
-  std::optional<provider::OpenPage> page_;
+  std::optional<modules::OpenPage> page_;
   int pageCount_ = 0;
 };
 

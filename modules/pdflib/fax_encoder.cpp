@@ -8,7 +8,7 @@
 #include "pictures/tiff_page.h"
 #include "pdflib/picture_coding.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 // The directory, which nobody reads, is not written.
@@ -112,4 +112,4 @@ Spool::Range EncodeFax(PictureReader& reader, Spool& spool) {
   return tiff.finish();
 }
 
-}  // namespace provider
+}  // namespace modules

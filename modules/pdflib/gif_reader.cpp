@@ -10,7 +10,7 @@
 #include "pictures/file_handle.h"
 #include "pdflib/picture_files.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 struct GifCloser {
@@ -131,4 +131,4 @@ std::unique_ptr<PictureReader> OpenGif(const std::string& path) {
   return std::make_unique<GifReader>(path);
 }
 
-}  // namespace provider
+}  // namespace modules

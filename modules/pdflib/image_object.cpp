@@ -1,6 +1,6 @@
 #include "pdflib/image_object.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 using Object = QPDFObjectHandle;
@@ -105,4 +105,4 @@ QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
   return image;
 }
 
-}  // namespace provider
+}  // namespace modules

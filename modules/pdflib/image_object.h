@@ -8,12 +8,12 @@
 
 #include "pdflib/picture_coding.h"
 
-namespace provider {
+namespace modules {
 
 // The image object; its bytes leave the spool when the document is written.
 QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
                                  const std::shared_ptr<Spool>& spool);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PDFLIB_IMAGE_OBJECT_H

@@ -19,7 +19,7 @@
 #include "pictures/library_calls.h"
 #include "pdflib/picture_files.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr double kMetresPerCentimetre = 0.01;
@@ -191,4 +191,4 @@ CodedPicture TakeJpeg(const std::string& path, Spool& spool) {
           .jpegIsRgb = reader.isRgb()};
 }
 
-}  // namespace provider
+}  // namespace modules

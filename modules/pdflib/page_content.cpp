@@ -3,7 +3,7 @@
 #include <array>
 #include <qpdf/QUtil.hh>
 
-namespace provider {
+namespace modules {
 namespace {
 
 using Matrix = std::array<double, 6>;
@@ -46,4 +46,4 @@ std::string PlaceContent(const std::string& name, const Picture& picture, double
          " Do\nQ\n";
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -6,7 +6,7 @@
 
 #include "pdflib/picture.h"
 
-namespace provider {
+namespace modules {
 
 // Width and height of the picture as shown, in pixels.
 struct ShownSize {
@@ -32,6 +32,6 @@ std::string ScaleContent(double x, double y);
 std::string PlaceContent(const std::string& name, const Picture& picture, double x, double y,
                          double scale);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PDFLIB_PAGE_CONTENT_H

@@ -4,7 +4,7 @@
 
 #include <orvo/dib.h>
 
-namespace provider {
+namespace modules {
 namespace {
 
 float DotsPerInchOf(std::int32_t pixelsPerMetre) {
@@ -27,4 +27,4 @@ Resolution AspectOf(double xDensity, double yDensity) {
   return {static_cast<float>(-yDensity), static_cast<float>(-xDensity)};
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -8,7 +8,7 @@
 
 #include "pictures/orientation.h"
 
-namespace provider {
+namespace modules {
 
 // In dots per inch; zeros when the file does not tell. A negative pair tells only how wide a pixel
 // is beside its height: -1 and -2 are pixels twice as high as wide.
@@ -68,6 +68,6 @@ constexpr std::uint8_t OnWhite(std::uint8_t tone, std::uint8_t alpha) {
   return static_cast<std::uint8_t>((tone * alpha + 255 * (255 - alpha) + 127) / 255);
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PDFLIB_PICTURE_H

@@ -3,7 +3,7 @@
 #include <qpdf/Pl_Flate.hh>
 #include <vector>
 
-namespace provider {
+namespace modules {
 namespace {
 
 // Photographs shrink by a third more as differences; palette indexes and few bits would grow.
@@ -43,4 +43,4 @@ CodedPicture CodeRows(PictureReader& reader, Spool& spool) {
   return coded;
 }
 
-}  // namespace provider
+}  // namespace modules

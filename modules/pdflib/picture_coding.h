@@ -5,7 +5,7 @@
 #include "pdflib/picture.h"
 #include "pdflib/spool.h"
 
-namespace provider {
+namespace modules {
 
 enum class Coding {
   kFlate,
@@ -27,6 +27,6 @@ CodedPicture CodeRows(PictureReader& reader, Spool& spool);
 // Codes 1-bit rows as one stretch of group 4 data.
 Spool::Range EncodeFax(PictureReader& reader, Spool& spool);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PDFLIB_PICTURE_CODING_H

@@ -1,6 +1,6 @@
 #include "pdflib/picture_files.h"
 
-namespace provider {
+namespace modules {
 
 std::optional<CodedPicture> TakePicture(std::string_view type, const std::string& path, int page,
                                         Spool& spool) {
@@ -11,4 +11,4 @@ std::optional<CodedPicture> TakePicture(std::string_view type, const std::string
   throw UnreadablePicture("unknown picture type");
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -9,7 +9,7 @@
 
 #include "pdflib/picture_coding.h"
 
-namespace provider {
+namespace modules {
 
 // Takes a picture out of a file of a type: "jpeg", "tiff", "png" or "gif". page counts from 1 and
 // is for TIFF; of a GIF the first frame is taken. Nothing when the TIFF file has fewer pages.
@@ -24,6 +24,6 @@ std::optional<CodedPicture> TakeTiffPage(const std::string& path, int page, Spoo
 std::unique_ptr<PictureReader> OpenPng(const std::string& path);
 std::unique_ptr<PictureReader> OpenGif(const std::string& path);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PDFLIB_PICTURE_FILES_H

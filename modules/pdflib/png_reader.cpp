@@ -12,7 +12,7 @@
 #include "pictures/library_calls.h"
 #include "pdflib/picture_files.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::uint64_t kMostDeflateRatio = 1032;
@@ -169,4 +169,4 @@ std::unique_ptr<PictureReader> OpenPng(const std::string& path) {
   return std::make_unique<PngReader>(path);
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-namespace provider {
+namespace modules {
 
 Spool::Spool(const std::filesystem::path& neighbour) : file_(neighbour) {
   stream_.exceptions(std::ios::badbit | std::ios::failbit | std::ios::eofbit);
@@ -27,4 +27,4 @@ void Spool::copy(const Range& range, Pipeline& target) {
   target.write(bytes.data(), bytes.size());
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -9,7 +9,7 @@
 
 #include "pictures/temporary_file.h"
 
-namespace provider {
+namespace modules {
 
 class Spool {
  public:
@@ -51,6 +51,6 @@ class SpoolPipe : public Pipeline {
   Spool& spool_;
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PDFLIB_SPOOL_H

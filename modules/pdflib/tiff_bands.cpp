@@ -7,7 +7,7 @@
 #include "pictures/file_handle.h"
 #include "pdflib/picture.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 using Kind = TiffPage::Kind;
@@ -152,4 +152,4 @@ void TiffBands::convertRasterRow(std::uint32_t y) {
   }
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -7,7 +7,7 @@
 #include "pictures/tiff_page.h"
 #include "pictures/tiff_rows.h"
 
-namespace provider {
+namespace modules {
 
 // Keeps one band of the page at a time: a strip, or the tiles side by side. Throws
 // UnreadablePicture when the page is damaged.
@@ -50,6 +50,6 @@ class TiffBands {
   std::vector<const std::uint8_t*> planeRows_;  // where the row at work begins in each plane
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PDFLIB_TIFF_BANDS_H

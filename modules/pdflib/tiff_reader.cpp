@@ -6,7 +6,7 @@
 #include "pdflib/picture_files.h"
 #include "pdflib/tiff_bands.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 using Kind = TiffPage::Kind;
@@ -30,7 +30,7 @@ class TiffSource : public PictureReader {
       return false;
     }
     check(number == 1 || TIFFSetDirectory(tiff_.get(), static_cast<tdir_t>(number - 1)) != 0);
-    check(ReadTiffPage(tiff_.get(), page_) == kVendorSuccess);
+    check(ReadTiffPage(tiff_.get(), page_) == kModuleSuccess);
     describe();
     faults_ = 0;
     bands_ = std::make_unique<TiffBands>(tiff_.get(), page_, fileBytes_);
@@ -146,4 +146,4 @@ std::optional<CodedPicture> TakeTiffPage(const std::string& path, int page, Spoo
   return CodeRows(source, spool);
 }
 
-}  // namespace provider
+}  // namespace modules

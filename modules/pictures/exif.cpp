@@ -2,7 +2,7 @@
 
 #include "pictures/file_image.h"
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr unsigned kTagOrientation = 0x0112;
@@ -81,4 +81,4 @@ Exif ReadExif(std::span<const std::uint8_t> block) {
   return exif;
 }
 
-}  // namespace provider
+}  // namespace modules

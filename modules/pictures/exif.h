@@ -7,7 +7,7 @@
 
 #include "pictures/orientation.h"
 
-namespace provider {
+namespace modules {
 
 struct Exif {
   int orientation = kUpright;
@@ -19,6 +19,6 @@ struct Exif {
 // their defaults.
 Exif ReadExif(std::span<const std::uint8_t> block);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_EXIF_H

@@ -8,7 +8,7 @@
 #include <memory>
 #include <system_error>
 
-namespace provider {
+namespace modules {
 
 struct FileCloser {
   void operator()(std::FILE* file) const { (void)std::fclose(file); }
@@ -41,6 +41,6 @@ inline bool IsPlausible(std::uint64_t imageBytes, std::uint64_t fileBytes,
   return imageBytes <= kSmall || imageBytes / mostRatio <= fileBytes;
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_FILE_HANDLE_H

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-namespace provider {
+namespace modules {
 
 std::int32_t PixelsPerMetreOf(double dots, double metres) {
   const double value = std::round(dots / metres);
@@ -41,10 +41,10 @@ OwnedBlock BlockFor(const FileImage& image) {
 int HandOver(OwnedBlock block, const FileImage& image, struct_LEAD_Bitmap& bitmap) {
   if (image.orientation != kUpright) {
     block = TurnedUpright(std::move(block), image.orientation);
-    if (!block) return kVendorNoMemory;
+    if (!block) return kModuleNoMemory;
   }
   TakeBlock(bitmap, std::move(block));
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 void WidenTwoBits(const std::uint8_t* values, int count, int factor, std::uint8_t* out) {
@@ -61,4 +61,4 @@ void WidenTwoBits(const std::uint8_t* values, int count, int factor, std::uint8_
   }
 }
 
-}  // namespace provider
+}  // namespace modules

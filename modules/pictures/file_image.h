@@ -8,7 +8,7 @@
 #include "common/dib_image.h"
 #include "pictures/orientation.h"
 
-namespace provider {
+namespace modules {
 
 // Measures as stored, before the orientation is applied.
 struct FileImage {
@@ -29,18 +29,18 @@ void DescribeImage(const FileImage& image, int format, const char* compression, 
 // An empty image with these measures, not yet turned upright; empty when out of memory.
 OwnedBlock BlockFor(const FileImage& image);
 
-// Turns a painted block upright and hands it to the bitmap. Vendor code.
+// Turns a painted block upright and hands it to the bitmap. Module code.
 int HandOver(OwnedBlock block, const FileImage& image, struct_LEAD_Bitmap& bitmap);
 
-// Makes the image, lets paint (Pixels to vendor code) fill its rows and hands it to the bitmap,
+// Makes the image, lets paint (Pixels to module code) fill its rows and hands it to the bitmap,
 // which holds nothing unless all went well.
 template <class Paint>
 int LoadImage(const FileImage& image, struct_LEAD_Bitmap& bitmap, const Paint& paint) {
   OwnedBlock block = BlockFor(image);
   {
     const LockedDib locked(block.get());
-    if (!locked) return kVendorNoMemory;
-    if (const int code = paint(*locked); code != kVendorSuccess) return code;
+    if (!locked) return kModuleNoMemory;
+    if (const int code = paint(*locked); code != kModuleSuccess) return code;
   }
   return HandOver(std::move(block), image, bitmap);
 }
@@ -54,6 +54,6 @@ inline std::uint8_t* LineFromTop(const Pixels& image, int y) {
 // bytes: an even number of them for every four values begun.
 void WidenTwoBits(const std::uint8_t* values, int count, int factor, std::uint8_t* out);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_FILE_IMAGE_H

@@ -4,7 +4,7 @@
 
 #include <csetjmp>
 
-namespace provider {
+namespace modules {
 
 // Runs calls and gives true; false when the library jumped to `jump` out of them. What is jumped
 // over is never destroyed, so `calls` captures by reference and owns nothing; owners live around
@@ -16,6 +16,6 @@ template <class Calls>
   return true;
 }
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_LIBRARY_CALLS_H

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-namespace provider {
+namespace modules {
 namespace {
 
 // Where the pixels of a turned image come from: `turned` exchanges columns and lines, the mirrors
@@ -101,4 +101,4 @@ OwnedBlock TurnedUpright(OwnedBlock block, int orientation) {
   return result;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -8,7 +8,7 @@
 
 #include "common/dib_image.h"
 
-namespace provider {
+namespace modules {
 
 constexpr int kUpright = 1;
 
@@ -23,6 +23,6 @@ constexpr bool SwapsSides(int orientation) {
 // The image turned upright, resolutions and palette with it; empty when out of memory.
 OwnedBlock TurnedUpright(OwnedBlock block, int orientation);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_ORIENTATION_H

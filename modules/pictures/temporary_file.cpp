@@ -4,7 +4,7 @@
 
 #include "pictures/file_handle.h"
 
-namespace provider {
+namespace modules {
 
 TemporaryFile::TemporaryFile(const std::filesystem::path& neighbour) {
   constexpr int kAttempts = 16;
@@ -31,4 +31,4 @@ bool TemporaryFile::moveTo(const std::filesystem::path& target) {
   return !error;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-namespace provider {
+namespace modules {
 
 // Deleted at the end of its life, unless it was moved.
 class TemporaryFile {
@@ -24,6 +24,6 @@ class TemporaryFile {
   std::filesystem::path path_;
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_TEMPORARY_FILE_H

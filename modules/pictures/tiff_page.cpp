@@ -2,7 +2,7 @@
 
 #include <climits>
 
-namespace provider {
+namespace modules {
 namespace {
 
 int OnError(TIFF* /*tiff*/, void* faults, const char* /*module*/, const char* /*format*/,
@@ -144,12 +144,12 @@ int ReadTiffPage(TIFF* tiff, TiffPage& page) {
   if (TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width) == 0 ||
       TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height) == 0 || width == 0 || height == 0 ||
       width > INT_MAX || height > INT_MAX) {
-    return kVendorFormatDamaged;
+    return kFileFormatDamaged;
   }
   page.image.width = static_cast<int>(width);
   page.image.height = static_cast<int>(height);
   page.compression = Tag16(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-  if (TIFFIsCODECConfigured(page.compression) == 0) return kVendorFormatNotRead;
+  if (TIFFIsCODECConfigured(page.compression) == 0) return kFileFormatNotRead;
   page.bits = Tag16(tiff, TIFFTAG_BITSPERSAMPLE, 1);
   page.samples = Tag16(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
   page.planar = page.samples > 1 &&
@@ -163,10 +163,10 @@ int ReadTiffPage(TIFF* tiff, TiffPage& page) {
   const bool isPlainNumber = format == SAMPLEFORMAT_UINT || format == SAMPLEFORMAT_VOID;
   if (page.kind != TiffPage::Kind::kByLibrary &&
       (page.bits < 1 || page.bits > kMostBits || page.samples < 1 || !isPlainNumber)) {
-    return kVendorDepthNotSupported;
+    return kModuleDepthNotSupported;
   }
   page.image.depth = DepthOf(page);
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -9,7 +9,7 @@
 
 #include "pictures/file_image.h"
 
-namespace provider {
+namespace modules {
 
 struct TiffCloser {
   void operator()(TIFF* tiff) const { TIFFClose(tiff); }
@@ -50,9 +50,9 @@ struct TiffPage {
 constexpr int kMostTiffPages = 65535;
 int FollowPages(TIFF* tiff, int most = kMostTiffPages);
 
-// Reads the tags of the directory at which the file stands. Vendor code.
+// Reads the tags of the directory at which the file stands. Module code.
 int ReadTiffPage(TIFF* tiff, TiffPage& page);
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_TIFF_PAGE_H

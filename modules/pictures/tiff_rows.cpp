@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace provider {
+namespace modules {
 namespace {
 
 constexpr std::uint32_t kMost16 = 0xFFFF;
@@ -117,4 +117,4 @@ void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std
   }
 }
 
-}  // namespace provider
+}  // namespace modules

@@ -8,7 +8,7 @@
 
 #include "pictures/tiff_page.h"
 
-namespace provider {
+namespace modules {
 
 // Stores row segments of one page. Keeps the working memory that this takes.
 class TiffRows {
@@ -35,6 +35,6 @@ class TiffRows {
   std::vector<std::uint8_t> plane_;
 };
 
-}  // namespace provider
+}  // namespace modules
 
 #endif  // MODULES_PICTURES_TIFF_ROWS_H

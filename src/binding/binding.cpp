@@ -88,7 +88,7 @@ void CLeadTools::GetLTProcAddresses(char* path) noexcept {
   const Step steps[] = {{"ltkrn13n.dll", kernelModule, kKernelNames},
                         {"ltimg13n.dll", imageModule, kImageNames},
                         {"ltfil13n.dll", fileModule, kFileNames}};
-  EntryPoint* entries = vendorEntries;
+  EntryPoint* entries = moduleEntries;
   for (const Step& step : steps) {
     step.module = LoadBeside(path, step.fileName);
     if (step.module == nullptr) return;
@@ -105,7 +105,7 @@ void CLeadTools::operator delete(void* memory) noexcept {
   LocalFree(memory);
 }
 
-void Vendor::ConvertFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) const {
+void Modules::ConvertFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) const {
   const auto convert = call<Entry::L_ConvertFromDIB>();
   if (convert == nullptr) return;
   *bitmap = {};

@@ -16,9 +16,9 @@ bool DepthIsTaken(Depths depths, int bitsPerPixel) noexcept {
 }
 
 int BitmapCycle::testBindings() const {
-  const bool bound = vendor_.hasAll({Entry::L_ChangeFromDIB, Entry::L_FreeBitmap,
+  const bool bound = modules_.hasAll({Entry::L_ChangeFromDIB, Entry::L_FreeBitmap,
                                      Entry::L_ChangeToDIB, rules_.own}) &&
-                     (!rules_.needsCallbackEntry || vendor_.has(Entry::L_SetStatusCallBack));
+                     (!rules_.needsCallbackEntry || modules_.has(Entry::L_SetStatusCallBack));
   return bound ? ORVO_OK : ORVO_ERR_NO_VENDOR;
 }
 
@@ -34,30 +34,30 @@ int BitmapCycle::prepare() {
     return ORVO_ERR_OUT_OF_RANGE;
   }
   if (result_ != nullptr) {
-    vendor_.ConvertFromDIB(&bitmap_, source_);
+    modules_.ConvertFromDIB(&bitmap_, source_);
   } else {
-    vendor_.call<Entry::L_ChangeFromDIB>()(&bitmap_, source_);
+    modules_.call<Entry::L_ChangeFromDIB>()(&bitmap_, source_);
   }
   return DepthIsTaken(rules_.depths, bitmap_.bitsPerPixel) ? ORVO_OK : refuseDepth();
 }
 
 void BitmapCycle::install(StatusCallback callback) {
   if (callback != nullptr) {
-    previous_ = vendor_.call<Entry::L_SetStatusCallBack>()(callback, nullptr);
+    previous_ = modules_.call<Entry::L_SetStatusCallBack>()(callback, nullptr);
   }
 }
 
 void BitmapCycle::reinstallPrevious() {
-  if (previous_ != nullptr) vendor_.call<Entry::L_SetStatusCallBack>()(previous_, nullptr);
+  if (previous_ != nullptr) modules_.call<Entry::L_SetStatusCallBack>()(previous_, nullptr);
 }
 
 // Ends the bitmap without a changed image: a copy is released, the caller's own image given back.
 void BitmapCycle::release() {
   if (inPlace()) {
-    const DibHandle back = vendor_.call<Entry::L_ChangeToDIB>()(&bitmap_);
+    const DibHandle back = modules_.call<Entry::L_ChangeToDIB>()(&bitmap_);
     if (back != nullptr) source_ = back;
   } else {
-    vendor_.call<Entry::L_FreeBitmap>()(&bitmap_);
+    modules_.call<Entry::L_FreeBitmap>()(&bitmap_);
   }
 }
 
@@ -74,7 +74,7 @@ int BitmapCycle::fail(int code) {
 }
 
 int BitmapCycle::succeed() {
-  return succeedWith(vendor_.call<Entry::L_ChangeToDIB>()(&bitmap_));
+  return succeedWith(modules_.call<Entry::L_ChangeToDIB>()(&bitmap_));
 }
 
 int BitmapCycle::succeedWith(DibHandle dib) {

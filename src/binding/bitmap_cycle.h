@@ -1,4 +1,4 @@
-// The cycle that every image method runs round its one vendor call: tests, the image into a vendor
+// The cycle that every image method runs round its one module call: tests, the image into a module
 // bitmap, the call, the image back under a handle.
 #ifndef ORVO_BINDING_BITMAP_CYCLE_H
 #define ORVO_BINDING_BITMAP_CYCLE_H
@@ -13,7 +13,7 @@ enum class Depths { kAny, kFourUp, kOneUp };
 
 // How a method's cycle differs from the others'.
 struct CycleRules {
-  Entry own;                            // the vendor function that the method calls
+  Entry own;                            // the module function that the method calls
   Depths depths = Depths::kFourUp;      // tested before the call
   bool inRange = true;                  // the outcome of the method's parameter test
   bool needsCallbackEntry = true;       // L_SetStatusCallBack has to be bound
@@ -24,19 +24,19 @@ struct CycleRules {
 
 [[nodiscard]] bool DepthIsTaken(Depths depths, int bitsPerPixel) noexcept;
 
-// One image on its way through a vendor bitmap. After prepare() returned ORVO_OK exactly one of
+// One image on its way through a module bitmap. After prepare() returned ORVO_OK exactly one of
 // refuseDepth, fail and succeed ends the cycle.
 class BitmapCycle {
  public:
   BitmapCycle(const CLeadTools& tools, const CycleRules& rules, DibHandle& source,
               DibHandle* result)
-      : vendor_(tools), rules_(rules), source_(source), result_(result) {}
+      : modules_(tools), rules_(rules), source_(source), result_(result) {}
 
   // Runs all tests and brings the image into the bitmap. Any code but ORVO_OK is final.
   [[nodiscard]] int prepare();
   void install(StatusCallback callback);
 
-  [[nodiscard]] const Vendor& vendor() const { return vendor_; }
+  [[nodiscard]] const Modules& modules() const { return modules_; }
   struct_LEAD_Bitmap* bitmap() { return &bitmap_; }
   [[nodiscard]] bool inPlace() const { return result_ == nullptr; }
 
@@ -52,7 +52,7 @@ class BitmapCycle {
   [[nodiscard]] int testBindings() const;
   void release();
 
-  Vendor vendor_;
+  Modules modules_;
   CycleRules rules_;
   DibHandle& source_;
   DibHandle* result_;
@@ -60,15 +60,15 @@ class BitmapCycle {
   struct_LEAD_Bitmap bitmap_{};
 };
 
-// The whole cycle round `call`, which takes the vendor and the bitmap and gives a vendor code.
+// The whole cycle round `call`, which takes the module and the bitmap and gives a module code.
 template <class Call>
 int RunCycle(const CLeadTools& tools, const CycleRules& rules, DibHandle& source, DibHandle* result,
              StatusCallback callback, const Call& call) {
   BitmapCycle cycle(tools, rules, source, result);
   if (const int code = cycle.prepare(); code != ORVO_OK) return code;
   cycle.install(callback);
-  const int vendorCode = call(cycle.vendor(), cycle.bitmap());
-  if (vendorCode != kVendorSuccess) return cycle.fail(MapReturnCodeLT2ORVO(vendorCode));
+  const int moduleCode = call(cycle.modules(), cycle.bitmap());
+  if (moduleCode != kModuleSuccess) return cycle.fail(MapReturnCodeLT2ORVO(moduleCode));
   cycle.reinstallPrevious();
   return cycle.succeed();
 }

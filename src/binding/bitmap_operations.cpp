@@ -1,4 +1,4 @@
-// The image methods: each is the bitmap cycle round one vendor call.
+// The image methods: each is the bitmap cycle round one module call.
 #include "binding/bitmap_cycle.h"
 
 namespace {
@@ -20,13 +20,13 @@ int WrappingDifference(int a, int b) {
   return static_cast<int>(static_cast<unsigned>(a) - static_cast<unsigned>(b));
 }
 
-// An adjustment whose vendor function takes the bitmap and one number.
+// An adjustment whose module function takes the bitmap and one number.
 template <Entry entry, class Number>
 int RunAdjustment(const CLeadTools& tools, const CycleRules& rules, DibHandle& source,
                   DibHandle* result, Number number, StatusCallback callback) {
   return RunCycle(tools, rules, source, result, callback,
-                  [&](const Vendor& vendor, struct_LEAD_Bitmap* bitmap) {
-                    return vendor.call<entry>()(bitmap, number);
+                  [&](const Modules& modules, struct_LEAD_Bitmap* bitmap) {
+                    return modules.call<entry>()(bitmap, number);
                   });
 }
 
@@ -79,16 +79,16 @@ int CLeadTools::LTGammaAdjust(DibHandle& source, DibHandle* result, unsigned gam
 
 int CLeadTools::LTInvert(DibHandle& source, DibHandle* result, StatusCallback callback) noexcept {
   return RunCycle(*this, {.own = Entry::L_InvertBitmap}, source, result, callback,
-                  [](const Vendor& vendor, struct_LEAD_Bitmap* bitmap) {
-                    return vendor.call<Entry::L_InvertBitmap>()(bitmap);
+                  [](const Modules& modules, struct_LEAD_Bitmap* bitmap) {
+                    return modules.call<Entry::L_InvertBitmap>()(bitmap);
                   });
 }
 
 int CLeadTools::LTRemapIntensity(DibHandle& source, DibHandle* result, const std::uint32_t* table,
                                  int channel, StatusCallback callback) noexcept {
   return RunCycle(*this, {.own = Entry::L_RemapBitmapIntensity}, source, result, callback,
-                  [&](const Vendor& vendor, struct_LEAD_Bitmap* bitmap) {
-                    return vendor.call<Entry::L_RemapBitmapIntensity>()(bitmap, table, kTones,
+                  [&](const Modules& modules, struct_LEAD_Bitmap* bitmap) {
+                    return modules.call<Entry::L_RemapBitmapIntensity>()(bitmap, table, kTones,
                                                                         channel);
                   });
 }
@@ -109,8 +109,8 @@ int CLeadTools::LTConvertToColorRes(DibHandle& source, DibHandle* result, int bi
                   {.own = Entry::L_ColorResBitmap,
                    .inRange = DepthIsTaken(Depths::kOneUp, bits),
                    .needsCallbackEntry = false},
-                  source, result, nullptr, [&](const Vendor& vendor, struct_LEAD_Bitmap* bitmap) {
-                    return vendor.call<Entry::L_ColorResBitmap>()(
+                  source, result, nullptr, [&](const Modules& modules, struct_LEAD_Bitmap* bitmap) {
+                    return modules.call<Entry::L_ColorResBitmap>()(
                         bitmap, bitmap, bits, dithering | kColorResOptimisedPalette, nullptr,
                         nullptr, nullptr, nullptr, nullptr);
                   });
@@ -121,9 +121,9 @@ int CLeadTools::LTRotate(DibHandle& source, DibHandle* result, int angle, std::u
   BitmapCycle cycle(*this, {.own = Entry::L_RotateBitmap, .depths = Depths::kAny}, source, result);
   if (const int code = cycle.prepare(); code != ORVO_OK) return code;
   cycle.install(callback);
-  const int vendorCode = cycle.vendor().call<Entry::L_RotateBitmap>()(
-      cycle.bitmap(), WrappingProduct(angle, kHundredths), flags, kVendorWhite);
-  if (vendorCode != kVendorSuccess) return cycle.fail(MapReturnCodeLT2ORVO(vendorCode));
+  const int moduleCode = cycle.modules().call<Entry::L_RotateBitmap>()(
+      cycle.bitmap(), WrappingProduct(angle, kHundredths), flags, kModuleWhite);
+  if (moduleCode != kModuleSuccess) return cycle.fail(MapReturnCodeLT2ORVO(moduleCode));
   // Only a bitmap that never received an image has another depth by now.
   if (!DepthIsTaken(Depths::kOneUp, cycle.bitmap()->bitsPerPixel)) return cycle.refuseDepth();
   cycle.reinstallPrevious();
@@ -133,44 +133,44 @@ int CLeadTools::LTRotate(DibHandle& source, DibHandle* result, int angle, std::u
 int CLeadTools::LTChangeSize(DibHandle& source, DibHandle* result, int width, int height,
                              unsigned flags, StatusCallback callback) noexcept {
   return RunCycle(*this, {.own = Entry::L_SizeBitmap, .depths = Depths::kAny}, source, result,
-                  callback, [&](const Vendor& vendor, struct_LEAD_Bitmap* bitmap) {
-                    return vendor.call<Entry::L_SizeBitmap>()(bitmap, width, height, flags);
+                  callback, [&](const Modules& modules, struct_LEAD_Bitmap* bitmap) {
+                    return modules.call<Entry::L_SizeBitmap>()(bitmap, width, height, flags);
                   });
 }
 
 int CLeadTools::LTTrim(DibHandle& source, DibHandle* result, const RECT* rect) noexcept {
   if (rect == nullptr) return ORVO_ERR_BAD_ARGUMENT;
   BitmapCycle cycle(*this, {.own = Entry::L_TrimBitmap, .depths = Depths::kAny}, source, result);
-  const Vendor& vendor = cycle.vendor();
-  if (source != nullptr && cycle.inPlace() && !vendor.has(Entry::L_ChangeToDIB2)) {
+  const Modules& modules = cycle.modules();
+  if (source != nullptr && cycle.inPlace() && !modules.has(Entry::L_ChangeToDIB2)) {
     return ORVO_ERR_NO_VENDOR;
   }
   if (const int code = cycle.prepare(); code != ORVO_OK) return code;
-  const int vendorCode = vendor.call<Entry::L_TrimBitmap>()(
+  const int moduleCode = modules.call<Entry::L_TrimBitmap>()(
       cycle.bitmap(), rect->left, rect->top, WrappingDifference(rect->right, rect->left),
       WrappingDifference(rect->bottom, rect->top));
-  if (vendorCode != kVendorSuccess) return cycle.fail(MapReturnCodeLT2ORVO(vendorCode));
+  if (moduleCode != kModuleSuccess) return cycle.fail(MapReturnCodeLT2ORVO(moduleCode));
   return cycle.inPlace()
-             ? cycle.succeedWith(vendor.call<Entry::L_ChangeToDIB2>()(cycle.bitmap(), 0))
+             ? cycle.succeedWith(modules.call<Entry::L_ChangeToDIB2>()(cycle.bitmap(), 0))
              : cycle.succeed();
 }
 
 int CLeadTools::LTSetDitheringMode(int mode) noexcept {
-  const auto set = Vendor(*this).call<Entry::L_DefaultDithering>();
+  const auto set = Modules(*this).call<Entry::L_DefaultDithering>();
   if (set == nullptr) return ORVO_ERR_NO_VENDOR;
   ditheringMode = mode;
   return MapReturnCodeLT2ORVO(set(static_cast<unsigned>(mode)));
 }
 
 int CLeadTools::LTIsGrayScaleBitmap(DibHandle& image) noexcept {
-  const Vendor vendor(*this);
-  if (!vendor.hasAll({Entry::L_ChangeFromDIB, Entry::L_IsGrayScaleBitmap, Entry::L_ChangeToDIB})) {
+  const Modules modules(*this);
+  if (!modules.hasAll({Entry::L_ChangeFromDIB, Entry::L_IsGrayScaleBitmap, Entry::L_ChangeToDIB})) {
     return 0;
   }
   struct_LEAD_Bitmap bitmap{};
-  vendor.call<Entry::L_ChangeFromDIB>()(&bitmap, image);
-  const int gray = vendor.call<Entry::L_IsGrayScaleBitmap>()(&bitmap);
-  const DibHandle back = vendor.call<Entry::L_ChangeToDIB>()(&bitmap);
+  modules.call<Entry::L_ChangeFromDIB>()(&bitmap, image);
+  const int gray = modules.call<Entry::L_IsGrayScaleBitmap>()(&bitmap);
+  const DibHandle back = modules.call<Entry::L_ChangeToDIB>()(&bitmap);
   if (back != nullptr) image = back;
   return gray != 0 ? 1 : 0;
 }

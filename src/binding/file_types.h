@@ -27,7 +27,7 @@ struct SaveType {
 // What DetermineFileTypeByName answers for a name outside its table.
 constexpr int kUnknownFileType = 14;
 
-// The vendor's format number for the target of a conversion.
+// The module's format number for the target of a conversion.
 [[nodiscard]] int DetermineFileTypeByName(const char* path) noexcept;
 
 #endif  // ORVO_BINDING_FILE_TYPES_H

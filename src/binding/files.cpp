@@ -40,22 +40,22 @@ void Replace(DibHandle* result, DibHandle block) {
 }  // namespace
 
 int CLeadTools::LTLoadFile(const char* path, DibHandle* result) noexcept {
-  const Vendor vendor(*this);
-  if (!vendor.hasAll({Entry::L_LoadBitmap, Entry::L_FreeBitmap, Entry::L_ConvertToDIB})) {
+  const Modules modules(*this);
+  if (!modules.hasAll({Entry::L_LoadBitmap, Entry::L_FreeBitmap, Entry::L_ConvertToDIB})) {
     return ORVO_ERR_NO_VENDOR;
   }
   if (path == nullptr || result == nullptr) return ORVO_ERR_BAD_ARGUMENT;
   const auto density = UnitlessJfifDensity(path);
   struct_LEAD_Bitmap bitmap{};
-  const int vendorCode = vendor.call<Entry::L_LoadBitmap>()(path, &bitmap, kOwnDepth,
+  const int moduleCode = modules.call<Entry::L_LoadBitmap>()(path, &bitmap, kOwnDepth,
                                                             kColorOrderBlueFirst, nullptr, nullptr);
   if (density) {
     bitmap.xResolution = density->x * kDotsPerDensity;
     bitmap.yResolution = density->y * kDotsPerDensity;
   }
-  if (vendorCode != kVendorSuccess) return MapReturnCodeLT2ORVO(vendorCode);
-  const DibHandle dib = vendor.call<Entry::L_ConvertToDIB>()(&bitmap);
-  vendor.call<Entry::L_FreeBitmap>()(&bitmap);
+  if (moduleCode != kModuleSuccess) return MapReturnCodeLT2ORVO(moduleCode);
+  const DibHandle dib = modules.call<Entry::L_ConvertToDIB>()(&bitmap);
+  modules.call<Entry::L_FreeBitmap>()(&bitmap);
   if (dib == nullptr) return ORVO_ERR_NO_MEMORY;
   Replace(result, dib);
   return ORVO_OK;
@@ -63,24 +63,24 @@ int CLeadTools::LTLoadFile(const char* path, DibHandle* result) noexcept {
 
 int CLeadTools::LTSaveFile(DibHandle source, const char* path, int flag, int quality) noexcept {
   if (source == nullptr) return ORVO_ERR_NULL_IMAGE;
-  const Vendor vendor(*this);
-  if (!vendor.hasAll({Entry::L_SaveBitmap, Entry::L_SaveFile, Entry::L_FreeBitmap})) {
+  const Modules modules(*this);
+  if (!modules.hasAll({Entry::L_SaveBitmap, Entry::L_SaveFile, Entry::L_FreeBitmap})) {
     return ORVO_ERR_NO_VENDOR;
   }
   if (path == nullptr) return ORVO_ERR_BAD_ARGUMENT;
   if (IsPdfName(path)) return SavePdf(source, path);
   struct_LEAD_Bitmap bitmap{};
-  vendor.ConvertFromDIB(&bitmap, source);
+  modules.ConvertFromDIB(&bitmap, source);
   int code = ORVO_ERR_BAD_FORMAT;
   if (const auto type = SaveTypeOf(path)) {
     const bool append = type->takesPages && flag != 0;
     code = MapReturnCodeLT2ORVO(
-        append ? vendor.call<Entry::L_SaveFile>()(path, &bitmap, type->format, kOwnDepth, 0,
+        append ? modules.call<Entry::L_SaveFile>()(path, &bitmap, type->format, kOwnDepth, 0,
                                                   kSaveAppendsPage, nullptr, nullptr, nullptr)
-               : vendor.call<Entry::L_SaveBitmap>()(path, &bitmap, type->format, kOwnDepth,
+               : modules.call<Entry::L_SaveBitmap>()(path, &bitmap, type->format, kOwnDepth,
                                                     QualityFor(*type, quality), nullptr));
   }
-  vendor.call<Entry::L_FreeBitmap>()(&bitmap);
+  modules.call<Entry::L_FreeBitmap>()(&bitmap);
   return code;
 }
 
@@ -93,29 +93,29 @@ int CLeadTools::SavePdf(DibHandle source, const char* path) noexcept {
   if (stem.size() + kEnding.size() >= temporary.size()) return ORVO_ERR_BAD_ARGUMENT;
   std::ranges::copy(kEnding, std::ranges::copy(stem, temporary.begin()).out);
 
-  const Vendor vendor(*this);
+  const Modules modules(*this);
   struct_LEAD_Bitmap bitmap{};
-  vendor.ConvertFromDIB(&bitmap, source);
-  const int vendorCode = vendor.call<Entry::L_SaveBitmap>()(temporary.data(), &bitmap, kFormatTiff,
+  modules.ConvertFromDIB(&bitmap, source);
+  const int moduleCode = modules.call<Entry::L_SaveBitmap>()(temporary.data(), &bitmap, kFormatTiff,
                                                             kOwnDepth, 0, nullptr);
-  int code = MapReturnCodeLT2ORVO(vendorCode);
-  if (vendorCode == kVendorSuccess) {
+  int code = MapReturnCodeLT2ORVO(moduleCode);
+  if (moduleCode == kModuleSuccess) {
     DeleteFileA(path);
     code = ConvertToPDF(temporary.data(), path) == kPdfDone ? ORVO_OK : ORVO_ERR_FAILURE;
   }
   DeleteFileA(temporary.data());
-  vendor.call<Entry::L_FreeBitmap>()(&bitmap);
+  modules.call<Entry::L_FreeBitmap>()(&bitmap);
   return code;
 }
 
 int CLeadTools::LTImageFileInfo(const char* path, ORVOIMAGEFILEINFO* info) noexcept {
   if (path == nullptr || info == nullptr) return ORVO_ERR_BAD_ARGUMENT;
-  const auto fileInfo = Vendor(*this).call<Entry::L_FileInfo>();
+  const auto fileInfo = Modules(*this).call<Entry::L_FileInfo>();
   if (fileInfo == nullptr) return ORVO_ERR_NO_VENDOR;
   LTFILEINFO read{};
-  const int vendorCode = fileInfo(path, &read, 0, nullptr);
-  if (vendorCode != kVendorSuccess) {
-    return vendorCode == kVendorFileNotFound ? ORVO_ERR_BAD_FILE : ORVO_ERR_FAILURE;
+  const int moduleCode = fileInfo(path, &read, 0, nullptr);
+  if (moduleCode != kModuleSuccess) {
+    return moduleCode == kModuleFileNotFound ? ORVO_ERR_BAD_FILE : ORVO_ERR_FAILURE;
   }
   if (read.pageCount > 1) {
     const LTLOADOPTIONS firstPage{sizeof firstPage, 1};
@@ -131,31 +131,31 @@ int CLeadTools::LTConvertFile(const char* source, const char* target, int qualit
   if (source != nullptr && target != nullptr && IsPdfName(target)) {
     return ConvertToPDF(source, target) == kPdfDone ? ORVO_OK : ORVO_ERR_FAILURE;
   }
-  const Vendor vendor(*this);
-  if (!vendor.hasAll({Entry::L_FileInfo, Entry::L_SetStatusCallBack, Entry::L_FileConvert})) {
+  const Modules modules(*this);
+  if (!modules.hasAll({Entry::L_FileInfo, Entry::L_SetStatusCallBack, Entry::L_FileConvert})) {
     return ORVO_ERR_NO_VENDOR;
   }
   if (source == nullptr || target == nullptr) return ORVO_ERR_BAD_ARGUMENT;
   const int format = DetermineFileTypeByName(target);
   if (format == kUnknownFileType) return ORVO_ERR_BAD_FORMAT;
   LTFILEINFO info{};
-  if (vendor.call<Entry::L_FileInfo>()(source, &info, 0, nullptr) != kVendorSuccess) {
+  if (modules.call<Entry::L_FileInfo>()(source, &info, 0, nullptr) != kModuleSuccess) {
     return ORVO_ERR_BAD_FILE;
   }
   if (info.pageCount > 1) return ORVO_ERR_BAD_FORMAT;
-  const auto install = vendor.call<Entry::L_SetStatusCallBack>();
+  const auto install = modules.call<Entry::L_SetStatusCallBack>();
   const StatusCallback previous = callback != nullptr ? install(callback, nullptr) : nullptr;
-  const int vendorCode = vendor.call<Entry::L_FileConvert>()(
+  const int moduleCode = modules.call<Entry::L_FileConvert>()(
       source, target, format, 0, 0, info.bitsPerPixel, quality, nullptr, nullptr, nullptr);
   // Alone among the methods this one puts the previous callback back after a failure too.
   if (previous != nullptr) install(previous, nullptr);
-  return vendorCode == kVendorSuccess ? ORVO_OK : ORVO_ERR_FAILURE;
+  return moduleCode == kModuleSuccess ? ORVO_OK : ORVO_ERR_FAILURE;
 }
 
 int CLeadTools::LTCreateThumbnailFromFile(const char* path, DibHandle* result, int width,
                                           int height) noexcept {
-  const Vendor vendor(*this);
-  if (!vendor.hasAll({Entry::L_CreateThumbnailFromFile, Entry::L_ChangeToDIB})) {
+  const Modules modules(*this);
+  if (!modules.hasAll({Entry::L_CreateThumbnailFromFile, Entry::L_ChangeToDIB})) {
     return ORVO_ERR_NO_VENDOR;
   }
   if (path == nullptr || result == nullptr) return ORVO_ERR_BAD_ARGUMENT;
@@ -165,19 +165,19 @@ int CLeadTools::LTCreateThumbnailFromFile(const char* path, DibHandle* result, i
                                    .colorResolutionFlags = 0,
                                    .keepAspect = 1,
                                    .forceSize = 1,
-                                   .backgroundColor = static_cast<int>(kVendorWhite),
+                                   .backgroundColor = static_cast<int>(kModuleWhite),
                                    .loadStamp = 0,
                                    .resample = 0};
   struct_LEAD_Bitmap bitmap{};
-  const int vendorCode = vendor.call<Entry::L_CreateThumbnailFromFile>()(
+  const int moduleCode = modules.call<Entry::L_CreateThumbnailFromFile>()(
       path, &bitmap, &options, nullptr, nullptr, nullptr, nullptr);
-  if (vendorCode != kVendorSuccess) return MapReturnCodeLT2ORVO(vendorCode);
-  Replace(result, vendor.call<Entry::L_ChangeToDIB>()(&bitmap));
+  if (moduleCode != kModuleSuccess) return MapReturnCodeLT2ORVO(moduleCode);
+  Replace(result, modules.call<Entry::L_ChangeToDIB>()(&bitmap));
   return *result != nullptr ? ORVO_OK : ORVO_ERR_FAILURE;
 }
 
 int CLeadTools::LTGetVersionInfo(LTVERSIONINFO* info) noexcept {
-  const auto versionInfo = Vendor(*this).call<Entry::L_VersionInfo>();
+  const auto versionInfo = Modules(*this).call<Entry::L_VersionInfo>();
   return versionInfo == nullptr ? static_cast<int>(ORVO_ERR_NO_VENDOR)
                                 : MapReturnCodeLT2ORVO(versionInfo(info));
 }

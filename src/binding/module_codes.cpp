@@ -5,7 +5,7 @@
 namespace {
 
 struct CodeMapping {
-  int vendor;
+  int module;
   int toolkit;
 };
 
@@ -36,9 +36,9 @@ constexpr CodeMapping kMappings[] = {
 
 }  // namespace
 
-int MapReturnCodeLT2ORVO(int vendorCode) noexcept {
+int MapReturnCodeLT2ORVO(int moduleCode) noexcept {
   for (const CodeMapping& mapping : kMappings) {
-    if (mapping.vendor == vendorCode) return mapping.toolkit;
+    if (mapping.module == moduleCode) return mapping.toolkit;
   }
   return ORVO_ERR_VENDOR;
 }

@@ -1,7 +1,7 @@
-// What the bridge and the modules that it loads agree on: records, values and entry points.
+// What the binding and the modules that it loads agree on: records, values and entry points.
 //
-// The modules define these functions; the bridge only takes their types and binds them by name at
-// run time, so any of them may be absent. Unless told otherwise a function returns a vendor code, 1
+// The modules define these functions; the binding only takes their types and binds them by name at
+// run time, so any of them may be absent. Unless told otherwise a function returns a module code, 1
 // for success. A struct_LEAD_Bitmap is provided by the caller.
 #ifndef ORVO_BINDING_MODULE_CONTRACT_H
 #define ORVO_BINDING_MODULE_CONTRACT_H
@@ -11,30 +11,30 @@
 #include <orvo/records.h>
 
 #if defined(_WIN32)
-#define ORVO_VENDOR_API
+#define ORVO_MODULE_API
 #else
-#define ORVO_VENDOR_API __attribute__((visibility("default")))
+#define ORVO_MODULE_API __attribute__((visibility("default")))
 #endif
 
 extern "C" {
 
-// Vendor codes, named by what the modules mean with them.
-enum VendorCode : int {
-  kVendorSuccess = 1,
-  kVendorFailure = 0,
-  kVendorNoMemory = -1,
-  kVendorNoBitmap = -2,
-  kVendorReadFailed = -5,
-  kVendorWriteFailed = -6,
-  kVendorBadFile = -8,
-  kVendorFormatNotRead = -9,
-  kVendorFileNotFound = -10,
-  kVendorFormatDamaged = -11,
-  kVendorFormatNotWritten = -12,
-  kVendorBadParameter = -13,
-  kVendorFileNotOpened = -14,
-  kVendorDepthNotSupported = -16,
-  kVendorAborted = -100,
+// Modules codes, named by what the modules mean with them.
+enum ModuleCode : int {
+  kModuleSuccess = 1,
+  kModuleFailure = 0,
+  kModuleNoMemory = -1,
+  kModuleNoBitmap = -2,
+  kModuleReadFailed = -5,
+  kModuleWriteFailed = -6,
+  kModuleBadFile = -8,
+  kFileFormatNotRead = -9,
+  kModuleFileNotFound = -10,
+  kFileFormatDamaged = -11,
+  kFileFormatNotWritten = -12,
+  kModuleBadParameter = -13,
+  kModuleFileNotOpened = -14,
+  kModuleDepthNotSupported = -16,
+  kModuleAborted = -100,
 };
 
 // The bitmap record. Resolutions are in dots per inch; storing one stamps the image. A record of
@@ -83,7 +83,7 @@ struct LTTHUMBNAILOPTIONS {
 };
 
 // File formats by number, as L_SaveBitmap, L_SaveFile, L_FileConvert and LTFILEINFO have them.
-enum VendorFormat : int {
+enum FileFormat : int {
   kFormatPcx = 1,
   kFormatTiff = 3,
   kFormatTga = 4,
@@ -114,66 +114,66 @@ enum : unsigned {
   kInfoUsesOptions = 1,
 };
 
-constexpr unsigned kVendorWhite = 16777215;
+constexpr unsigned kModuleWhite = 16777215;
 
 // --- ltkrn13n.dll: bitmaps -----------------------------------------------------------------------
 
 // The bitmap takes over the block.
-ORVO_VENDOR_API int L_ChangeFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib);
+ORVO_MODULE_API int L_ChangeFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib);
 // Gives the block back; the bitmap then holds nothing.
-ORVO_VENDOR_API DibHandle L_ChangeToDIB(struct_LEAD_Bitmap* bitmap);
-ORVO_VENDOR_API DibHandle L_ChangeToDIB2(struct_LEAD_Bitmap* bitmap, unsigned flags);
+ORVO_MODULE_API DibHandle L_ChangeToDIB(struct_LEAD_Bitmap* bitmap);
+ORVO_MODULE_API DibHandle L_ChangeToDIB2(struct_LEAD_Bitmap* bitmap, unsigned flags);
 // The bitmap becomes a copy of a locked DIB.
-ORVO_VENDOR_API int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
+ORVO_MODULE_API int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
                                      const void* pixels);
 // A new block with the bitmap's image; the bitmap stays.
-ORVO_VENDOR_API DibHandle L_ConvertToDIB(struct_LEAD_Bitmap* bitmap);
-ORVO_VENDOR_API int L_FreeBitmap(struct_LEAD_Bitmap* bitmap);
-// Not 0 for a gray image; no vendor code.
-ORVO_VENDOR_API int L_IsGrayScaleBitmap(struct_LEAD_Bitmap* bitmap);
-// Installs the process-wide status callback and gives the one before; no vendor code.
-ORVO_VENDOR_API StatusCallback L_SetStatusCallBack(StatusCallback callback, void* userData);
-ORVO_VENDOR_API int L_DefaultDithering(unsigned mode);
-ORVO_VENDOR_API int L_ColorResBitmap(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target,
+ORVO_MODULE_API DibHandle L_ConvertToDIB(struct_LEAD_Bitmap* bitmap);
+ORVO_MODULE_API int L_FreeBitmap(struct_LEAD_Bitmap* bitmap);
+// Not 0 for a gray image; no module code.
+ORVO_MODULE_API int L_IsGrayScaleBitmap(struct_LEAD_Bitmap* bitmap);
+// Installs the process-wide status callback and gives the one before; no module code.
+ORVO_MODULE_API StatusCallback L_SetStatusCallBack(StatusCallback callback, void* userData);
+ORVO_MODULE_API int L_DefaultDithering(unsigned mode);
+ORVO_MODULE_API int L_ColorResBitmap(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target,
                                      int bits, unsigned flags, void* palette, void* systemPalette,
                                      void* colors, void* callback, void* userData);
-ORVO_VENDOR_API int L_GrayScaleBitmap(struct_LEAD_Bitmap* bitmap, int bits);
+ORVO_MODULE_API int L_GrayScaleBitmap(struct_LEAD_Bitmap* bitmap, int bits);
 // Angle in hundredths of a degree, clockwise; color fills what is uncovered.
-ORVO_VENDOR_API int L_RotateBitmap(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags,
+ORVO_MODULE_API int L_RotateBitmap(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags,
                                    unsigned color);
-ORVO_VENDOR_API int L_SizeBitmap(struct_LEAD_Bitmap* bitmap, int width, int height, unsigned flags);
+ORVO_MODULE_API int L_SizeBitmap(struct_LEAD_Bitmap* bitmap, int width, int height, unsigned flags);
 // left and top in pixels and stored rows.
-ORVO_VENDOR_API int L_TrimBitmap(struct_LEAD_Bitmap* bitmap, int left, int top, int width,
+ORVO_MODULE_API int L_TrimBitmap(struct_LEAD_Bitmap* bitmap, int left, int top, int width,
                                  int height);
-ORVO_VENDOR_API int L_VersionInfo(LTVERSIONINFO* info);
+ORVO_MODULE_API int L_VersionInfo(LTVERSIONINFO* info);
 
 // --- ltimg13n.dll: adjustments -------------------------------------------------------------------
 
-ORVO_VENDOR_API int L_ChangeBitmapContrast(struct_LEAD_Bitmap* bitmap, int change);
-ORVO_VENDOR_API int L_ChangeBitmapHue(struct_LEAD_Bitmap* bitmap, int change);
-ORVO_VENDOR_API int L_ChangeBitmapIntensity(struct_LEAD_Bitmap* bitmap, int change);
-ORVO_VENDOR_API int L_ChangeBitmapSaturation(struct_LEAD_Bitmap* bitmap, int change);
-ORVO_VENDOR_API int L_SharpenBitmap(struct_LEAD_Bitmap* bitmap, int change);
-ORVO_VENDOR_API int L_GammaCorrectBitmap(struct_LEAD_Bitmap* bitmap, unsigned gamma);
-ORVO_VENDOR_API int L_InvertBitmap(struct_LEAD_Bitmap* bitmap);
-ORVO_VENDOR_API int L_RemapBitmapIntensity(struct_LEAD_Bitmap* bitmap, const unsigned* table,
+ORVO_MODULE_API int L_ChangeBitmapContrast(struct_LEAD_Bitmap* bitmap, int change);
+ORVO_MODULE_API int L_ChangeBitmapHue(struct_LEAD_Bitmap* bitmap, int change);
+ORVO_MODULE_API int L_ChangeBitmapIntensity(struct_LEAD_Bitmap* bitmap, int change);
+ORVO_MODULE_API int L_ChangeBitmapSaturation(struct_LEAD_Bitmap* bitmap, int change);
+ORVO_MODULE_API int L_SharpenBitmap(struct_LEAD_Bitmap* bitmap, int change);
+ORVO_MODULE_API int L_GammaCorrectBitmap(struct_LEAD_Bitmap* bitmap, unsigned gamma);
+ORVO_MODULE_API int L_InvertBitmap(struct_LEAD_Bitmap* bitmap);
+ORVO_MODULE_API int L_RemapBitmapIntensity(struct_LEAD_Bitmap* bitmap, const unsigned* table,
                                            unsigned length, int channel);
 
 // --- ltfil13n.dll: files -------------------------------------------------------------------------
 
-ORVO_VENDOR_API int L_LoadBitmap(const char* path, struct_LEAD_Bitmap* bitmap, int bits, int order,
+ORVO_MODULE_API int L_LoadBitmap(const char* path, struct_LEAD_Bitmap* bitmap, int bits, int order,
                                  void* callback, void* userData);
-ORVO_VENDOR_API int L_SaveBitmap(const char* path, struct_LEAD_Bitmap* bitmap, int format, int bits,
+ORVO_MODULE_API int L_SaveBitmap(const char* path, struct_LEAD_Bitmap* bitmap, int format, int bits,
                                  int quality, void* options);
-ORVO_VENDOR_API int L_SaveFile(const char* path, struct_LEAD_Bitmap* bitmap, int format, int bits,
+ORVO_MODULE_API int L_SaveFile(const char* path, struct_LEAD_Bitmap* bitmap, int format, int bits,
                                int quality, unsigned flags, void* callback, void* userData,
                                void* options);
-ORVO_VENDOR_API int L_FileInfo(const char* path, LTFILEINFO* info, unsigned flags,
+ORVO_MODULE_API int L_FileInfo(const char* path, LTFILEINFO* info, unsigned flags,
                                const LTLOADOPTIONS* options);
-ORVO_VENDOR_API int L_FileConvert(const char* source, const char* target, int format, int width,
+ORVO_MODULE_API int L_FileConvert(const char* source, const char* target, int format, int width,
                                   int height, int bits, int quality, void* loadOptions,
                                   void* saveOptions, void* info);
-ORVO_VENDOR_API int L_CreateThumbnailFromFile(const char* path, struct_LEAD_Bitmap* bitmap,
+ORVO_MODULE_API int L_CreateThumbnailFromFile(const char* path, struct_LEAD_Bitmap* bitmap,
                                               const LTTHUMBNAILOPTIONS* options, void* info,
                                               void* saveOptions, void* callback, void* userData);
 
@@ -181,21 +181,21 @@ ORVO_VENDOR_API int L_CreateThumbnailFromFile(const char* path, struct_LEAD_Bitm
 
 struct PdfDocument;
 
-ORVO_VENDOR_API PdfDocument* PDF_new();
-ORVO_VENDOR_API int PDF_open_file(PdfDocument* document, const char* path);  // -1 on failure
-ORVO_VENDOR_API void PDF_set_info(PdfDocument* document, const char* key, const char* value);
+ORVO_MODULE_API PdfDocument* PDF_new();
+ORVO_MODULE_API int PDF_open_file(PdfDocument* document, const char* path);  // -1 on failure
+ORVO_MODULE_API void PDF_set_info(PdfDocument* document, const char* key, const char* value);
 // The image's number, -1 on failure.
-ORVO_VENDOR_API int PDF_open_image_file(PdfDocument* document, const char* type, const char* path,
+ORVO_MODULE_API int PDF_open_image_file(PdfDocument* document, const char* type, const char* path,
                                         const char* parameter, int number);
-ORVO_VENDOR_API float PDF_get_value(PdfDocument* document, const char* key, float image);
-ORVO_VENDOR_API void PDF_begin_page(PdfDocument* document, float width, float height);
-ORVO_VENDOR_API void PDF_scale(PdfDocument* document, float x, float y);
-ORVO_VENDOR_API void PDF_place_image(PdfDocument* document, int image, float x, float y,
+ORVO_MODULE_API float PDF_get_value(PdfDocument* document, const char* key, float image);
+ORVO_MODULE_API void PDF_begin_page(PdfDocument* document, float width, float height);
+ORVO_MODULE_API void PDF_scale(PdfDocument* document, float x, float y);
+ORVO_MODULE_API void PDF_place_image(PdfDocument* document, int image, float x, float y,
                                      float scale);
-ORVO_VENDOR_API void PDF_close_image(PdfDocument* document, int image);
-ORVO_VENDOR_API void PDF_end_page(PdfDocument* document);
-ORVO_VENDOR_API void PDF_close(PdfDocument* document);
-ORVO_VENDOR_API void PDF_delete(PdfDocument* document);
+ORVO_MODULE_API void PDF_close_image(PdfDocument* document, int image);
+ORVO_MODULE_API void PDF_end_page(PdfDocument* document);
+ORVO_MODULE_API void PDF_close(PdfDocument* document);
+ORVO_MODULE_API void PDF_delete(PdfDocument* document);
 
 }  // extern "C"
 

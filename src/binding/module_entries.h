@@ -1,4 +1,4 @@
-// The entry points that the bridge binds, and typed access to those that were found.
+// The entry points that the binding binds, and typed access to those that were found.
 #ifndef ORVO_BINDING_MODULE_ENTRIES_H
 #define ORVO_BINDING_MODULE_ENTRIES_H
 
@@ -45,7 +45,7 @@
   ENTRY(L_SaveFile)                \
   ENTRY(L_FileConvert)
 
-// An entry's place among the vendor entries of a CLeadTools.
+// An entry's place among the entries of a CLeadTools.
 enum class Entry : std::size_t {
 #define ORVO_ENTRY_NAME(name) name,
   ORVO_KERNEL_ENTRIES(ORVO_ENTRY_NAME) ORVO_IMAGE_ENTRIES(ORVO_ENTRY_NAME)
@@ -67,21 +67,21 @@ ORVO_FILE_ENTRIES(ORVO_ENTRY_TYPE)
 #undef ORVO_ENTRY_TYPE
 
 // The imaging modules as a CLeadTools has bound them.
-class Vendor {
+class Modules {
  public:
-  explicit Vendor(const CLeadTools& tools) : tools_(tools) {
-    static_assert(CLeadTools::kVendorEntryCount == static_cast<std::size_t>(Entry::kCount));
+  explicit Modules(const CLeadTools& tools) : tools_(tools) {
+    static_assert(CLeadTools::kModuleEntryCount == static_cast<std::size_t>(Entry::kCount));
   }
 
   // The function, null when it is not bound.
   template <Entry entry>
   [[nodiscard]] typename EntryType<entry>::Pointer call() const {
     return reinterpret_cast<typename EntryType<entry>::Pointer>(
-        tools_.vendorEntries[static_cast<std::size_t>(entry)]);
+        tools_.moduleEntries[static_cast<std::size_t>(entry)]);
   }
 
   [[nodiscard]] bool has(Entry entry) const {
-    return tools_.vendorEntries[static_cast<std::size_t>(entry)] != nullptr;
+    return tools_.moduleEntries[static_cast<std::size_t>(entry)] != nullptr;
   }
   [[nodiscard]] bool hasAll(std::initializer_list<Entry> entries) const {
     for (const Entry entry : entries) {

@@ -1,4 +1,4 @@
-// The bridge's own answers about PDF documents. Callers of the toolkit see only done or failed.
+// The binding's own answers about PDF documents. Callers of the toolkit see only done or failed.
 #ifndef ORVO_BINDING_PDF_H
 #define ORVO_BINDING_PDF_H
 

@@ -16,8 +16,8 @@ int CLeadTools::LTChangeResolution(DibHandle& source, DibHandle* result, int hor
                                    int vertical, StatusCallback callback) noexcept {
   BitmapCycle cycle(*this, {.own = Entry::L_SizeBitmap, .failedCallSetsResult = false}, source,
                     result);
-  const Vendor& vendor = cycle.vendor();
-  if (source != nullptr && !cycle.inPlace() && !vendor.has(Entry::L_ConvertToDIB)) {
+  const Modules& modules = cycle.modules();
+  if (source != nullptr && !cycle.inPlace() && !modules.has(Entry::L_ConvertToDIB)) {
     return ORVO_ERR_NO_VENDOR;
   }
   if (const int code = cycle.prepare(); code != ORVO_OK) return code;
@@ -28,15 +28,15 @@ int CLeadTools::LTChangeResolution(DibHandle& source, DibHandle* result, int hor
   const int width = Rescaled(bitmap->width, horizontal, bitmap->xResolution);
   const int height = Rescaled(bitmap->height, vertical, bitmap->yResolution);
   cycle.install(callback);
-  const int vendorCode = vendor.call<Entry::L_SizeBitmap>()(bitmap, width, height, kSizeBest);
-  if (vendorCode != kVendorSuccess) return cycle.fail(MapReturnCodeLT2ORVO(vendorCode));
+  const int moduleCode = modules.call<Entry::L_SizeBitmap>()(bitmap, width, height, kSizeBest);
+  if (moduleCode != kModuleSuccess) return cycle.fail(MapReturnCodeLT2ORVO(moduleCode));
   cycle.reinstallPrevious();
   bitmap->xResolution = horizontal;
   bitmap->yResolution = vertical;
   if (cycle.inPlace()) return cycle.succeed();
   // Unlike the other methods this one overwrites the result handle without freeing it.
-  const DibHandle dib = vendor.call<Entry::L_ConvertToDIB>()(bitmap);
-  vendor.call<Entry::L_FreeBitmap>()(bitmap);
+  const DibHandle dib = modules.call<Entry::L_ConvertToDIB>()(bitmap);
+  modules.call<Entry::L_FreeBitmap>()(bitmap);
   if (dib == nullptr) return ORVO_ERR_NO_MEMORY;
   *result = dib;
   return ORVO_OK;

@@ -30,7 +30,7 @@ bool FillProbe(DibHandle probe, DibHandle image) {
   return true;
 }
 
-// Asks the bridge whether the palette of an 8-bit image is gray. The bridge may give an image back
+// Asks the binding whether the palette of an 8-bit image is gray. The binding may give an image back
 // under another handle, and the caller's handle must not change; so it is shown a single pixel of
 // the same palette.
 int TestGray(CLeadTools& tools, DibHandle image) {

@@ -1,4 +1,4 @@
-// The table of operations. Each entry forwards to a method of the bridge or of the toolkit's own
+// The table of operations. Each entry forwards to a method of the binding or of the toolkit's own
 // algorithms and adds the handle plumbing of its form.
 #include <cstring>
 #include <utility>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// A bridge method to a new handle: it gets its own copy of the source's handle value.
+// A binding method to a new handle: it gets its own copy of the source's handle value.
 template <class... Parameters, class... Arguments>
 int ToNewHandle(int (CLeadTools::*method)(DibHandle&, DibHandle*, Parameters...) noexcept,
                 CLeadTools& tools, DibHandle source, DibHandle* result, Arguments... arguments) {
@@ -17,7 +17,7 @@ int ToNewHandle(int (CLeadTools::*method)(DibHandle&, DibHandle*, Parameters...)
   return (tools.*method)(source, result, arguments...);
 }
 
-// A bridge method in place: the caller's variable receives the handle that comes back.
+// A binding method in place: the caller's variable receives the handle that comes back.
 template <class... Parameters, class... Arguments>
 int InPlace(int (CLeadTools::*method)(DibHandle&, DibHandle*, Parameters...) noexcept,
             CLeadTools& tools, DibHandle* image, Arguments... arguments) {

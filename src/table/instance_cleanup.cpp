@@ -1,4 +1,4 @@
-// The table's entries for scan clean-up, which join the toolkit's own work with the bridge's.
+// The table's entries for scan clean-up, which join the toolkit's own work with the binding's.
 #include <algorithm>
 
 #include <orvo/CLeadTools.h>

@@ -16,7 +16,7 @@ constexpr int kRotationSpan = 70;
 constexpr std::uint32_t kKeepSize = 0;
 
 // The progress of AutoDeskew. It belongs to the process, since the imaging module's own callback
-// carries nothing that would lead to the call it serves. The module may keep the bridge below
+// carries nothing that would lead to the call it serves. The module may keep the function below
 // installed, so a call without a callback clears the last one.
 struct DeskewProgress {
   StatusCallback callback;

@@ -1,4 +1,4 @@
-// What every test of the bridge starts from and ends with: an empty log, no module hidden, and no
+// What every test of the binding starts from and ends with: an empty log, no module hidden, and no
 // block left when the test is over.
 #ifndef TESTS_BINDING_BINDING_FIXTURE_H
 #define TESTS_BINDING_BINDING_FIXTURE_H
@@ -16,7 +16,7 @@
 #include "platform/fault_injection.h"
 #include "support/pictures.h"
 
-namespace bridge {
+namespace binding {
 
 using Log = std::vector<std::string>;
 
@@ -42,7 +42,7 @@ inline int Earlier(int /*percent*/, void* /*userData*/) {
   return 0;
 }
 
-class BridgeTest : public testing::Test {
+class BindingTest : public testing::Test {
  protected:
   void SetUp() override {
     doubles::Reset();
@@ -64,7 +64,7 @@ class BridgeTest : public testing::Test {
 };
 
 template <class Row>
-class BridgeRows : public BridgeTest, public testing::WithParamInterface<Row> {};
+class BindingRows : public BindingTest, public testing::WithParamInterface<Row> {};
 
 // Names a row's test by its `name` field.
 struct RowName {
@@ -74,7 +74,7 @@ struct RowName {
   }
 };
 
-// A bridge bound with these entries or modules missing; the log of the binding is thrown away.
+// A binding bound with these entries or modules missing; the log of the binding is thrown away.
 inline std::unique_ptr<CLeadTools> Bind(const std::set<std::string>& absent = {}) {
   hooks::Absent() = absent;
   std::unique_ptr<CLeadTools> tools(new CLeadTools);
@@ -98,6 +98,6 @@ inline orvo::OwnedDib Inverted(DibHandle image) {
   return inverted;
 }
 
-}  // namespace bridge
+}  // namespace binding
 
 #endif  // TESTS_BINDING_BINDING_FIXTURE_H

@@ -3,7 +3,7 @@
 
 #include "binding_fixture.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
 const Log kPdfEntries = {"PDF_new",         "PDF_open_file",  "PDF_set_info", "PDF_open_image_file",
@@ -32,9 +32,9 @@ struct Binding {
   Log unloaded;  // in order of unloading
 };
 
-class BindingTest : public BridgeRows<Binding> {};
+class BoundEntries : public BindingRows<Binding> {};
 
-TEST_P(BindingTest, LoadsLooksUpAndUnloadsInOrder) {
+TEST_P(BoundEntries, LoadsLooksUpAndUnloadsInOrder) {
   const std::map<std::string, Log> entries = {{"PdfLib.dll", kPdfEntries},
                                               {"ltkrn13n.dll", kKernelEntries},
                                               {"ltimg13n.dll", kImageEntries},
@@ -82,10 +82,10 @@ const Binding kBindings[] = {
      {"PdfLib.dll", "ltkrn13n.dll", "ltimg13n.dll"}},
     {"with_none", {"PdfLib.dll", "ltkrn13n.dll"}, {"PdfLib.dll", "ltkrn13n.dll"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Modules, BindingTest, testing::ValuesIn(kBindings), RowName());
+INSTANTIATE_TEST_SUITE_P(Modules, BoundEntries, testing::ValuesIn(kBindings), RowName());
 
 // Whether the methods of each module work with a module missing.
-TEST_F(BridgeTest, MissingModuleStopsOnlyWhatNeedsIt) {
+TEST_F(BindingTest, MissingModuleStopsOnlyWhatNeedsIt) {
   struct Row {
     const char* missing;
     bool kernelWorks, imageWorks, filesWork;
@@ -107,7 +107,7 @@ TEST_F(BridgeTest, MissingModuleStopsOnlyWhatNeedsIt) {
   }
 }
 
-TEST_F(BridgeTest, EveryVendorCodeHasItsResultCode) {
+TEST_F(BindingTest, EveryModuleCodeHasItsResultCode) {
   const std::map<int, int> known = {
       {1, 0},    {0, 1},    {-1, 2},   {-2, 8},   {-3, 2},   {-4, 10},  {-5, 10},  {-6, 10},
       {-7, 10},  {-8, 13},  {-9, 14},  {-10, 11}, {-11, 14}, {-12, 14}, {-13, 15}, {-14, 12},
@@ -117,9 +117,9 @@ TEST_F(BridgeTest, EveryVendorCodeHasItsResultCode) {
     doubles::TheState().answers["L_VersionInfo"] = {code};
     const auto row = known.find(code);
     EXPECT_EQ(tools->LTGetVersionInfo(nullptr), row == known.end() ? 17 : row->second)
-        << "vendor code " << code;
+        << "module code " << code;
   }
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

@@ -3,7 +3,7 @@
 #include "binding_fixture.h"
 #include "methods.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
 bool IsAlive(DibHandle dib) {
@@ -62,8 +62,8 @@ std::string Release(const Trial& trial) {
   return trial.inPlace ? "L_ChangeToDIB(b1)" : "L_FreeBitmap(b1)";
 }
 
-std::string VendorCall(const Method& method) {
-  return method.own + "(" + method.vendorCall + ")";
+std::string ModuleCall(const Method& method) {
+  return method.own + "(" + method.moduleCall + ")";
 }
 
 // The image as a method that succeeds leaves it.
@@ -77,7 +77,7 @@ orvo::OwnedDib ChangedBy(const Method& method, DibHandle image) {
   return changed;
 }
 
-class CycleTest : public BridgeRows<Method> {};
+class CycleTest : public BindingRows<Method> {};
 INSTANTIATE_TEST_SUITE_P(Methods, CycleTest, testing::ValuesIn(Methods()), RowName());
 
 TEST_P(CycleTest, SuccessGivesTheChangedImageAndPutsThePreviousCallbackBack) {
@@ -95,7 +95,7 @@ TEST_P(CycleTest, SuccessGivesTheChangedImageAndPutsThePreviousCallbackBack) {
     Log expected = {WayIn(trial)};
     const bool installs = watched && method.takesCallback;
     if (installs) expected.emplace_back("L_SetStatusCallBack(watcher, 0)");
-    expected.push_back(VendorCall(method));
+    expected.push_back(ModuleCall(method));
     if (installs) expected.emplace_back("L_SetStatusCallBack(earlier, 0)");
     const Log back = trial.inPlace ? Log{method.givesBackInPlace} : method.givesBackNew;
     expected.insert(expected.end(), back.begin(), back.end());
@@ -122,17 +122,17 @@ TEST_P(CycleTest, CallbackStaysInstalledWhenThereWasNoneBefore) {
   EXPECT_EQ(doubles::TheState().installed, GetParam().takesCallback ? Watcher : nullptr);
 }
 
-TEST_P(CycleTest, VendorFailureLeavesTheSourceAndTheNewCallback) {
+TEST_P(CycleTest, ModuleFailureLeavesTheSourceAndTheNewCallback) {
   const Method& method = GetParam();
   const auto tools = Bind();
   for (const bool inPlace : {false, true}) {
     SCOPED_TRACE(inPlace ? "in place" : "to new");
     Trial trial(inPlace);
     doubles::TheState().installed = Earlier;
-    doubles::TheState().answers[method.own] = {kVendorBadParameter};
+    doubles::TheState().answers[method.own] = {kModuleBadParameter};
     EXPECT_EQ(trial.run(*tools, method, Watcher), ORVO_ERR_NOT_SUPPORTED);
 
-    Log expected = {WayIn(trial), VendorCall(method), Release(trial)};
+    Log expected = {WayIn(trial), ModuleCall(method), Release(trial)};
     if (method.takesCallback) {
       expected.insert(expected.begin() + 1, "L_SetStatusCallBack(watcher, 0)");
     }
@@ -267,7 +267,7 @@ TEST_P(CycleTest, SourceAndResultMayBeOneVariable) {
   const orvo::OwnedDib changed = ChangedBy(method, image.get());
   void* const before = image.get();
 
-  doubles::TheState().answers[method.own] = {kVendorFailure};
+  doubles::TheState().answers[method.own] = {kModuleFailure};
   EXPECT_EQ(method.call(*tools, *image.address(), image.address(), method.number, nullptr),
             ORVO_ERR_FAILURE);
   EXPECT_EQ(image.get(), before);
@@ -282,4 +282,4 @@ TEST_P(CycleTest, SourceAndResultMayBeOneVariable) {
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

@@ -2,10 +2,10 @@
 #include "binding_fixture.h"
 #include "methods.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
-class BitmapRules : public BridgeTest {};
+class BitmapRules : public BindingTest {};
 
 TEST_F(BitmapRules, DitheringModeGoesIntoTheFlagsOfDepthConversion) {
   const auto tools = Bind();
@@ -24,7 +24,7 @@ TEST_F(BitmapRules, DitheringModeGoesIntoTheFlagsOfDepthConversion) {
 
 TEST_F(BitmapRules, DitheringModeIsKeptWhenTheKernelRefusesIt) {
   const auto tools = Bind();
-  doubles::TheState().answers["L_DefaultDithering"] = {kVendorBadParameter};
+  doubles::TheState().answers["L_DefaultDithering"] = {kModuleBadParameter};
   EXPECT_EQ(tools->LTSetDitheringMode(3), ORVO_ERR_NOT_SUPPORTED);
   orvo::OwnedDib photo = Photo(24);
   EXPECT_EQ(tools->LTConvertToColorRes(*photo.address(), nullptr, 4), ORVO_OK);
@@ -50,11 +50,11 @@ TEST_F(BitmapRules, AnglesAreNotReducedToATurn) {
   }
 }
 
-// The depth of a rotated image is looked at last, so the vendor's own code goes before it.
-TEST_F(BitmapRules, RotationReportsTheVendorsCodeBeforeTheDepth) {
+// The depth of a rotated image is looked at last, so the module's own code goes before it.
+TEST_F(BitmapRules, RotationReportsTheModulesCodeBeforeTheDepth) {
   const auto tools = Bind();
   orvo::OwnedDib odd = Photo(2);
-  doubles::TheState().answers["L_RotateBitmap"] = {kVendorNoBitmap};
+  doubles::TheState().answers["L_RotateBitmap"] = {kModuleNoBitmap};
   EXPECT_EQ(tools->LTRotate(*odd.address(), nullptr, 90, 0, nullptr), ORVO_ERR_NO_BITMAP);
 }
 
@@ -95,7 +95,7 @@ struct Resolution {
   std::string sizes;  // of 7 x 5 pixels
 };
 
-class ResolutionTest : public BridgeRows<Resolution> {};
+class ResolutionTest : public BindingRows<Resolution> {};
 
 TEST_P(ResolutionTest, SizesFollow) {
   const Resolution& row = GetParam();
@@ -128,7 +128,7 @@ const Resolution kResolutions[] = {
     {"axes_are_apart", 300, 200, 600, 100, "14, 2"},
     {"product_is_taken_first", 299, 299, 298, 298, "6, 4"},
     {"product_wraps_at_32_bits", 300, 300, 0x7FFFFFFF, 300, "7158278, 5"},
-    {"zero_asked_goes_to_the_vendor", 300, 300, 0, 0, "0, 0"},
+    {"zero_asked_goes_to_the_module", 300, 300, 0, 0, "0, 0"},
     {"none_stored_across", 0, 300, 150, 150, ""},
     {"none_stored_down", 300, 0, 150, 150, ""},
 };
@@ -162,4 +162,4 @@ TEST_F(BitmapRules, GrayQuestionWithoutTheKernelIsAnsweredNo) {
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

@@ -10,7 +10,7 @@ int MakePicture(struct_LEAD_Bitmap* bitmap) {
   const auto layout = orvo::DibLayoutFor(6, 4, 24);
   void* const block = GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes);
   void* const bytes = GlobalLock(block);
-  if (bytes == nullptr) return kVendorNoMemory;
+  if (bytes == nullptr) return kModuleNoMemory;
   BITMAPINFOHEADER header{};
   header.biSize = sizeof header;
   header.biWidth = layout->width;
@@ -22,7 +22,7 @@ int MakePicture(struct_LEAD_Bitmap* bitmap) {
   std::memcpy(bytes, &header, sizeof header);
   GlobalUnlock(block);
   doubles::Hold(bitmap, block);
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 std::string TextOf(const LTLOADOPTIONS* options) {
@@ -47,7 +47,7 @@ std::string TextOf(const LTTHUMBNAILOPTIONS& options) {
 int L_LoadBitmap(const char* path, struct_LEAD_Bitmap* bitmap, int bits, int order, void* callback,
                  void* userData) {
   const int code = Called("L_LoadBitmap", path, bitmap, bits, order, callback, userData);
-  return code == kVendorSuccess ? MakePicture(bitmap) : code;
+  return code == kModuleSuccess ? MakePicture(bitmap) : code;
 }
 
 int L_SaveBitmap(const char* path, struct_LEAD_Bitmap* bitmap, int format, int bits, int quality,
@@ -89,5 +89,5 @@ int L_CreateThumbnailFromFile(const char* path, struct_LEAD_Bitmap* bitmap,
                               void* callback, void* userData) {
   const int code = Called("L_CreateThumbnailFromFile", path, bitmap, TextOf(*options), info,
                           saveOptions, callback, userData);
-  return code == kVendorSuccess ? MakePicture(bitmap) : code;
+  return code == kModuleSuccess ? MakePicture(bitmap) : code;
 }

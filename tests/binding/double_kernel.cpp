@@ -36,7 +36,7 @@ DibHandle GiveBack(struct_LEAD_Bitmap* bitmap, int code) {
   Stamp(*bitmap);
   DibHandle block = bitmap->block;
   *bitmap = {};
-  if (code != kVendorSuccess) return GlobalFree(block);
+  if (code != kModuleSuccess) return GlobalFree(block);
   if (!TheState().freshHandles) return block;
   void* const fresh = doubles::CopyOfBlock(block);
   if (fresh == nullptr) return block;
@@ -94,7 +94,7 @@ bool Convert(struct_LEAD_Bitmap* bitmap, int depth) {
 int L_ChangeFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) {
   Called("L_ChangeFromDIB", bitmap, dib);
   doubles::Hold(bitmap, dib);
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 DibHandle L_ChangeToDIB(struct_LEAD_Bitmap* bitmap) {
@@ -117,12 +117,12 @@ int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
   void* const to = GlobalLock(copy);
   if (to == nullptr) {
     GlobalFree(copy);
-    return kVendorNoMemory;
+    return kModuleNoMemory;
   }
   std::memcpy(to, bytes, layout->totalBytes);
   GlobalUnlock(copy);
   doubles::Hold(bitmap, copy);
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 DibHandle L_ConvertToDIB(struct_LEAD_Bitmap* bitmap) {
@@ -135,7 +135,7 @@ int L_FreeBitmap(struct_LEAD_Bitmap* bitmap) {
   Called("L_FreeBitmap", bitmap);
   GlobalFree(bitmap->block);
   *bitmap = {};
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 int L_IsGrayScaleBitmap(struct_LEAD_Bitmap* bitmap) {
@@ -168,8 +168,8 @@ int L_ColorResBitmap(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int
   const int from = target->bitsPerPixel;
   const bool real =
       (bits == 24 && (from == 16 || from == 32)) || (from == 24 && (bits == 16 || bits == 32));
-  if (code != kVendorSuccess || !real) return Operate(code, target);
-  return Convert(target, bits) ? kVendorSuccess : kVendorNoMemory;
+  if (code != kModuleSuccess || !real) return Operate(code, target);
+  return Convert(target, bits) ? kModuleSuccess : kModuleNoMemory;
 }
 
 int L_GrayScaleBitmap(struct_LEAD_Bitmap* bitmap, int bits) {

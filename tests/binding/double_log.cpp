@@ -37,7 +37,7 @@ int Answer(const char* function, const std::vector<std::string>& arguments) {
   }
   state.log.push_back(line.append(arguments.empty() ? "()" : ")"));
   std::deque<int>& answers = state.answers[function];
-  if (answers.empty()) return kVendorSuccess;
+  if (answers.empty()) return kModuleSuccess;
   const int code = answers.front();
   answers.pop_front();
   return code;
@@ -45,15 +45,15 @@ int Answer(const char* function, const std::vector<std::string>& arguments) {
 
 int Operate(int code, const struct_LEAD_Bitmap* bitmap) {
   const StatusCallback callback = TheState().installed;
-  if (callback != nullptr && callback(50, nullptr) == ORVO_ERR_CANCELLED) return kVendorAborted;
-  if (code != kVendorSuccess) return code;
+  if (callback != nullptr && callback(50, nullptr) == ORVO_ERR_CANCELLED) return kModuleAborted;
+  if (code != kModuleSuccess) return code;
   auto* const bytes = static_cast<std::uint8_t*>(GlobalLock(bitmap->block));
   if (const auto layout = orvo::DibLayoutOf(bytes, GlobalSize(bitmap->block))) {
     std::for_each(bytes + layout->pixelOffset, bytes + layout->totalBytes,
                   [](std::uint8_t& byte) { byte = static_cast<std::uint8_t>(~byte); });
   }
   if (bytes != nullptr) GlobalUnlock(bitmap->block);
-  return kVendorSuccess;
+  return kModuleSuccess;
 }
 
 void Hold(struct_LEAD_Bitmap* bitmap, DibHandle block) {

@@ -8,7 +8,7 @@
 
 #include "binding_fixture.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
 // A name in lower, upper and mixed case.
@@ -23,7 +23,7 @@ std::array<std::string, 3> InAnyCase(const std::string& extension) {
 // A folder that is removed again; its name holds a dot and a blank.
 class Folder {
  public:
-  Folder() : path_(testing::TempDir() + "bridge.jpg test " + std::to_string(getpid()) + "/") {
+  Folder() : path_(testing::TempDir() + "binding.jpg test " + std::to_string(getpid()) + "/") {
     std::filesystem::create_directories(path_);
   }
   ~Folder() { std::filesystem::remove_all(path_); }
@@ -39,7 +39,7 @@ class Folder {
   std::string path_;
 };
 
-class Files : public BridgeTest {};
+class Files : public BindingTest {};
 
 // --- Saving --------------------------------------------------------------------------------------
 
@@ -49,7 +49,7 @@ struct SaveRow {
   bool takesPages = false;
 };
 
-class SaveTest : public BridgeRows<SaveRow> {};
+class SaveTest : public BindingRows<SaveRow> {};
 
 TEST_P(SaveTest, ExtensionChoosesFormatAndQuality) {
   const SaveRow& row = GetParam();
@@ -99,8 +99,8 @@ TEST_F(Files, SaveFailuresInOrder) {
     EXPECT_EQ(TakeLog(), Log());
   }
   const auto tools = Bind();
-  doubles::TheState().answers["L_SaveBitmap"] = {kVendorWriteFailed};
-  doubles::TheState().answers["L_SaveFile"] = {kVendorFormatNotWritten};
+  doubles::TheState().answers["L_SaveBitmap"] = {kModuleWriteFailed};
+  doubles::TheState().answers["L_SaveFile"] = {kFileFormatNotWritten};
   EXPECT_EQ(tools->LTSaveFile(photo.get(), "x.tif", 0, 0), ORVO_ERR_FILE_IO);
   EXPECT_EQ(tools->LTSaveFile(photo.get(), "x.tif", 1, 0), ORVO_ERR_BAD_FORMAT);
 }
@@ -115,7 +115,7 @@ struct DensityRow {
   int y = 200;
 };
 
-class DensityTest : public BridgeRows<DensityRow> {};
+class DensityTest : public BindingRows<DensityRow> {};
 
 TEST_P(DensityTest, LoadedResolution) {
   const DensityRow& row = GetParam();
@@ -166,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(Jpeg, DensityTest, testing::ValuesIn(kDensities), RowNa
 TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
   using Load = int (*)(CLeadTools&, DibHandle*);
   struct Row {
-    const char* vendorCall;
+    const char* moduleCall;
     std::vector<const char*> entries;
     Log log;
     Load load;
@@ -187,7 +187,7 @@ TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
        }},
   };
   for (const Row& row : rows) {
-    SCOPED_TRACE(row.vendorCall);
+    SCOPED_TRACE(row.moduleCall);
     const orvo::OwnedDib old = Photo(8);
     orvo::OwnedDib image;
     DibHandle result = old.get();
@@ -196,7 +196,7 @@ TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
       EXPECT_EQ(TakeLog().front().substr(0, 6), "unload");
     }
     const auto tools = Bind();
-    doubles::TheState().answers[row.vendorCall] = {kVendorFileNotFound};
+    doubles::TheState().answers[row.moduleCall] = {kModuleFileNotFound};
     EXPECT_EQ(row.load(*tools, &result), ORVO_ERR_FILE_NOT_FOUND);
     EXPECT_EQ(TakeLog().size(), 1U);
     EXPECT_EQ(result, old.get());
@@ -213,7 +213,7 @@ TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
 
 TEST_F(Files, ThumbnailWithoutABlockFails) {
   const auto tools = Bind();
-  doubles::TheState().answers["L_ChangeToDIB"] = {kVendorFailure};
+  doubles::TheState().answers["L_ChangeToDIB"] = {kModuleFailure};
   DibHandle result = nullptr;
   EXPECT_EQ(tools->LTCreateThumbnailFromFile("x.bmp", &result, 160, 120), ORVO_ERR_FAILURE);
   EXPECT_EQ(result, nullptr);
@@ -225,7 +225,7 @@ TEST_F(Files, InformationIsThatOfTheFirstPage) {
   const auto tools = Bind();
   for (const int pages : {1, 2}) {
     doubles::TheState().pageCount = pages;
-    doubles::TheState().answers["L_FileInfo"] = {kVendorSuccess, kVendorBadFile};
+    doubles::TheState().answers["L_FileInfo"] = {kModuleSuccess, kModuleBadFile};
     ORVOIMAGEFILEINFO info{};
     EXPECT_EQ(tools->LTImageFileInfo("x.tif", &info), ORVO_OK);
     Log expected = {"L_FileInfo(x.tif, 0, 0)"};
@@ -247,12 +247,12 @@ TEST_F(Files, InformationHasItsOwnCodes) {
     EXPECT_EQ(tools->LTImageFileInfo("x.tif", &info), ORVO_ERR_NO_VENDOR);
   }
   const auto tools = Bind();
-  for (const auto& [vendor, code] : {std::pair(-10, ORVO_ERR_BAD_FILE),
+  for (const auto& [modules, code] : {std::pair(-10, ORVO_ERR_BAD_FILE),
                                      {-9, ORVO_ERR_FAILURE},
                                      {-1, ORVO_ERR_FAILURE},
                                      {2, ORVO_ERR_FAILURE}}) {
-    doubles::TheState().answers["L_FileInfo"] = {vendor};
-    EXPECT_EQ(tools->LTImageFileInfo("x.tif", &info), code) << vendor;
+    doubles::TheState().answers["L_FileInfo"] = {module};
+    EXPECT_EQ(tools->LTImageFileInfo("x.tif", &info), code) << module;
     EXPECT_EQ(info.width, 0);
   }
 }
@@ -299,9 +299,9 @@ TEST_F(Files, ConversionFailuresInOrder) {
   const auto tools = Bind();
   EXPECT_EQ(tools->LTConvertFile(nullptr, "x.gif", 0, nullptr), ORVO_ERR_BAD_ARGUMENT);
   EXPECT_EQ(tools->LTConvertFile("x.png", nullptr, 0, nullptr), ORVO_ERR_BAD_ARGUMENT);
-  for (const int vendor : {-10, -1, 0, 2}) {
-    doubles::TheState().answers["L_FileInfo"] = {vendor};
-    EXPECT_EQ(tools->LTConvertFile("in.tif", "x.png", 0, nullptr), ORVO_ERR_BAD_FILE) << vendor;
+  for (const int module : {-10, -1, 0, 2}) {
+    doubles::TheState().answers["L_FileInfo"] = {module};
+    EXPECT_EQ(tools->LTConvertFile("in.tif", "x.png", 0, nullptr), ORVO_ERR_BAD_FILE) << module;
   }
   doubles::TheState().pageCount = 2;
   TakeLog();
@@ -311,11 +311,11 @@ TEST_F(Files, ConversionFailuresInOrder) {
 
 TEST_F(Files, ConversionPutsThePreviousCallbackBackWhateverComes) {
   const auto tools = Bind();
-  for (const int vendor : {1, 0, -10, -100}) {
+  for (const int module : {1, 0, -10, -100}) {
     doubles::TheState().installed = Earlier;
-    doubles::TheState().answers["L_FileConvert"] = {vendor};
+    doubles::TheState().answers["L_FileConvert"] = {module};
     EXPECT_EQ(tools->LTConvertFile("in.tif", "x.png", 5, Watcher),
-              vendor == 1 ? ORVO_OK : ORVO_ERR_FAILURE);
+              module == 1 ? ORVO_OK : ORVO_ERR_FAILURE);
     EXPECT_EQ(TakeLog(), (Log{"L_FileInfo(in.tif, 0, 0)", "L_SetStatusCallBack(watcher, 0)",
                               "L_FileConvert(in.tif, x.png, 75, 0, 0, 24, 5, 0, 0, 0)",
                               "L_SetStatusCallBack(earlier, 0)"}));
@@ -326,4 +326,4 @@ TEST_F(Files, ConversionPutsThePreviousCallbackBackWhateverComes) {
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

@@ -8,7 +8,7 @@
 #include "imaging/redeye/auto_red_eye.h"
 #include "imaging/redeye/reduce.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
 constexpr std::uint8_t kLevel = 10;
@@ -57,7 +57,7 @@ const Operation kOperations[] = {
      .written = {.found = 1}},
 };
 
-class ImageFrame : public BridgeRows<Operation> {
+class ImageFrame : public BindingRows<Operation> {
  protected:
   ImageFrame() { own.CSSetLT(tools.get()); }
   int run(DibHandle source, DibHandle* result) {
@@ -163,10 +163,10 @@ TEST_P(ImageFrame, FailuresBeforeTheWorkLeaveAllAsItWas) {
       {"gray without the kernel", 8, kBadDepth, kBadDepth, {"ltkrn13n.dll"}},
       {"16 bits without the kernel", 16, kBadDepth, kBadDepth, {"ltkrn13n.dll"}},
       {"32 bits without the kernel", 32, kBadDepth, kBadDepth, {"ltkrn13n.dll"}},
-      {"24 bits without a bridge", 24, kFailure, kOk, {}, {}, false},
-      {"16 bits without a bridge", 16, kFailure, kBadDepth, {}, {}, false},
-      {"left unconverted", 16, kBadDepth, kBadDepth, {}, {kVendorDepthNotSupported}},
-      {"no memory to convert", 32, kBadDepth, kBadDepth, {}, {kVendorNoMemory}},
+      {"24 bits without a binding", 24, kFailure, kOk, {}, {}, false},
+      {"16 bits without a binding", 16, kFailure, kBadDepth, {}, {}, false},
+      {"left unconverted", 16, kBadDepth, kBadDepth, {}, {kModuleDepthNotSupported}},
+      {"no memory to convert", 32, kBadDepth, kBadDepth, {}, {kModuleNoMemory}},
       {"malformed gray", 8, kFailure, kFailure, {}, {}, true, false, true},
       {"malformed", 24, kFailure, kFailure, {}, {}, true, false, true},
       {"malformed copy", 32, kFailure, kFailure, {}, {}, true, false, true},
@@ -199,8 +199,8 @@ TEST_P(ImageFrame, FailuresBeforeTheWorkLeaveAllAsItWas) {
 
 TEST_P(ImageFrame, NullSource) {
   const orvo::OwnedDib old = pictures::Noise(7, 5, 24, 1);
-  for (CLeadTools* const bridge : {tools.get(), static_cast<CLeadTools*>(nullptr)}) {
-    own.CSSetLT(bridge);
+  for (CLeadTools* const binding : {tools.get(), static_cast<CLeadTools*>(nullptr)}) {
+    own.CSSetLT(binding);
     DibHandle result = old.get();
     EXPECT_EQ(run(nullptr, &result), ORVO_ERR_NULL_IMAGE);
     EXPECT_EQ(result, isAdjust ? nullptr : old.get());
@@ -258,7 +258,7 @@ TEST_P(ImageFrame, FailingStepsLoseNothing) {
   EXPECT_EQ(codes.size(), 4U) << testing::PrintToString(codes);
 }
 
-class Levels : public BridgeTest {};
+class Levels : public BindingTest {};
 
 TEST_F(Levels, OutOfRangeComesBeforeTheSource) {
   COrvoCS own;
@@ -274,4 +274,4 @@ TEST_F(Levels, OutOfRangeComesBeforeTheSource) {
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace bridge {
+namespace binding {
 
 namespace {
 
@@ -22,7 +22,7 @@ int Plain(CLeadTools& tools, DibHandle& source, DibHandle* result, int /*number*
 Method Change(const char* name, const char* own, Method::Call call) {
   return {.name = name,
           .own = own,
-          .vendorCall = "b1, 250",
+          .moduleCall = "b1, 250",
           .call = call,
           .number = 250,
           .accepted = {-1000, 1000},
@@ -41,7 +41,7 @@ std::vector<Method> AllMethods() {
       Change("LTHueAdjust", "L_ChangeBitmapHue", WithNumber<&CLeadTools::LTHueAdjust>),
       {.name = "LTGammaAdjust",
        .own = "L_GammaCorrectBitmap",
-       .vendorCall = "b1, 220",
+       .moduleCall = "b1, 220",
        .call =
            [](CLeadTools& tools, DibHandle& source, DibHandle* result, int number,
               StatusCallback callback) {
@@ -52,11 +52,11 @@ std::vector<Method> AllMethods() {
        .outOfRange = {0}},
       {.name = "LTInvert",
        .own = "L_InvertBitmap",
-       .vendorCall = "b1",
+       .moduleCall = "b1",
        .call = Plain<&CLeadTools::LTInvert>},
       {.name = "LTRemapIntensity",
        .own = "L_RemapBitmapIntensity",
-       .vendorCall = "b1, table, 256, 3",
+       .moduleCall = "b1, table, 256, 3",
        .call =
            [](CLeadTools& tools, DibHandle& source, DibHandle* result, int /*number*/,
               StatusCallback callback) {
@@ -64,12 +64,12 @@ std::vector<Method> AllMethods() {
            }},
       {.name = "LTConvertToGrayScaleRes",
        .own = "L_GrayScaleBitmap",
-       .vendorCall = "b1, 8",
+       .moduleCall = "b1, 8",
        .call = Plain<&CLeadTools::LTConvertToGrayScaleRes>,
        .refusedDepths = {2}},
       {.name = "LTConvertToColorRes",
        .own = "L_ColorResBitmap",
-       .vendorCall = "b1, b1, 8, 65537, 0, 0, 0, 0, 0",
+       .moduleCall = "b1, b1, 8, 65537, 0, 0, 0, 0, 0",
        .call =
            [](CLeadTools& tools, DibHandle& source, DibHandle* result, int number,
               StatusCallback /*callback*/) {
@@ -82,7 +82,7 @@ std::vector<Method> AllMethods() {
        .needsCallbackEntry = false},
       {.name = "LTRotate",
        .own = "L_RotateBitmap",
-       .vendorCall = "b1, 9000, 1, 16777215",
+       .moduleCall = "b1, 9000, 1, 16777215",
        .call =
            [](CLeadTools& tools, DibHandle& source, DibHandle* result, int number,
               StatusCallback callback) {
@@ -93,7 +93,7 @@ std::vector<Method> AllMethods() {
        .depthTestedAfterCall = true},
       {.name = "LTChangeSize",
        .own = "L_SizeBitmap",
-       .vendorCall = "b1, 30, 20, 7",
+       .moduleCall = "b1, 30, 20, 7",
        .call =
            [](CLeadTools& tools, DibHandle& source, DibHandle* result, int number,
               StatusCallback callback) {
@@ -103,7 +103,7 @@ std::vector<Method> AllMethods() {
        .refusedDepths = {}},
       {.name = "LTChangeResolution",
        .own = "L_SizeBitmap",
-       .vendorCall = "b1, 3, 2, 4",
+       .moduleCall = "b1, 3, 2, 4",
        .call =
            [](CLeadTools& tools, DibHandle& source, DibHandle* result, int number,
               StatusCallback callback) {
@@ -116,7 +116,7 @@ std::vector<Method> AllMethods() {
        .givesBackNew = {"L_ConvertToDIB(b1)", "L_FreeBitmap(b1)"}},
       {.name = "LTTrim",
        .own = "L_TrimBitmap",
-       .vendorCall = "b1, 10, 20, 100, 200",
+       .moduleCall = "b1, 10, 20, 100, 200",
        .call =
            [](CLeadTools& tools, DibHandle& source, DibHandle* result, int number,
               StatusCallback /*callback*/) {
@@ -147,4 +147,4 @@ const Method& MethodNamed(const std::string& name) {
                        [&](const Method& method) { return method.name == name; });
 }
 
-}  // namespace bridge
+}  // namespace binding

@@ -1,4 +1,4 @@
-// The image methods of the bridge as rows: how to call each, and how each differs from the others.
+// The image methods of the binding as rows: how to call each, and how each differs from the others.
 #ifndef TESTS_BINDING_METHODS_H
 #define TESTS_BINDING_METHODS_H
 
@@ -8,15 +8,15 @@
 
 #include <orvo/CLeadTools.h>
 
-namespace bridge {
+namespace binding {
 
 struct Method {
   using Call = int (*)(CLeadTools&, DibHandle& source, DibHandle* result, int number,
                        StatusCallback);
 
   std::string name;
-  std::string own;         // the vendor function that does the work
-  std::string vendorCall;  // its arguments, as logged for `number` and a picture of 7 x 5
+  std::string own;         // the module function that does the work
+  std::string moduleCall;  // its arguments, as logged for `number` and a picture of 7 x 5
   Call call;
   int number = 0;                  // the method's own argument, where it has one
   std::vector<int> accepted = {};  // at the edges of its range
@@ -44,6 +44,6 @@ const Method& MethodNamed(const std::string& name);
 // The table that LTRemapIntensity is given; the log calls it "table".
 inline constexpr std::uint32_t kToneTable[256] = {};
 
-}  // namespace bridge
+}  // namespace binding
 
 #endif  // TESTS_BINDING_METHODS_H

@@ -26,7 +26,7 @@ std::set<std::string>& hooks::Absent() {
   return absent;
 }
 
-// The bridge is linked into this program, so its calls come here.
+// The binding is linked into this program, so its calls come here.
 
 void* LoadLibraryA(const char* path) {
   static auto* const real = Real<decltype(LoadLibraryA)>("LoadLibraryA");

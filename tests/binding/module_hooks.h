@@ -1,4 +1,4 @@
-// Stands between the bridge and the loader: logs what is loaded, looked up and unloaded, and hides
+// Stands between the binding and the loader: logs what is loaded, looked up and unloaded, and hides
 // what a test wants to be missing.
 #ifndef TESTS_BINDING_MODULE_HOOKS_H
 #define TESTS_BINDING_MODULE_HOOKS_H

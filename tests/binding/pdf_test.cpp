@@ -9,7 +9,7 @@
 
 #include "binding_fixture.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
 namespace fs = std::filesystem;
@@ -25,10 +25,10 @@ struct Reach {
 };
 template struct Reach<&CLeadTools::ConvertToPDF>;
 
-class PdfTest : public BridgeTest {
+class PdfTest : public BindingTest {
  protected:
   PdfTest() {
-    std::string pattern = testing::TempDir() + "bridge.pdf-XXXXXX";
+    std::string pattern = testing::TempDir() + "binding.pdf-XXXXXX";
     folder_ = mkdtemp(pattern.data());
   }
   ~PdfTest() override { fs::remove_all(folder_); }
@@ -48,7 +48,7 @@ Log Opening(const std::string& target, const std::string& title) {
   return {"PDF_new()",
           "PDF_open_file(doc, " + target + ")",
           "PDF_set_info(doc, Title, " + title + ")",
-          "PDF_set_info(doc, Creator, bridge_test)",
+          "PDF_set_info(doc, Creator, binding_test)",
           "PDF_set_info(doc, Author, )",
           "PDF_set_info(doc, Subject, Created PDF)"};
 }
@@ -196,7 +196,7 @@ TEST_F(PdfTest, SavingGoesByWayOfATemporaryTiff) {
 
   // The target is not touched before its pictures stand ready.
   doubles::TheState().bitmaps.clear();
-  doubles::TheState().answers["L_SaveBitmap"] = {kVendorWriteFailed};
+  doubles::TheState().answers["L_SaveBitmap"] = {kModuleWriteFailed};
   put("a.b.Pdf");
   EXPECT_EQ(tools->LTSaveFile(photo.get(), target.c_str(), 0, 0), ORVO_ERR_FILE_IO);
   EXPECT_EQ(TakeLog(), saved + Log{"L_FreeBitmap(b1)"});
@@ -220,4 +220,4 @@ TEST_F(PdfTest, LongestTarget) {
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

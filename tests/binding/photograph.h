@@ -5,7 +5,7 @@
 #include "binding_fixture.h"
 #include "imaging/redeye/faces.h"
 
-namespace bridge {
+namespace binding {
 
 // Of 24, 16 and 8 bits this width has padded rows.
 constexpr int kWidth = 102;
@@ -42,6 +42,6 @@ struct Numbers {
   bool operator==(const Numbers&) const = default;
 };
 
-}  // namespace bridge
+}  // namespace binding
 
 #endif  // TESTS_BINDING_PHOTOGRAPH_H

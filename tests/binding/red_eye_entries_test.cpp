@@ -3,10 +3,10 @@
 
 #include "photograph.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
-class RedEyeEntries : public BridgeTest {
+class RedEyeEntries : public BindingTest {
  protected:
   const orvo::OwnedInstance toolkit;
   std::unique_ptr<CLeadTools> tools = Bind();
@@ -86,4 +86,4 @@ TEST_F(RedEyeEntries, NullPointersAreRefused) {
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

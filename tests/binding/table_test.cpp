@@ -6,7 +6,7 @@
 #include "binding_fixture.h"
 #include "methods.h"
 
-namespace bridge {
+namespace binding {
 namespace {
 
 constexpr StatusCallback kNone = nullptr;
@@ -38,7 +38,7 @@ struct Entry {
   std::string name;
   Form form;
   int (*call)(Slot, DibHandle* image, DibHandle* result);
-  std::string vendorCall = {};  // as logged; empty when the call reaches no module
+  std::string moduleCall = {};  // as logged; empty when the call reaches no module
   bool watched = false;         // takes a callback
   int code = ORVO_OK;
 };
@@ -88,9 +88,9 @@ const Entry kEntries[] = {
     {17, "DescreenInPlace", Form::kBorne, [](S s, H i, H) { return s(*i, kOne, kOne, kNone); }},
     {18, "GetVersion", Form::kOther,
      [](S s, H, H) {
-       LTVERSIONINFO vendor{};
-       Name(&vendor, "info");
-       ORVOVERSIONINFO info{"?", &vendor};
+       LTVERSIONINFO module{};
+       Name(&modules, "info");
+       ORVOVERSIONINFO info{"?", &module};
        const int code = s(&info);
        EXPECT_STREQ(info.version, "1.0");
        return code;
@@ -204,7 +204,7 @@ const Entry kEntries[] = {
      "L_TrimBitmap(b1, 1, 2, 3, 6)"},
 };
 
-class TableTest : public BridgeRows<Entry> {};
+class TableTest : public BindingRows<Entry> {};
 INSTANTIATE_TEST_SUITE_P(Entries, TableTest, testing::ValuesIn(kEntries), RowName());
 
 std::vector<std::uint8_t> RowBytes(DibHandle image) {
@@ -230,9 +230,9 @@ TEST_P(TableTest, ForwardsAndLeavesHandlesValid) {
   const Log log = TakeLog();
   if (entry.form == Form::kBorne) return;
   EXPECT_EQ(code, entry.code);
-  EXPECT_EQ(std::count(log.begin(), log.end(), entry.vendorCall), entry.vendorCall.empty() ? 0 : 1)
+  EXPECT_EQ(std::count(log.begin(), log.end(), entry.moduleCall), entry.moduleCall.empty() ? 0 : 1)
       << testing::PrintToString(log);
-  EXPECT_EQ(log.empty(), entry.vendorCall.empty());
+  EXPECT_EQ(log.empty(), entry.moduleCall.empty());
   EXPECT_EQ(watchedPercent, entry.watched ? 50 : -1);
   if (entry.form == Form::kInPlace) {
     EXPECT_NE(image.get(), given);
@@ -248,7 +248,7 @@ TEST_P(TableTest, ForwardsAndLeavesHandlesValid) {
   }
 }
 
-class InstanceLife : public BridgeTest {};
+class InstanceLife : public BindingTest {};
 
 // Entry 0 ends the instance; bit 0 of its flag releases the memory too.
 TEST_F(InstanceLife, FirstEntryIsTheDestructor) {
@@ -294,4 +294,4 @@ TEST_F(InstanceLife, StandsWithoutModules) {
 }
 
 }  // namespace
-}  // namespace bridge
+}  // namespace binding

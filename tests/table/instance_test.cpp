@@ -26,8 +26,8 @@ TEST(Instance, OwnWorkNeedsNoModule) {
   EXPECT_EQ(toolkit->SharpnessAdjust(gray.get(), &result, 5), ORVO_ERR_BAD_DEPTH);
   EXPECT_EQ(result, gray.get());
 
-  LTVERSIONINFO vendor{};
-  ORVOVERSIONINFO version{"", &vendor};
+  LTVERSIONINFO module{};
+  ORVOVERSIONINFO version{"", &module};
   EXPECT_EQ(toolkit->GetVersion(&version), ORVO_ERR_NO_VENDOR);
   EXPECT_STREQ(version.version, "1.0");
 }

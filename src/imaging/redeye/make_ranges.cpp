@@ -27,7 +27,7 @@ bool MeasureRange(const RedEyeOutline& outline, int cb, Range& range) {
 int main(int argc, char** argv) {
   if (argc != 2) return 2;
   std::ofstream file(argv[1]);
-  file << "#include \"redeye/color_tests.h\"\n\n"
+  file << "#include \"imaging/redeye/color_tests.h\"\n\n"
           "const CrRange kRedEyeCrRanges[kLumaCount][256] = {\n";
   for (int y = 0; y < kLumaCount; ++y) {
     file << "{";

@@ -3,14 +3,14 @@
 
 #include <orvo/orvo.h>
 
-#include "binding/bridge_fixture.h"
+#include "binding/binding_fixture.h"
 #include "failing_memory.h"
 #include "plain_finder.h"
 
 namespace {
 
-using bridge::BridgeTest;
-using bridge::Log;
+using binding::BindingTest;
+using binding::Log;
 using Items = std::vector<std::vector<int>>;  // left, top, right, bottom
 
 // White, with dark boxes given in pixels from the top left.
@@ -46,7 +46,7 @@ orvo::OwnedDib TiltedPage(int degrees) {
   return page;
 }
 
-class Entries : public BridgeTest {
+class Entries : public BindingTest {
  protected:
   ~Entries() override { FailAllocationAfter(-1); }
 
@@ -224,9 +224,9 @@ TEST_F(Entries, DeskewTurnsByTheAngleAndKeepsTheSize) {
     orvo::OwnedDib upright;
     int angle = 1;
     seen.clear();
-    bridge::TakeLog();
+    binding::TakeLog();
     EXPECT_EQ(toolkit_->AutoDeskew(page.get(), upright.receive(page), &angle, Watch), ORVO_OK);
-    const Log log = bridge::TakeLog();
+    const Log log = binding::TakeLog();
     EXPECT_NEAR(angle, -100 * tilt, 100);
     EXPECT_EQ(angle % 100, 0);
     EXPECT_EQ(RotationsIn(log),
@@ -258,17 +258,17 @@ TEST_F(Entries, ProgressRisesAndNeverFallsBack) {
   }
 }
 
-// Not even the callback of an earlier call, whose bridge the module keeps.
+// Not even the callback of an earlier call, whose binding the module keeps.
 TEST_F(Entries, DeskewWithoutACallbackCallsNone) {
   const orvo::OwnedDib page = TiltedPage(5);
   orvo::OwnedDib upright;
   int angle = 1;
   EXPECT_EQ(toolkit_->AutoDeskew(page.get(), upright.receive(page), &angle, Watch), ORVO_OK);
   seen.clear();
-  bridge::TakeLog();
+  binding::TakeLog();
   EXPECT_EQ(toolkit_->AutoDeskew(page.get(), upright.receive(page), &angle, nullptr), ORVO_OK);
   EXPECT_EQ(seen, std::vector<int>{});
-  const Log log = bridge::TakeLog();
+  const Log log = binding::TakeLog();
   EXPECT_EQ(RotationsIn(log).size(), 1U);
   for (const std::string& call : log) EXPECT_FALSE(call.starts_with("L_SetStatusCallBack"));
 }
@@ -282,7 +282,7 @@ TEST_F(Entries, DeskewAlwaysSucceeds) {
   EXPECT_EQ(result, nullptr);
   EXPECT_EQ(angle, 0);
 
-  doubles::TheState().answers["L_RotateBitmap"] = {kVendorNoMemory};
+  doubles::TheState().answers["L_RotateBitmap"] = {kModuleNoMemory};
   EXPECT_EQ(toolkit_->AutoDeskew(page.get(), &result, &angle, nullptr), ORVO_OK);
   EXPECT_EQ(result, page.get());
   EXPECT_NE(angle, 0);

@@ -164,7 +164,7 @@ TEST_P(BmpVariants, show_the_right_pixels) {
   files::Write(at("a.bmp"), FileOf(row.bmp));
   int code = 0;
   const orvo::OwnedDib loaded = files::Load(at("a.bmp"), &code);
-  ASSERT_EQ(code, kVendorSuccess);
+  ASSERT_EQ(code, kModuleSuccess);
   EXPECT_EQ(files::ShownPixels(loaded.get()), row.shown);
   EXPECT_EQ(pictures::Locked(loaded.get()).header()->biBitCount, row.depth);
 }
@@ -188,7 +188,7 @@ const BadRow kBadRows[] = {
       .compression = BI_BITFIELDS,
       .masks = {0xF800, 0x0FE0, 0x001F},
       .pixels = {0, 0, 0, 0}},
-     kVendorFormatDamaged},
+     kFileFormatDamaged},
     {"mask_has_a_hole",
      {.width = 1,
       .height = 1,
@@ -196,7 +196,7 @@ const BadRow kBadRows[] = {
       .compression = BI_BITFIELDS,
       .masks = {0xF800, 0x05E0, 0x001F},
       .pixels = {0, 0, 0, 0}},
-     kVendorFormatDamaged},
+     kFileFormatDamaged},
     {"mask_beyond_the_pixel",
      {.width = 1,
       .height = 1,
@@ -204,7 +204,7 @@ const BadRow kBadRows[] = {
       .compression = BI_BITFIELDS,
       .masks = {0xF0000, 0x07E0, 0x001F},
       .pixels = {0, 0, 0, 0}},
-     kVendorFormatDamaged},
+     kFileFormatDamaged},
     {"runs_top_down",
      {.width = 1,
       .height = -1,
@@ -213,7 +213,7 @@ const BadRow kBadRows[] = {
       .colorsUsed = 1,
       .palette = {0},
       .pixels = {0, 1}},
-     kVendorFormatDamaged},
+     kFileFormatDamaged},
     {"run_above_the_last_row",
      {.width = 1,
       .height = 1,
@@ -222,7 +222,7 @@ const BadRow kBadRows[] = {
       .colorsUsed = 1,
       .palette = {0},
       .pixels = {0, 0, 1, 0, 0, 1}},
-     kVendorFormatDamaged},
+     kFileFormatDamaged},
     {"jump_beyond_the_row",
      {.width = 2,
       .height = 2,
@@ -231,22 +231,22 @@ const BadRow kBadRows[] = {
       .colorsUsed = 1,
       .palette = {0},
       .pixels = {0, 2, 9, 0, 1, 0, 0, 1}},
-     kVendorFormatDamaged},
+     kFileFormatDamaged},
     {"offset_beyond_the_file",
      {.width = 1, .height = 1, .depth = 24, .pixels = {1, 2, 3, 0}, .offset = 5000},
-     kVendorReadFailed},
+     kModuleReadFailed},
     {"depth_of_5",
      {.width = 1, .height = 1, .depth = 5, .pixels = {0, 0, 0, 0}},
-     kVendorDepthNotSupported},
+     kModuleDepthNotSupported},
     {"jpeg_inside",
      {.width = 1, .height = 1, .depth = 24, .compression = 4, .pixels = {0, 0, 0, 0}},
-     kVendorFormatNotRead},
+     kFileFormatNotRead},
     {"height_of_the_lowest_number",
      {.width = 1, .height = INT32_MIN, .depth = 24, .pixels = {0, 0, 0, 0}},
-     kVendorFormatDamaged},
+     kFileFormatDamaged},
     {"claims_of_60000_by_60000",
      {.width = 60000, .height = 60000, .depth = 24, .pixels = {0, 0, 0, 0}},
-     kVendorReadFailed},
+     kModuleReadFailed},
 };
 
 TEST_P(BadBmp, is_refused_with_a_code) {

@@ -38,7 +38,7 @@ class Damage : public files::FolderTest {
           Kind{"1.tif", kFormatTiffCompressed, 1}}) {
       const orvo::OwnedDib image =
           kind.depth == 1 ? pictures::Noise(40, 30, 1, 1) : files::Scene(40, 30, kind.depth);
-      EXPECT_EQ(files::Save(image.get(), at(kind.name), kind.format), kVendorSuccess);
+      EXPECT_EQ(files::Save(image.get(), at(kind.name), kind.format), kModuleSuccess);
       made[kind.name] = files::Read(at(kind.name));
     }
     if (files::HasProgram("convert")) {
@@ -54,7 +54,7 @@ class Damage : public files::FolderTest {
   int readAll(const std::string& path) {
     int code = 0;
     const orvo::OwnedDib loaded = files::Load(path, &code);
-    EXPECT_EQ(static_cast<bool>(loaded), code == kVendorSuccess);
+    EXPECT_EQ(static_cast<bool>(loaded), code == kModuleSuccess);
     LTFILEINFO info{};
     (void)L_FileInfo(path.c_str(), &info, 0, nullptr);
     int thumbnailCode = 0;
@@ -79,7 +79,7 @@ TEST_F(Damage, cut_files_never_load) {
       files::Write(at("cut"), {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
       const int code = readAll(at("cut"));
       if (length + tail < whole.size()) {
-        EXPECT_NE(code, kVendorSuccess) << name << " cut at " << length << " of " << whole.size();
+        EXPECT_NE(code, kModuleSuccess) << name << " cut at " << length << " of " << whole.size();
       }
     }
   }
@@ -132,7 +132,7 @@ TEST_F(Damage, claims_of_60000_by_60000_pixels_fail_at_once) {
   for (const char* name : {"8.bmp", "8.png", "24.jpg", "24.tif", "8.tif", "1.tif"}) {
     files::Write(at("huge"), all[name]);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_NE(readAll(at("huge")), kVendorSuccess) << name;
+    EXPECT_NE(readAll(at("huge")), kModuleSuccess) << name;
     const auto took = std::chrono::steady_clock::now() - start;
     EXPECT_LT(took, std::chrono::seconds(1)) << name;
   }
@@ -147,7 +147,7 @@ TEST_F(Damage, failing_memory_is_reported) {
       int code = 0;
       failed = !files::Load(at(name), &code);
       PlatformFailAllocation(0);
-      EXPECT_EQ(code, failed ? kVendorNoMemory : kVendorSuccess) << name << n;
+      EXPECT_EQ(code, failed ? kModuleNoMemory : kModuleSuccess) << name << n;
       EXPECT_TRUE(failed || n > 1) << name << " loads without memory";
     }
     EXPECT_FALSE(failed);
@@ -167,19 +167,19 @@ TEST_F(Damage, what_is_no_picture_file_has_its_own_code) {
     EXPECT_EQ(L_FileInfo(path.c_str(), &info, 0, nullptr), code);
     return code;
   };
-  EXPECT_EQ(codeOf(at("absent.png")), kVendorFileNotFound);
-  EXPECT_EQ(codeOf(at("no/such/folder.png")), kVendorFileNotFound);
-  EXPECT_EQ(codeOf(at("")), kVendorFileNotOpened);
-  EXPECT_EQ(codeOf(""), kVendorFileNotOpened);
-  EXPECT_EQ(codeOf(std::string(400, 'a') + ".png"), kVendorFileNotOpened);
+  EXPECT_EQ(codeOf(at("absent.png")), kModuleFileNotFound);
+  EXPECT_EQ(codeOf(at("no/such/folder.png")), kModuleFileNotFound);
+  EXPECT_EQ(codeOf(at("")), kModuleFileNotOpened);
+  EXPECT_EQ(codeOf(""), kModuleFileNotOpened);
+  EXPECT_EQ(codeOf(std::string(400, 'a') + ".png"), kModuleFileNotOpened);
   files::Write(at("empty.jpg"), {});
-  EXPECT_EQ(codeOf(at("empty.jpg")), kVendorFormatNotRead);
+  EXPECT_EQ(codeOf(at("empty.jpg")), kFileFormatNotRead);
   const std::string words = "BMXY this is a letter and no picture at all";
   files::Write(at("letter.bmp"), {words.begin(), words.end()});
-  EXPECT_EQ(codeOf(at("letter.bmp")), kVendorFormatNotRead);
+  EXPECT_EQ(codeOf(at("letter.bmp")), kFileFormatNotRead);
   struct_LEAD_Bitmap bitmap{};
-  EXPECT_EQ(L_LoadBitmap(nullptr, &bitmap, 0, 1, nullptr, nullptr), kVendorBadParameter);
-  EXPECT_EQ(L_LoadBitmap(at("a").c_str(), nullptr, 0, 1, nullptr, nullptr), kVendorNoBitmap);
+  EXPECT_EQ(L_LoadBitmap(nullptr, &bitmap, 0, 1, nullptr, nullptr), kModuleBadParameter);
+  EXPECT_EQ(L_LoadBitmap(at("a").c_str(), nullptr, 0, 1, nullptr, nullptr), kModuleNoBitmap);
 }
 
 }  // namespace

@@ -97,7 +97,7 @@ TEST_P(ForeignFiles, show_the_same_pixels) {
                                                                                      : "a.tif";
   int code = 0;
   const orvo::OwnedDib loaded = files::Load(at(file), &code);
-  ASSERT_EQ(code, kVendorSuccess);
+  ASSERT_EQ(code, kModuleSuccess);
   EXPECT_EQ(pictures::Locked(loaded.get()).header()->biBitCount, row.depth);
 
   const bool withFourth = row.depth == 32;
@@ -109,7 +109,7 @@ TEST_P(ForeignFiles, show_the_same_pixels) {
   EXPECT_LE(files::LargestDifference(shown, expected), row.tolerance);
 
   LTFILEINFO info{};
-  ASSERT_EQ(L_FileInfo(at(file).c_str(), &info, 0, nullptr), kVendorSuccess);
+  ASSERT_EQ(L_FileInfo(at(file).c_str(), &info, 0, nullptr), kModuleSuccess);
   const BITMAPINFOHEADER header = *pictures::Locked(loaded.get()).header();
   EXPECT_EQ(info.width, header.biWidth);
   EXPECT_EQ(info.height, header.biHeight);

@@ -70,7 +70,7 @@ class Formats : public files::FolderTest {
   // Saves, loads and describes; gives the depth that came back, 0 for files that do not load.
   int depthBack(const std::string& name, int format, const Picture& picture, bool isLossless) {
     const orvo::OwnedDib saved = Made(picture);
-    EXPECT_EQ(files::Save(saved.get(), at(name), format), kVendorSuccess);
+    EXPECT_EQ(files::Save(saved.get(), at(name), format), kModuleSuccess);
     const orvo::OwnedDib loaded = files::Load(at(name));
     if (!loaded) return 0;
     if (isLossless) {
@@ -78,7 +78,7 @@ class Formats : public files::FolderTest {
     }
     const int depth = pictures::Locked(loaded.get()).layout().depth;
     LTFILEINFO info{};
-    EXPECT_EQ(L_FileInfo(at(name).c_str(), &info, 0, nullptr), kVendorSuccess);
+    EXPECT_EQ(L_FileInfo(at(name).c_str(), &info, 0, nullptr), kModuleSuccess);
     EXPECT_EQ(info.bitsPerPixel, depth);
     return depth;
   }
@@ -118,7 +118,7 @@ TEST_F(Formats, every_cell_of_the_page_holds) {
         const std::string name = std::to_string(i) + (second ? "b." : "a.") + extension;
         if (cell == "-") {
           const orvo::OwnedDib image = Made(picture);
-          EXPECT_EQ(files::Save(image.get(), at(name), format), kVendorFormatNotWritten);
+          EXPECT_EQ(files::Save(image.get(), at(name), format), kFileFormatNotWritten);
           EXPECT_FALSE(std::filesystem::exists(at(name)));
           continue;
         }
@@ -162,7 +162,7 @@ TEST_F(Formats, what_is_not_read_has_its_code) {
     files::Write(at(name), bytes);
     int code = 0;
     EXPECT_FALSE(files::Load(at(name), &code));
-    EXPECT_EQ(code, kVendorFormatNotRead) << name;
+    EXPECT_EQ(code, kFileFormatNotRead) << name;
   }
 }
 

@@ -54,7 +54,7 @@ class Rare : public files::FolderTest {
     for (const Kind& kind : {Kind{"8.pcx", kFormatPcx, 8}, Kind{"24.tga", kFormatTga, 24},
                              Kind{"8.ras", kFormatRas, 8}, Kind{"24.pct", kFormatPct, 24}}) {
       const orvo::OwnedDib image = pictures::Noise(23, 11, kind.depth, 1);
-      EXPECT_EQ(files::Save(image.get(), at(kind.name), kind.format), kVendorSuccess);
+      EXPECT_EQ(files::Save(image.get(), at(kind.name), kind.format), kModuleSuccess);
       made[kind.name] = files::Read(at(kind.name));
     }
     return made;
@@ -109,7 +109,7 @@ TEST_P(RareRoundTrip, keeps_pixels_and_is_read_alike_by_another_program) {
     if (row.format == kFormatPct && width < 8) continue;
     const orvo::OwnedDib saved = row.inColor ? pictures::NoiseInColor(width, 6, row.depth, 1)
                                              : pictures::Noise(width, 6, row.depth, 2);
-    ASSERT_EQ(files::Save(saved.get(), path, row.format), kVendorSuccess);
+    ASSERT_EQ(files::Save(saved.get(), path, row.format), kModuleSuccess);
     const orvo::OwnedDib back = files::Load(path);
     ASSERT_TRUE(back);
     const bool withFourth = row.depthReturned == 32;
@@ -120,7 +120,7 @@ TEST_P(RareRoundTrip, keeps_pixels_and_is_read_alike_by_another_program) {
     EXPECT_EQ(header.biXPelsPerMeter, row.keepsResolution ? 11811 : 0);
 
     LTFILEINFO info{};
-    ASSERT_EQ(L_FileInfo(path.c_str(), &info, 0, nullptr), kVendorSuccess);
+    ASSERT_EQ(L_FileInfo(path.c_str(), &info, 0, nullptr), kModuleSuccess);
     EXPECT_EQ(info.format, row.format);
     EXPECT_EQ(info.width, width);
     EXPECT_EQ(info.bitsPerPixel, row.depthReturned);
@@ -141,9 +141,9 @@ INSTANTIATE_TEST_SUITE_P(Formats, RareRoundTrip, testing::ValuesIn(kRows),
 // A PICT this narrow would not be read back as it was.
 TEST_F(Rare, what_a_format_cannot_hold_is_not_written) {
   EXPECT_EQ(files::Save(pictures::Noise(7, 5, 8, 1).get(), at("a.pct"), kFormatPct),
-            kVendorFormatNotWritten);
+            kFileFormatNotWritten);
   EXPECT_EQ(files::Save(pictures::Noise(40000, 1, 8, 1).get(), at("a.pcx"), kFormatPcx),
-            kVendorFormatNotWritten);
+            kFileFormatNotWritten);
   EXPECT_EQ(fileCount(), 1U) << "more than the folder for temporary files";
 }
 
@@ -185,14 +185,14 @@ TEST_F(Rare, pages_of_dcx_and_the_fixed_size_of_pcd) {
       0);
   LTFILEINFO info{};
   LTLOADOPTIONS second{sizeof second, 2};
-  ASSERT_EQ(L_FileInfo(at("a.dcx").c_str(), &info, 0, nullptr), kVendorSuccess);
+  ASSERT_EQ(L_FileInfo(at("a.dcx").c_str(), &info, 0, nullptr), kModuleSuccess);
   EXPECT_EQ(info.pageCount, 2);
   EXPECT_EQ(info.width, 8);
-  ASSERT_EQ(L_FileInfo(at("a.dcx").c_str(), &info, kInfoUsesOptions, &second), kVendorSuccess);
+  ASSERT_EQ(L_FileInfo(at("a.dcx").c_str(), &info, kInfoUsesOptions, &second), kModuleSuccess);
   EXPECT_EQ(info.width, 9);
   EXPECT_EQ(info.page, 2);
   second.page = 3;
-  EXPECT_EQ(L_FileInfo(at("a.dcx").c_str(), &info, kInfoUsesOptions, &second), kVendorBadParameter);
+  EXPECT_EQ(L_FileInfo(at("a.dcx").c_str(), &info, kInfoUsesOptions, &second), kModuleBadParameter);
 
   const orvo::OwnedDib disc = files::Load(at("a.pcd"));
   ASSERT_TRUE(disc);
@@ -236,7 +236,7 @@ TEST_F(Rare, files_made_byte_by_byte_show_what_they_mean) {
 TEST_F(Rare, a_name_never_opens_another_decoder) {
   const auto text = [](const char* words) { return Bytes(words, words + std::strlen(words)); };
   const orvo::OwnedDib image = pictures::Noise(30, 30, 24, 1);
-  ASSERT_EQ(files::Save(image.get(), at("a.png"), kFormatPng), kVendorSuccess);
+  ASSERT_EQ(files::Save(image.get(), at("a.png"), kFormatPng), kModuleSuccess);
   const Bytes script = text("push graphic-context image over 0,0 0,0 '/etc/passwd' pop");
   const Bytes markup = text("<svg xmlns='http://www.w3.org/2000/svg'><image href='/etc/a'/></svg>");
   const Bytes postscript = text("%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 9 9\nshowpage\n");
@@ -244,11 +244,11 @@ TEST_F(Rare, a_name_never_opens_another_decoder) {
     for (const Bytes& content : {script, markup, postscript}) {
       Bytes padded = content;
       padded.resize(4000, ' ');
-      EXPECT_NE(codeOf(name, padded), kVendorSuccess) << name;
+      EXPECT_NE(codeOf(name, padded), kModuleSuccess) << name;
     }
   }
-  EXPECT_EQ(codeOf("b.eps", postscript), kVendorFormatNotRead);
-  EXPECT_EQ(codeOf("png.tga", files::Read(at("a.png"))), kVendorSuccess) << "a PNG all the same";
+  EXPECT_EQ(codeOf("b.eps", postscript), kFileFormatNotRead);
+  EXPECT_EQ(codeOf("png.tga", files::Read(at("a.png"))), kModuleSuccess) << "a PNG all the same";
 }
 
 // Cut or scrambled, they may load in part where the format cannot tell, but do no harm.
@@ -260,7 +260,7 @@ TEST_F(Rare, damaged_files_do_no_harm) {
       const int code = codeOf("cut-" + name,
                               {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
       if (length < whole.size() / 2) {
-        EXPECT_NE(code, kVendorSuccess) << name << " at " << length;
+        EXPECT_NE(code, kModuleSuccess) << name << " at " << length;
       }
     }
     for (int round = 0; round < 60; ++round) {
@@ -272,8 +272,8 @@ TEST_F(Rare, damaged_files_do_no_harm) {
       const int code = codeOf("scrambled-" + name, bytes);
       LTFILEINFO info{};
       const int infoCode = L_FileInfo(at("scrambled-" + name).c_str(), &info, 0, nullptr);
-      if (code == kVendorSuccess) {
-        EXPECT_EQ(infoCode, kVendorSuccess) << name;
+      if (code == kModuleSuccess) {
+        EXPECT_EQ(infoCode, kModuleSuccess) << name;
       }
     }
   }
@@ -284,7 +284,7 @@ TEST_F(Rare, claims_of_60000_by_60000_pixels_fail) {
   const auto lie = [&](const char* name, std::size_t offset, Bytes measure) {
     Bytes bytes = all.at(name);
     std::copy(measure.begin(), measure.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
-    EXPECT_NE(codeOf(name, bytes), kVendorSuccess) << name;
+    EXPECT_NE(codeOf(name, bytes), kModuleSuccess) << name;
   };
   lie("8.pcx", 8, {0x5F, 0xEA, 0x5F, 0xEA});
   lie("24.tga", 12, {0x60, 0xEA, 0x60, 0xEA});
@@ -304,7 +304,7 @@ TEST_F(Rare, progress_rises_and_a_stop_leaves_nothing) {
   L_SetStatusCallBack(callback, nullptr);
   for (const int stop : {101, 70, 20}) {
     stopAt = stop;
-    const int expected = stop > 100 ? kVendorSuccess : kVendorAborted;
+    const int expected = stop > 100 ? kModuleSuccess : kModuleAborted;
     for (const bool saves : {true, false}) {
       SCOPED_TRACE(std::to_string(stop) + (saves ? " saving" : " loading"));
       seen.clear();
@@ -315,7 +315,7 @@ TEST_F(Rare, progress_rises_and_a_stop_leaves_nothing) {
         EXPECT_EQ(std::filesystem::exists(path), stop > 100);
       } else {
         stopAt = 101;
-        ASSERT_EQ(files::Save(image.get(), path, kFormatPcx), kVendorSuccess);
+        ASSERT_EQ(files::Save(image.get(), path, kFormatPcx), kModuleSuccess);
         seen.clear();
         stopAt = stop;
         EXPECT_EQ(static_cast<bool>(files::Load(path, &code)), stop > 100);
@@ -365,7 +365,7 @@ Bytes PostscriptPixels(const Bytes& file, std::size_t size) {
 
 TEST_F(Rare, eps_holds_the_pixels_in_their_size_on_paper) {
   const orvo::OwnedDib image = pictures::Noise(150, 75, 24, 1);
-  ASSERT_EQ(files::Save(image.get(), at("a.eps"), kFormatEps), kVendorSuccess);
+  ASSERT_EQ(files::Save(image.get(), at("a.eps"), kFormatEps), kModuleSuccess);
   const Bytes file = files::Read(at("a.eps"));
   const std::string text(file.begin(), file.end());
   EXPECT_EQ(text.find("%!PS-Adobe-3.0 EPSF-3.0"), 0U);

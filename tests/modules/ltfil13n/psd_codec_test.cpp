@@ -65,7 +65,7 @@ TEST_F(Psd, pixels_depth_and_resolution_come_back) {
       const orvo::OwnedDib saved = row.inColor ? pictures::NoiseInColor(width, 5, row.depth, 1)
                                                : pictures::Noise(width, 5, row.depth, 2);
       pictures::Locked(saved.get()).header()->biYPelsPerMeter = 5001;  // no whole dots per inch
-      ASSERT_EQ(files::Save(saved.get(), at("a.psd"), kFormatPsd), kVendorSuccess);
+      ASSERT_EQ(files::Save(saved.get(), at("a.psd"), kFormatPsd), kModuleSuccess);
       const orvo::OwnedDib back = files::Load(at("a.psd"));
       ASSERT_TRUE(back);
       EXPECT_EQ(files::ShownPixels(back.get()), files::ShownPixels(saved.get()));
@@ -83,7 +83,7 @@ TEST_F(Psd, black_on_white_and_white_on_black_stay_1_bit) {
     const pictures::Locked locked(image.get());
     std::swap(locked.palette()[0], locked.palette()[1]);
   }
-  ASSERT_EQ(files::Save(image.get(), at("a.psd"), kFormatPsd), kVendorSuccess);
+  ASSERT_EQ(files::Save(image.get(), at("a.psd"), kFormatPsd), kModuleSuccess);
   const orvo::OwnedDib back = files::Load(at("a.psd"));
   EXPECT_EQ(pictures::Locked(back.get()).layout().depth, 1);
   EXPECT_EQ(files::ShownPixels(back.get()), files::ShownPixels(image.get()));
@@ -91,7 +91,7 @@ TEST_F(Psd, black_on_white_and_white_on_black_stay_1_bit) {
 
 TEST_F(Psd, runs_shorten_flat_pictures) {
   const orvo::OwnedDib flat = pictures::Blank(1000, 100, 24);
-  ASSERT_EQ(files::Save(flat.get(), at("a.psd"), kFormatPsd), kVendorSuccess);
+  ASSERT_EQ(files::Save(flat.get(), at("a.psd"), kFormatPsd), kModuleSuccess);
   EXPECT_LT(files::Read(at("a.psd")).size(), 7000U);
 }
 
@@ -130,7 +130,7 @@ TEST_F(Psd, others_see_what_is_written) {
   if (!files::HasProgram("convert")) GTEST_SKIP() << "needs imagemagick";
   for (const int depth : {1, 8, 24}) {
     const orvo::OwnedDib image = pictures::Noise(37, 21, depth, 3);
-    ASSERT_EQ(files::Save(image.get(), at("a.psd"), kFormatPsd), kVendorSuccess);
+    ASSERT_EQ(files::Save(image.get(), at("a.psd"), kFormatPsd), kModuleSuccess);
     EXPECT_EQ(files::OutputOf("convert '" + at("a.psd[0]") + "' -depth 8 bgr:- 2>&1"),
               files::ShownPixels(image.get()))
         << depth;
@@ -151,9 +151,9 @@ TEST_F(Psd, rows_of_runs_may_hold_idle_bytes_and_nothing_but_a_row) {
   ASSERT_TRUE(image);
   EXPECT_EQ(files::Reds(image.get()), (std::vector{9, 7, 7, 7, 7, 1, 2, 3, 4, 5}));
 
-  EXPECT_EQ(codeOf(rows(Builder().add({253, 7}), plain)), kVendorFormatDamaged) << "short row";
-  EXPECT_EQ(codeOf(rows(Builder().add({251, 7}), plain)), kVendorFormatDamaged) << "long row";
-  EXPECT_EQ(codeOf(rows(Builder().add({5, 1, 2}), plain)), kVendorFormatDamaged) << "cut bytes";
+  EXPECT_EQ(codeOf(rows(Builder().add({253, 7}), plain)), kFileFormatDamaged) << "short row";
+  EXPECT_EQ(codeOf(rows(Builder().add({251, 7}), plain)), kFileFormatDamaged) << "long row";
+  EXPECT_EQ(codeOf(rows(Builder().add({5, 1, 2}), plain)), kFileFormatDamaged) << "cut bytes";
 }
 
 TEST_F(Psd, inks_samples_of_16_bits_and_further_channels) {
@@ -189,22 +189,22 @@ TEST_F(Psd, the_resolution_is_found_behind_named_and_odd_resources) {
 
 TEST_F(Psd, documents_that_lie_or_are_cut_have_a_code) {
   const Bytes one = Builder().add({1});
-  EXPECT_EQ(codeOf(BytesOf({.version = 2, .picture = one})), kVendorFormatNotRead);
-  EXPECT_EQ(codeOf(BytesOf({.mode = 9, .picture = one})), kVendorFormatNotRead);
-  EXPECT_EQ(codeOf(BytesOf({.bits = 32, .picture = one})), kVendorFormatNotRead);
-  EXPECT_EQ(codeOf(BytesOf({.compression = 2, .picture = one})), kVendorFormatNotRead);
-  EXPECT_EQ(codeOf(BytesOf({.mode = 3, .picture = one})), kVendorFormatDamaged) << "one channel";
-  EXPECT_EQ(codeOf(BytesOf({.height = 60000, .width = 60000})), kVendorFormatDamaged);
-  EXPECT_EQ(codeOf(BytesOf({.height = 30000, .width = 30000})), kVendorReadFailed);
+  EXPECT_EQ(codeOf(BytesOf({.version = 2, .picture = one})), kFileFormatNotRead);
+  EXPECT_EQ(codeOf(BytesOf({.mode = 9, .picture = one})), kFileFormatNotRead);
+  EXPECT_EQ(codeOf(BytesOf({.bits = 32, .picture = one})), kFileFormatNotRead);
+  EXPECT_EQ(codeOf(BytesOf({.compression = 2, .picture = one})), kFileFormatNotRead);
+  EXPECT_EQ(codeOf(BytesOf({.mode = 3, .picture = one})), kFileFormatDamaged) << "one channel";
+  EXPECT_EQ(codeOf(BytesOf({.height = 60000, .width = 60000})), kFileFormatDamaged);
+  EXPECT_EQ(codeOf(BytesOf({.height = 30000, .width = 30000})), kModuleReadFailed);
   EXPECT_EQ(codeOf(BytesOf({.height = 30000, .width = 30000, .compression = 1})),
-            kVendorReadFailed);
+            kModuleReadFailed);
 
   const orvo::OwnedDib saved = pictures::NoiseInColor(19, 6, 8, 5);
-  ASSERT_EQ(files::Save(saved.get(), at("b.psd"), kFormatPsd), kVendorSuccess);
+  ASSERT_EQ(files::Save(saved.get(), at("b.psd"), kFormatPsd), kModuleSuccess);
   const Bytes whole = files::Read(at("b.psd"));
   for (std::size_t length = 0; length < whole.size(); ++length) {
     EXPECT_NE(codeOf({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)}),
-              kVendorSuccess)
+              kModuleSuccess)
         << length;
   }
 }

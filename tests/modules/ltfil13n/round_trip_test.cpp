@@ -64,7 +64,7 @@ TEST_P(RoundTrip, keeps_pixels_depth_and_resolution) {
                                              : pictures::Noise(width, height, row.depth, 2);
     pictures::Locked(saved.get()).header()->biYPelsPerMeter = 5001;  // no whole dots per inch
     const files::Bytes before = pictures::BytesOf(saved.get());
-    ASSERT_EQ(Save(saved.get(), path, row.format), kVendorSuccess);
+    ASSERT_EQ(Save(saved.get(), path, row.format), kModuleSuccess);
     EXPECT_EQ(pictures::BytesOf(saved.get()), before) << "the source changed";
 
     const orvo::OwnedDib loaded = Load(path);
@@ -77,7 +77,7 @@ TEST_P(RoundTrip, keeps_pixels_depth_and_resolution) {
     EXPECT_EQ(header.biYPelsPerMeter, 5001);
 
     LTFILEINFO info{};
-    ASSERT_EQ(L_FileInfo(path.c_str(), &info, 0, nullptr), kVendorSuccess);
+    ASSERT_EQ(L_FileInfo(path.c_str(), &info, 0, nullptr), kModuleSuccess);
     EXPECT_EQ(info.format, row.format);
     EXPECT_EQ(info.width, width);
     EXPECT_EQ(info.height, height);
@@ -96,7 +96,7 @@ TEST_P(RoundTrip, is_read_alike_by_other_programs) {
   const std::string path = at(std::string("picture.") + row.extension);
   const orvo::OwnedDib saved = row.inColor ? pictures::NoiseInColor(37, 21, row.depth, 3)
                                            : pictures::Noise(37, 21, row.depth, 4);
-  ASSERT_EQ(Save(saved.get(), path, row.format), kVendorSuccess);
+  ASSERT_EQ(Save(saved.get(), path, row.format), kModuleSuccess);
   // Transparent pixels are compared with their colours.
   EXPECT_EQ(files::OutputOf("convert " + path + " -alpha off -depth 8 bgr:- 2>&1"),
             ShownPixels(saved.get()));
@@ -120,7 +120,7 @@ using JpegTest = files::FolderTest;
 TEST_F(JpegTest, keeps_a_scene_closely_and_gray_gray) {
   for (const int depth : {8, 24, 32}) {
     const orvo::OwnedDib scene = files::Scene(123, 77, depth);
-    ASSERT_EQ(Save(scene.get(), at("a.jpg"), kFormatJpeg, 100), kVendorSuccess);
+    ASSERT_EQ(Save(scene.get(), at("a.jpg"), kFormatJpeg, 100), kModuleSuccess);
     const orvo::OwnedDib loaded = Load(at("a.jpg"));
     ASSERT_TRUE(loaded);
     EXPECT_LE(files::LargestDifference(ShownPixels(loaded.get()), ShownPixels(scene.get())), 4);
@@ -137,12 +137,12 @@ TEST_F(JpegTest, takes_every_depth) {
     orvo::OwnedDib image = pictures::Blank(64, 64, depth);
     const pictures::Locked pixels(image.get());
     if (hasPalette) pixels.palette()[0] = RGBQUAD{30, 200, 90, 0};
-    ASSERT_EQ(Save(image.get(), at("a.jpg"), kFormatJpeg, 95), kVendorSuccess);
+    ASSERT_EQ(Save(image.get(), at("a.jpg"), kFormatJpeg, 95), kModuleSuccess);
     const orvo::OwnedDib colored = Load(at("a.jpg"));
     EXPECT_LE(files::LargestDifference(ShownPixels(colored.get()), ShownPixels(image.get())), 2);
 
     if (hasPalette) pixels.palette()[0] = RGBQUAD{90, 90, 90, 0};
-    ASSERT_EQ(Save(image.get(), at("b.jpg"), kFormatJpeg, 95), kVendorSuccess);
+    ASSERT_EQ(Save(image.get(), at("b.jpg"), kFormatJpeg, 95), kModuleSuccess);
     const orvo::OwnedDib gray = Load(at("b.jpg"));
     EXPECT_LE(files::LargestDifference(ShownPixels(gray.get()), ShownPixels(image.get())), 2);
     EXPECT_EQ(pictures::Locked(gray.get()).header()->biBitCount, hasPalette ? 8 : 24);
@@ -152,7 +152,7 @@ TEST_F(JpegTest, takes_every_depth) {
 TEST_F(JpegTest, quality_is_a_scale_of_1_to_100_with_90_as_default) {
   const orvo::OwnedDib image = pictures::Noise(64, 64, 24, 9);
   const auto bytesAt = [&](int quality) {
-    EXPECT_EQ(Save(image.get(), at("a.jpg"), kFormatJpeg, quality), kVendorSuccess);
+    EXPECT_EQ(Save(image.get(), at("a.jpg"), kFormatJpeg, quality), kModuleSuccess);
     return files::Read(at("a.jpg"));
   };
   EXPECT_LT(bytesAt(1).size(), bytesAt(50).size());
@@ -166,7 +166,7 @@ TEST_F(JpegTest, quality_is_a_scale_of_1_to_100_with_90_as_default) {
 TEST_F(JpegTest, empty_fourth_bytes_are_no_alpha_in_formats_that_have_one) {
   for (const int format : {kFormatPng, kFormatTiff}) {
     const orvo::OwnedDib image = files::Scene(9, 9, 32);
-    ASSERT_EQ(Save(image.get(), at("a"), format), kVendorSuccess);
+    ASSERT_EQ(Save(image.get(), at("a"), format), kModuleSuccess);
     const orvo::OwnedDib loaded = Load(at("a"));
     EXPECT_EQ(pictures::Locked(loaded.get()).header()->biBitCount, 24);
     EXPECT_EQ(ShownPixels(loaded.get()), ShownPixels(image.get()));

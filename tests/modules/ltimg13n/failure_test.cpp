@@ -51,7 +51,7 @@ TEST_F(Failure, progress_rises_to_100_and_a_stop_leaves_the_image) {
       for (const int stopAt : {0, 1, 57, 100, 101}) {
         progress = {stopAt};
         orvo::OwnedDib got = pictures::CopyOf(source.get());
-        ASSERT_EQ(Apply(adjust, got), stopAt > 100 ? kVendorSuccess : kVendorAborted);
+        ASSERT_EQ(Apply(adjust, got), stopAt > 100 ? kModuleSuccess : kModuleAborted);
         EXPECT_TRUE(progress.rises);
         EXPECT_GE(progress.last, std::min(stopAt, 100));
         if (stopAt > 100) continue;
@@ -69,9 +69,9 @@ TEST_F(Failure, only_a_callback_costs_a_working_copy_and_the_record_keeps_its_re
       L_ChangeFromDIB(&bitmap, Picture({24, false}, 40, 30).release());
       bitmap.xResolution = 72;  // newer than the header's
       PlatformFailAllocation(1);
-      EXPECT_EQ(adjust(&bitmap), status == nullptr ? kVendorSuccess : kVendorNoMemory);
+      EXPECT_EQ(adjust(&bitmap), status == nullptr ? kModuleSuccess : kModuleNoMemory);
       PlatformFailAllocation(0);
-      EXPECT_EQ(adjust(&bitmap), kVendorSuccess);
+      EXPECT_EQ(adjust(&bitmap), kModuleSuccess);
       EXPECT_EQ(bitmap.xResolution, 72);
       L_FreeBitmap(&bitmap);
     }
@@ -84,7 +84,7 @@ TEST_F(Failure, no_memory_or_no_lock_leaves_the_image) {
   for (const Adjust& adjust : kWays) {
     for (const auto fail : {PlatformFailAllocation, PlatformFailLock}) {
       int failures = 0;
-      for (int code = kVendorFailure; code != kVendorSuccess; ++failures) {
+      for (int code = kModuleFailure; code != kModuleSuccess; ++failures) {
         orvo::OwnedDib got = pictures::CopyOf(source.get());
         const auto failing = [&](auto* bitmap) {
           fail(failures + 1);
@@ -93,8 +93,8 @@ TEST_F(Failure, no_memory_or_no_lock_leaves_the_image) {
           return code;
         };
         Apply(failing, got);
-        if (code == kVendorSuccess) break;
-        ASSERT_TRUE(code == kVendorNoMemory || code == kVendorNoBitmap) << code;
+        if (code == kModuleSuccess) break;
+        ASSERT_TRUE(code == kModuleNoMemory || code == kModuleNoBitmap) << code;
         ASSERT_EQ(pictures::Difference(source.get(), got.get()), "");
       }
       EXPECT_GT(failures, 0);
@@ -105,8 +105,8 @@ TEST_F(Failure, no_memory_or_no_lock_leaves_the_image) {
 TEST_F(Failure, images_that_cannot_be_adjusted_stay_as_they_are) {
   for (const Adjust& adjust : kWays) {
     struct_LEAD_Bitmap bitmap{};
-    EXPECT_EQ(adjust(nullptr), kVendorNoBitmap);
-    EXPECT_EQ(adjust(&bitmap), kVendorNoBitmap);
+    EXPECT_EQ(adjust(nullptr), kModuleNoBitmap);
+    EXPECT_EQ(adjust(&bitmap), kModuleNoBitmap);
     const auto expectRefused = [&](orvo::OwnedDib image, int code) {
       const std::vector<std::uint8_t> before = pictures::BytesOf(image.get());
       bitmap.block = image.get();
@@ -114,11 +114,11 @@ TEST_F(Failure, images_that_cannot_be_adjusted_stay_as_they_are) {
       EXPECT_EQ(bitmap.block, image.get());
       EXPECT_EQ(pictures::BytesOf(image.get()), before);
     };
-    expectRefused(Picture({1, false}, 33, 5), kVendorDepthNotSupported);
+    expectRefused(Picture({1, false}, 33, 5), kModuleDepthNotSupported);
     for (const int height : {0, -5, 6, std::numeric_limits<int>::max()}) {
       orvo::OwnedDib lying = Picture({24, false}, 33, 5);
       pictures::Locked(lying.get()).header()->biHeight = height;
-      expectRefused(std::move(lying), kVendorNoBitmap);
+      expectRefused(std::move(lying), kModuleNoBitmap);
     }
   }
 }
@@ -143,7 +143,7 @@ TEST_F(Failure, arguments_out_of_range_leave_the_image) {
   const orvo::OwnedDib source = Picture({24, false}, 20, 10);
   for (const Adjust& adjust : refused) {
     orvo::OwnedDib got = pictures::CopyOf(source.get());
-    EXPECT_EQ(Apply(adjust, got), kVendorBadParameter);
+    EXPECT_EQ(Apply(adjust, got), kModuleBadParameter);
     EXPECT_EQ(pictures::Difference(source.get(), got.get()), "");
   }
 }

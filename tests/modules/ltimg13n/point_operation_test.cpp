@@ -121,7 +121,7 @@ TEST(PointOperation, agrees_with_the_slow_reference_and_touches_nothing_else) {
     for (const Operation& operation : Operations()) {
       SCOPED_TRACE(testing::Message() << operation.name << " at " << kind.depth << " bits");
       orvo::OwnedDib got = pictures::CopyOf(source.get());
-      ASSERT_EQ(Apply(operation.adjust, got), kVendorSuccess);
+      ASSERT_EQ(Apply(operation.adjust, got), kModuleSuccess);
       ASSERT_NO_FATAL_FAILURE(
           ExpectAsReference(operation, Locked(source.get()), Locked(got.get())));
       // A gray image keeps the palette that makes it one, unless it becomes colourful.
@@ -130,7 +130,7 @@ TEST(PointOperation, agrees_with_the_slow_reference_and_touches_nothing_else) {
 
       const adjusted::Watched callback(adjusted::GoOn);
       orvo::OwnedDib watched = pictures::CopyOf(source.get());
-      ASSERT_EQ(Apply(operation.adjust, watched), kVendorSuccess);
+      ASSERT_EQ(Apply(operation.adjust, watched), kModuleSuccess);
       ASSERT_EQ(pictures::Difference(got.get(), watched.get()), "");
     }
   }
@@ -153,7 +153,7 @@ TEST(PointOperation, settings_that_change_nothing_are_exact) {
     const orvo::OwnedDib source = Picture(kind, 131, 41);
     for (std::size_t i = 0; i < std::size(identities); ++i) {
       orvo::OwnedDib got = pictures::CopyOf(source.get());
-      ASSERT_EQ(Apply(identities[i], got), kVendorSuccess);
+      ASSERT_EQ(Apply(identities[i], got), kModuleSuccess);
       ASSERT_EQ(pictures::Difference(source.get(), got.get()), "") << i << " at " << kind.depth;
     }
   }

@@ -73,7 +73,7 @@ TEST(Sharpen, agrees_with_the_nine_pixels_of_each_neighbourhood) {
           const adjusted::Watched callback(status);
           orvo::OwnedDib got = pictures::CopyOf(source.get());
           const auto sharpen = [change](auto* bitmap) { return L_SharpenBitmap(bitmap, change); };
-          ASSERT_EQ(adjusted::Apply(sharpen, got), kVendorSuccess);
+          ASSERT_EQ(adjusted::Apply(sharpen, got), kModuleSuccess);
           ASSERT_NO_FATAL_FAILURE(ExpectSharpened(Locked(source.get()), Locked(got.get()),
                                                   kind.depth <= 8 && !kind.grayByTone, change));
           ASSERT_EQ(StrayChange(source.get(), got.get(), false), -1);

@@ -14,7 +14,7 @@ TEST_F(KernelTest, a_block_is_taken_over_and_given_back_as_it_is) {
     struct_LEAD_Bitmap bitmap;
     bitmap.block = &bitmap;  // what an uninitialised record holds is of no account
     PlatformFailAllocation(1);
-    ASSERT_EQ(L_ChangeFromDIB(&bitmap, source.get()), kVendorSuccess);
+    ASSERT_EQ(L_ChangeFromDIB(&bitmap, source.get()), kModuleSuccess);
     EXPECT_EQ(bitmap.width, 13);
     EXPECT_EQ(bitmap.height, 5);
     EXPECT_EQ(bitmap.bitsPerPixel, depth);
@@ -36,7 +36,7 @@ TEST_F(KernelTest, copies_hold_the_whole_image_whatever_the_header_counts) {
       const pictures::Locked image(source.get());
       image.header()->biClrUsed = 2;
       image.header()->biSizeImage = 7;
-      ASSERT_EQ(L_ConvertFromDIB(&bitmap, image.header(), image.row(0)), kVendorSuccess);
+      ASSERT_EQ(L_ConvertFromDIB(&bitmap, image.header(), image.row(0)), kModuleSuccess);
     }
     EXPECT_NE(bitmap.block, source.get());
     const orvo::OwnedDib copy(L_ConvertToDIB(&bitmap));
@@ -57,7 +57,7 @@ TEST_F(KernelTest, only_a_resolution_that_was_changed_reaches_the_header) {
   L_ChangeFromDIB(&bitmap, dib.release());
   EXPECT_EQ(bitmap.xResolution, 300);
   bitmap.yResolution = 150;
-  ASSERT_EQ(L_SizeBitmap(&bitmap, 8, 2, kSizeNearest), kVendorSuccess);
+  ASSERT_EQ(L_SizeBitmap(&bitmap, 8, 2, kSizeNearest), kModuleSuccess);
   EXPECT_EQ(bitmap.yResolution, 150);
   const orvo::OwnedDib copy(L_ConvertToDIB(&bitmap));
   const orvo::OwnedDib own(L_ChangeToDIB(&bitmap));
@@ -74,7 +74,7 @@ TEST_F(KernelTest, a_block_that_cannot_be_used_is_held_and_given_back) {
   int number = 0;
   for (const DibHandle handle : {DibHandle{nullptr}, dead, DibHandle{&number}}) {
     struct_LEAD_Bitmap bitmap{};
-    EXPECT_EQ(L_ChangeFromDIB(&bitmap, handle), kVendorNoBitmap);
+    EXPECT_EQ(L_ChangeFromDIB(&bitmap, handle), kModuleNoBitmap);
     EXPECT_EQ(bitmap.width, 0);
     EXPECT_EQ(L_IsGrayScaleBitmap(&bitmap), 0);
     EXPECT_EQ(L_ConvertToDIB(&bitmap), nullptr);
@@ -95,10 +95,10 @@ TEST_F(KernelTest, a_block_that_cannot_be_used_is_held_and_given_back) {
     }
     const std::vector<std::uint8_t> before = pictures::BytesOf(dib.get());
     struct_LEAD_Bitmap bitmap{};
-    EXPECT_EQ(L_ChangeFromDIB(&bitmap, dib.get()), kVendorNoBitmap);
+    EXPECT_EQ(L_ChangeFromDIB(&bitmap, dib.get()), kModuleNoBitmap);
     EXPECT_EQ(bitmap.width, 0);
     EXPECT_EQ(bitmap.xResolution, 0);
-    EXPECT_EQ(L_GrayScaleBitmap(&bitmap, 8), kVendorNoBitmap);
+    EXPECT_EQ(L_GrayScaleBitmap(&bitmap, 8), kModuleNoBitmap);
     EXPECT_EQ(L_ChangeToDIB(&bitmap), dib.get());
     EXPECT_EQ(pictures::BytesOf(dib.get()), before);
   }
@@ -107,7 +107,7 @@ TEST_F(KernelTest, a_block_that_cannot_be_used_is_held_and_given_back) {
 TEST_F(KernelTest, gray_means_that_bytes_are_tones) {
   const auto isGray = [](orvo::OwnedDib dib) {
     int gray = 0;
-    kernel::Apply([&](auto* bitmap) { return gray = L_IsGrayScaleBitmap(bitmap), kVendorSuccess; },
+    kernel::Apply([&](auto* bitmap) { return gray = L_IsGrayScaleBitmap(bitmap), kModuleSuccess; },
                   dib);
     return gray != 0;
   };

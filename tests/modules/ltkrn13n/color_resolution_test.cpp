@@ -169,7 +169,7 @@ TEST_F(KernelTest, dithering_to_black_and_white_keeps_each_tone) {
       orvo::OwnedDib flat = pictures::Blank(kSide, kSide, 8);
       std::fill_n(pictures::Locked(flat.get()).row(0), kSide * kSide,
                   static_cast<std::uint8_t>(tone));
-      ASSERT_EQ(kernel::Apply(ToDepth(1, dithering), flat), kVendorSuccess);
+      ASSERT_EQ(kernel::Apply(ToDepth(1, dithering), flat), kModuleSuccess);
       const pictures::Locked image(flat.get());
       int white = 0;
       for (int i = 0; i < kSide * kSide / 8; ++i) white += std::popcount(image.row(0)[i]);
@@ -235,7 +235,7 @@ TEST_F(KernelTest, another_bitmap_may_take_the_result) {
     source.xResolution = 72;
     ASSERT_EQ(
         L_ColorResBitmap(&source, &target, bits, 1, nullptr, nullptr, nullptr, nullptr, nullptr),
-        kVendorSuccess);
+        kModuleSuccess);
     EXPECT_EQ(target.bitsPerPixel, bits);
     EXPECT_EQ(target.width, 20);
     EXPECT_EQ(target.xResolution, 72);

@@ -50,10 +50,10 @@ TEST_F(KernelTest, progress_rises_to_100_and_a_stop_leaves_the_image) {
         EXPECT_TRUE(followed.rises);
         EXPECT_GE(followed.calls, 1);
         if (stopAt <= 100) {
-          ASSERT_EQ(code, kVendorAborted);
+          ASSERT_EQ(code, kModuleAborted);
           ASSERT_EQ(pictures::Difference(source.get(), got.get()), "");
         } else {
-          ASSERT_EQ(code, kVendorSuccess);
+          ASSERT_EQ(code, kModuleSuccess);
           EXPECT_EQ(followed.last, 100);
         }
       }
@@ -67,8 +67,8 @@ TEST_F(KernelTest, no_memory_or_no_lock_leaves_the_image) {
     for (const Operation& operation : kOperations) {
       for (void (*const fail)(int) noexcept :
            {+PlatformFailAllocation, +PlatformFailLock, +kernel::FailNew}) {
-        int code = kVendorFailure;
-        for (int n = 1; code != kVendorSuccess; ++n) {
+        int code = kModuleFailure;
+        for (int n = 1; code != kModuleSuccess; ++n) {
           ASSERT_LT(n, 400);
           struct_LEAD_Bitmap bitmap{};
           L_ChangeFromDIB(&bitmap, pictures::CopyOf(source.get()).release());
@@ -76,8 +76,8 @@ TEST_F(KernelTest, no_memory_or_no_lock_leaves_the_image) {
           code = operation(&bitmap);
           fail(0);
           const orvo::OwnedDib got(L_ChangeToDIB(&bitmap));
-          if (code == kVendorSuccess) break;
-          ASSERT_TRUE(code == kVendorNoMemory || code == kVendorNoBitmap) << code;
+          if (code == kModuleSuccess) break;
+          ASSERT_TRUE(code == kModuleNoMemory || code == kModuleNoBitmap) << code;
           ASSERT_EQ(pictures::Difference(source.get(), got.get()), "");
         }
       }
@@ -89,28 +89,28 @@ TEST_F(KernelTest, an_operation_that_keeps_the_size_makes_one_block) {
   orvo::OwnedDib image = Picture(40, 30, 24);
   const auto turn = [](auto* bitmap) { return L_RotateBitmap(bitmap, 1234, 0, 0); };
   PlatformFailAllocation(2);
-  EXPECT_EQ(kernel::Apply(turn, image), kVendorSuccess);
+  EXPECT_EQ(kernel::Apply(turn, image), kModuleSuccess);
   PlatformFailAllocation(0);
 }
 
 TEST_F(KernelTest, bitmaps_that_hold_nothing_and_arguments_out_of_range_are_refused) {
   struct_LEAD_Bitmap nothing{};
   for (const Operation& operation : kOperations) {
-    EXPECT_EQ(operation(nullptr), kVendorNoBitmap);
-    EXPECT_EQ(operation(&nothing), kVendorNoBitmap);
+    EXPECT_EQ(operation(nullptr), kModuleNoBitmap);
+    EXPECT_EQ(operation(&nothing), kModuleNoBitmap);
   }
-  EXPECT_EQ(L_FreeBitmap(&nothing), kVendorSuccess);
+  EXPECT_EQ(L_FreeBitmap(&nothing), kModuleSuccess);
   orvo::OwnedDib image = Picture(8, 8, 24);
   int number = 0;
   for (const int bits : {-1, 0, 2, 15, 64}) {
-    EXPECT_EQ(kernel::Apply(kernel::ToDepth(bits), image), kVendorBadParameter);
+    EXPECT_EQ(kernel::Apply(kernel::ToDepth(bits), image), kModuleBadParameter);
   }
   EXPECT_EQ(kernel::Apply([](auto* bitmap) { return L_GrayScaleBitmap(bitmap, 4); }, image),
-            kVendorBadParameter);
+            kModuleBadParameter);
   const auto ownPalette = [&](auto* bitmap) {
     return L_ColorResBitmap(bitmap, bitmap, 8, 0, &number, nullptr, nullptr, nullptr, nullptr);
   };
-  EXPECT_EQ(kernel::Apply(ownPalette, image), kVendorBadParameter);
+  EXPECT_EQ(kernel::Apply(ownPalette, image), kModuleBadParameter);
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ using kernel::ValueAt;
 
 constexpr unsigned kBlue = 0xFF0000;  // red lies in the lowest byte
 
-Operation RotateBy(int angle, unsigned flags, unsigned color = kVendorWhite) {
+Operation RotateBy(int angle, unsigned flags, unsigned color = kModuleWhite) {
   return [=](auto* bitmap) { return L_RotateBitmap(bitmap, angle, flags, color); };
 }
 
@@ -92,7 +92,7 @@ TEST_F(KernelTest, a_quarter_turn_exchanges_the_resolutions) {
   orvo::OwnedDib page = Picture(16, 8, 1);
   pictures::Locked(page.get()).header()->biYPelsPerMeter = orvo::PixelsPerMetre(100);
   for (const auto& [angle, across] : {std::pair{9000, 100}, {27000, 300}, {100, 300}}) {
-    ASSERT_EQ(kernel::Apply(RotateBy(angle, kRotateGrows), page), kVendorSuccess);
+    ASSERT_EQ(kernel::Apply(RotateBy(angle, kRotateGrows), page), kModuleSuccess);
     EXPECT_EQ(pictures::Locked(page.get()).header()->biXPelsPerMeter, orvo::PixelsPerMetre(across));
   }
 }
@@ -224,7 +224,7 @@ TEST_F(KernelTest, rectangles_that_are_empty_or_leave_the_image_are_refused) {
     const auto trim = [&, l = left, t = top, w = width, h = height](auto* bitmap) {
       return L_TrimBitmap(bitmap, l, t, w, h);
     };
-    EXPECT_EQ(kernel::Apply(trim, image), kVendorBadParameter);
+    EXPECT_EQ(kernel::Apply(trim, image), kModuleBadParameter);
     EXPECT_EQ(pictures::Difference(source.get(), image.get()), "");
   }
 }

@@ -33,7 +33,7 @@ inline int Apply(const Operation& operation, orvo::OwnedDib& image) {
 // The changed copy of an image.
 inline orvo::OwnedDib Changed(const orvo::OwnedDib& image, const Operation& operation) {
   orvo::OwnedDib copy = pictures::CopyOf(image.get());
-  EXPECT_EQ(Apply(operation, copy), kVendorSuccess);
+  EXPECT_EQ(Apply(operation, copy), kModuleSuccess);
   return copy;
 }
 

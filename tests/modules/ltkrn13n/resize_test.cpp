@@ -111,10 +111,10 @@ TEST_F(KernelTest, sizes_that_cannot_be_are_refused) {
   constexpr int kMost = std::numeric_limits<int>::max();
   const orvo::OwnedDib source = Picture(10, 8, 24);
   for (const unsigned flags : {kSizeNearest, kSizeBilinear, kSizeBest}) {
-    for (const auto& [size, code] : {std::pair{Size{0, 8}, kVendorBadParameter},
-                                     {Size{8, 0}, kVendorBadParameter},
-                                     {Size{-5, 8}, kVendorBadParameter},
-                                     {Size{kMost, kMost}, kVendorNoMemory}}) {
+    for (const auto& [size, code] : {std::pair{Size{0, 8}, kModuleBadParameter},
+                                     {Size{8, 0}, kModuleBadParameter},
+                                     {Size{-5, 8}, kModuleBadParameter},
+                                     {Size{kMost, kMost}, kModuleNoMemory}}) {
       orvo::OwnedDib image = pictures::CopyOf(source.get());
       EXPECT_EQ(kernel::Apply(SizeTo(size.width, size.height, flags), image), code);
       EXPECT_EQ(pictures::Difference(source.get(), image.get()), "");

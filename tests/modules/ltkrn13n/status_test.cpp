@@ -24,7 +24,7 @@ class StatusTest : public kernel::KernelTest {
 };
 
 void RunOperation(int steps) {
-  provider::Progress progress(static_cast<std::uint64_t>(steps));
+  modules::Progress progress(static_cast<std::uint64_t>(steps));
   for (int i = 0; i <= steps; ++i) ASSERT_TRUE(progress.report(static_cast<std::uint64_t>(i)));
 }
 
@@ -43,12 +43,12 @@ TEST_F(StatusTest, stages_make_one_rising_scale_without_repeats) {
   for (int round = 0; round < 2; ++round) {
     seen.clear();
     {
-      const provider::StatusShare first(0, 50);
+      const modules::StatusShare first(0, 50);
       RunOperation(4);
       RunOperation(2);  // a second operation in the same stage shows nothing twice
     }
     {
-      const provider::StatusShare second(50, 50);
+      const modules::StatusShare second(50, 50);
       RunOperation(2);
     }
     EXPECT_EQ(seen, (std::vector<int>{0, 12, 25, 37, 50, 75, 100}));
@@ -61,20 +61,20 @@ TEST_F(StatusTest, stages_make_one_rising_scale_without_repeats) {
 
 TEST_F(StatusTest, version_tells_the_codecs_that_were_registered) {
   LTVERSIONINFO info{};
-  EXPECT_EQ(L_VersionInfo(nullptr), kVendorBadParameter);
+  EXPECT_EQ(L_VersionInfo(nullptr), kModuleBadParameter);
   info.size = sizeof info - 1;
-  EXPECT_EQ(L_VersionInfo(&info), kVendorBadParameter);
+  EXPECT_EQ(L_VersionInfo(&info), kModuleBadParameter);
   info.size = sizeof info;
   KernelRegisterCodecs("codec 1.2, other 3");
-  ASSERT_EQ(L_VersionInfo(&info), kVendorSuccess);
+  ASSERT_EQ(L_VersionInfo(&info), kModuleSuccess);
   EXPECT_STREQ(info.codecs, "codec 1.2, other 3");
   EXPECT_STRNE(info.product, "");
   EXPECT_STRNE(info.version, "");
   KernelRegisterCodecs(std::string(1000, 'x').c_str());
-  ASSERT_EQ(L_VersionInfo(&info), kVendorSuccess);
+  ASSERT_EQ(L_VersionInfo(&info), kModuleSuccess);
   EXPECT_EQ(std::string(info.codecs), std::string(sizeof info.codecs - 1, 'x'));
   KernelRegisterCodecs(nullptr);
-  ASSERT_EQ(L_VersionInfo(&info), kVendorSuccess);
+  ASSERT_EQ(L_VersionInfo(&info), kModuleSuccess);
   EXPECT_STREQ(info.codecs, "");
 }
 
