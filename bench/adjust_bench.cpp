@@ -14,6 +14,8 @@
 #include <opencv2/imgproc.hpp>
 #endif
 
+using namespace orvo;
+
 namespace {
 
 constexpr std::uint8_t kLevel = 10;

@@ -15,6 +15,8 @@
 #include "imaging/descreen/descreen_weights.h"
 #endif
 
+using namespace orvo;
+
 namespace {
 
 constexpr std::int32_t kPageWidth = 2480;

@@ -5,11 +5,13 @@
 #include <cstring>
 
 #include "imaging/adjust/ycbcr.h"
-#include "pictures.h"
 #include "imaging/redeye/auto_red_eye.h"
 #include "imaging/redeye/color_tests.h"
 #include "imaging/redeye/outline_angles.h"
 #include "imaging/redeye/reduce.h"
+#include "pictures.h"
+
+using namespace orvo;
 
 namespace {
 

@@ -14,6 +14,8 @@
 #include <leptonica/allheaders.h>
 #endif
 
+using namespace orvo;
+
 namespace {
 
 constexpr int kWidth = 2480;

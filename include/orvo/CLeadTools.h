@@ -26,6 +26,10 @@
 #include <orvo/export.h>
 #include <orvo/records.h>
 
+namespace orvo {
+class Modules;
+}
+
 class ORVO_API CLeadTools {
  public:
   // Loads the modules from the directory of the library's own file and sets dithering mode 1. Never
@@ -100,7 +104,7 @@ class ORVO_API CLeadTools {
   static void operator delete(void* memory) noexcept;
 
  private:
-  friend class Modules;
+  friend class orvo::Modules;
   using EntryPoint = void (*)();
   static constexpr std::size_t kPdfEntryCount = 12;
   static constexpr std::size_t kModuleEntryCount = 29;

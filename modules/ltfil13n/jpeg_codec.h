@@ -2,8 +2,8 @@
 #ifndef MODULES_LTFIL13N_JPEG_CODEC_H
 #define MODULES_LTFIL13N_JPEG_CODEC_H
 
-#include "pictures/file_image.h"
 #include "ltfil13n/codec.h"
+#include "pictures/file_image.h"
 
 namespace modules {
 

@@ -2,11 +2,11 @@
 #include <bit>
 #include <memory>
 
+#include "ltfil13n/jpeg_codec.h"
+#include "ltfil13n/jpeg_session.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
 #include "pictures/library_calls.h"
-#include "ltfil13n/jpeg_codec.h"
-#include "ltfil13n/jpeg_session.h"
 
 namespace modules {
 namespace {

@@ -2,11 +2,11 @@
 #include <memory>
 
 #include "common/color_rows.h"
-#include "pictures/file_handle.h"
-#include "pictures/library_calls.h"
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/jpeg_codec.h"
 #include "ltfil13n/jpeg_session.h"
+#include "pictures/file_handle.h"
+#include "pictures/library_calls.h"
 
 namespace modules {
 namespace {

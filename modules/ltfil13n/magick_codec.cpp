@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "pictures/file_handle.h"
-#include "pictures/file_image.h"
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/magick_kinds.h"
 #include "ltfil13n/magick_pixels.h"
 #include "ltfil13n/magick_session.h"
 #include "ltfil13n/pixel_kinds.h"
+#include "pictures/file_handle.h"
+#include "pictures/file_image.h"
 
 namespace modules {
 namespace {

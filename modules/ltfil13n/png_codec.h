@@ -6,8 +6,8 @@
 
 #include <csetjmp>
 
-#include "pictures/file_image.h"
 #include "ltfil13n/codec.h"
+#include "pictures/file_image.h"
 
 namespace modules {
 

@@ -1,10 +1,10 @@
 #include <cstring>
 
 #include "common/status.h"
+#include "ltfil13n/png_codec.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
 #include "pictures/library_calls.h"
-#include "ltfil13n/png_codec.h"
 
 namespace modules {
 namespace {

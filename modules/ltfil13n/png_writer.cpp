@@ -5,11 +5,11 @@
 
 #include "common/color_rows.h"
 #include "common/status.h"
-#include "pictures/file_handle.h"
-#include "pictures/library_calls.h"
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/pixel_kinds.h"
 #include "ltfil13n/png_codec.h"
+#include "pictures/file_handle.h"
+#include "pictures/library_calls.h"
 
 namespace modules {
 namespace {

@@ -6,9 +6,9 @@
 #include "common/color.h"
 #include "common/color_rows.h"
 #include "common/status.h"
-#include "pictures/file_handle.h"
 #include "ltfil13n/codecs.h"
 #include "ltfil13n/index_rows.h"
+#include "pictures/file_handle.h"
 
 namespace modules {
 namespace {

@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "common/status.h"
+#include "ltfil13n/psd_codec.h"
 #include "pictures/file_handle.h"
 #include "pictures/file_image.h"
-#include "ltfil13n/psd_codec.h"
 
 namespace modules {
 namespace {

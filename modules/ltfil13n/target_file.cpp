@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <optional>
 
-#include "pictures/file_handle.h"
-#include "pictures/temporary_file.h"
 #include "ltfil13n/codec.h"
 #include "ltfil13n/source_file.h"
+#include "pictures/file_handle.h"
+#include "pictures/temporary_file.h"
 
 namespace modules {
 namespace {

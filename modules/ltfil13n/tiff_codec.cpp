@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "pictures/file_handle.h"
 #include "ltfil13n/codecs.h"
+#include "pictures/file_handle.h"
 
 namespace modules {
 namespace {

@@ -2,8 +2,8 @@
 #ifndef MODULES_LTFIL13N_TIFF_CODEC_H
 #define MODULES_LTFIL13N_TIFF_CODEC_H
 
-#include "pictures/tiff_page.h"
 #include "ltfil13n/codec.h"
+#include "pictures/tiff_page.h"
 
 namespace modules {
 

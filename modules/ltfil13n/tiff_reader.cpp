@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "common/status.h"
+#include "ltfil13n/tiff_codec.h"
 #include "pictures/file_handle.h"
 #include "pictures/tiff_rows.h"
-#include "ltfil13n/tiff_codec.h"
 
 namespace modules {
 namespace {

@@ -5,9 +5,9 @@
 #include "common/color.h"
 #include "common/color_rows.h"
 #include "common/status.h"
-#include "pictures/file_handle.h"
 #include "ltfil13n/pixel_kinds.h"
 #include "ltfil13n/tiff_codec.h"
+#include "pictures/file_handle.h"
 
 namespace modules {
 namespace {

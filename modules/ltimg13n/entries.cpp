@@ -35,15 +35,13 @@ int L_ChangeBitmapHue(struct_LEAD_Bitmap* bitmap, int change) {
 }
 
 int L_ChangeBitmapIntensity(struct_LEAD_Bitmap* bitmap, int change) {
-  return GuardedIf(InRange(change), [=] {
-    return modules::ChangeTones(bitmap, modules::IntensityTables(change));
-  });
+  return GuardedIf(InRange(change),
+                   [=] { return modules::ChangeTones(bitmap, modules::IntensityTables(change)); });
 }
 
 int L_ChangeBitmapSaturation(struct_LEAD_Bitmap* bitmap, int change) {
-  return GuardedIf(InRange(change), [=] {
-    return modules::ChangeColors(bitmap, modules::SaturationScale(change));
-  });
+  return GuardedIf(InRange(change),
+                   [=] { return modules::ChangeColors(bitmap, modules::SaturationScale(change)); });
 }
 
 int L_SharpenBitmap(struct_LEAD_Bitmap* bitmap, int change) {

@@ -79,8 +79,7 @@ int DrawIndexes(const Redrawing& drawing, const std::vector<Color>& palette, Dit
                 modules::Progress& progress, int stage) {
   const Pixels& source = drawing.source();
   const Pixels& target = drawing.target();
-  for (std::size_t i = 0; i < palette.size(); ++i)
-    target.palette[i] = modules::EntryOf(palette[i]);
+  for (std::size_t i = 0; i < palette.size(); ++i) target.palette[i] = modules::EntryOf(palette[i]);
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
   std::vector<std::uint8_t> indexes(colors.size());
   const auto ditherer = modules::MakeDitherer(mode, palette, colors.size());

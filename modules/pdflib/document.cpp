@@ -5,10 +5,10 @@
 #include <qpdf/QPDFWriter.hh>
 #include <stdexcept>
 
-#include "pictures/file_handle.h"
 #include "pdflib/image_object.h"
 #include "pdflib/page_content.h"
 #include "pdflib/picture_files.h"
+#include "pictures/file_handle.h"
 #include "platform/paths.h"
 
 namespace {

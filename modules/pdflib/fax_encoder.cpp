@@ -5,8 +5,8 @@
 #include <new>
 #include <vector>
 
-#include "pictures/tiff_page.h"
 #include "pdflib/picture_coding.h"
+#include "pictures/tiff_page.h"
 
 namespace modules {
 namespace {

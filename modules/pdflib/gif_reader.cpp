@@ -7,8 +7,8 @@
 #include <span>
 #include <vector>
 
-#include "pictures/file_handle.h"
 #include "pdflib/picture_files.h"
+#include "pictures/file_handle.h"
 
 namespace modules {
 namespace {

@@ -13,11 +13,11 @@
 #include <jerror.h>
 // clang-format on
 
+#include "pdflib/picture_files.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
 #include "pictures/file_image.h"
 #include "pictures/library_calls.h"
-#include "pdflib/picture_files.h"
 
 namespace modules {
 namespace {

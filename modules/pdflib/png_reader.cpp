@@ -6,11 +6,11 @@
 #include <csetjmp>
 #include <vector>
 
+#include "pdflib/picture_files.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
 #include "pictures/file_image.h"
 #include "pictures/library_calls.h"
-#include "pdflib/picture_files.h"
 
 namespace modules {
 namespace {

@@ -4,8 +4,8 @@
 #include <array>
 #include <cstring>
 
-#include "pictures/file_handle.h"
 #include "pdflib/picture.h"
+#include "pictures/file_handle.h"
 
 namespace modules {
 namespace {

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "pictures/file_handle.h"
 #include "pdflib/picture_files.h"
 #include "pdflib/tiff_bands.h"
+#include "pictures/file_handle.h"
 
 namespace modules {
 namespace {

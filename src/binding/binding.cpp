@@ -8,6 +8,8 @@
 #include "binding/module_entries.h"
 #include "platform/modules.h"
 
+using namespace orvo;
+
 namespace {
 
 constexpr const char* kPdfNames[] = {

@@ -1,5 +1,7 @@
 #include "binding/bitmap_cycle.h"
 
+namespace orvo {
+
 bool DepthIsTaken(Depths depths, int bitsPerPixel) noexcept {
   switch (bitsPerPixel) {
     case 1:
@@ -17,7 +19,7 @@ bool DepthIsTaken(Depths depths, int bitsPerPixel) noexcept {
 
 int BitmapCycle::testBindings() const {
   const bool bound = modules_.hasAll({Entry::L_ChangeFromDIB, Entry::L_FreeBitmap,
-                                     Entry::L_ChangeToDIB, rules_.own}) &&
+                                      Entry::L_ChangeToDIB, rules_.own}) &&
                      (!rules_.needsCallbackEntry || modules_.has(Entry::L_SetStatusCallBack));
   return bound ? ORVO_OK : ORVO_ERR_NO_VENDOR;
 }
@@ -91,3 +93,5 @@ int BitmapCycle::succeedWith(DibHandle dib) {
   *result_ = dib;
   return ORVO_OK;
 }
+
+}  // namespace orvo

@@ -8,6 +8,8 @@
 #include "binding/module_codes.h"
 #include "binding/module_entries.h"
 
+namespace orvo {
+
 // Depths that a method takes.
 enum class Depths { kAny, kFourUp, kOneUp };
 
@@ -72,5 +74,7 @@ int RunCycle(const CLeadTools& tools, const CycleRules& rules, DibHandle& source
   cycle.reinstallPrevious();
   return cycle.succeed();
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_BINDING_BITMAP_CYCLE_H

@@ -1,6 +1,8 @@
 // The image methods: each is the bitmap cycle round one module call.
 #include "binding/bitmap_cycle.h"
 
+using namespace orvo;
+
 namespace {
 
 constexpr int kMostChange = 1000;
@@ -89,7 +91,7 @@ int CLeadTools::LTRemapIntensity(DibHandle& source, DibHandle* result, const std
   return RunCycle(*this, {.own = Entry::L_RemapBitmapIntensity}, source, result, callback,
                   [&](const Modules& modules, struct_LEAD_Bitmap* bitmap) {
                     return modules.call<Entry::L_RemapBitmapIntensity>()(bitmap, table, kTones,
-                                                                        channel);
+                                                                         channel);
                   });
 }
 

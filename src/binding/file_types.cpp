@@ -4,6 +4,8 @@
 
 #include "binding/module_contract.h"
 
+namespace orvo {
+
 namespace {
 
 constexpr SaveType kSaveTypes[] = {
@@ -102,3 +104,5 @@ int DetermineFileTypeByName(const char* path) noexcept {
   }
   return kUnknownFileType;
 }
+
+}  // namespace orvo

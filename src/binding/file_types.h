@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace orvo {
+
 // How LTSaveFile writes a kind of file.
 enum class SaveQuality { kNone, kCallers, kFixedLow };
 
@@ -29,5 +31,7 @@ constexpr int kUnknownFileType = 14;
 
 // The module's format number for the target of a conversion.
 [[nodiscard]] int DetermineFileTypeByName(const char* path) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_BINDING_FILE_TYPES_H

@@ -8,9 +8,11 @@
 
 #include "binding/file_types.h"
 #include "binding/jfif_density.h"
-#include "binding/pdf.h"
 #include "binding/module_codes.h"
 #include "binding/module_entries.h"
+#include "binding/pdf.h"
+
+using namespace orvo;
 
 namespace {
 
@@ -47,8 +49,8 @@ int CLeadTools::LTLoadFile(const char* path, DibHandle* result) noexcept {
   if (path == nullptr || result == nullptr) return ORVO_ERR_BAD_ARGUMENT;
   const auto density = UnitlessJfifDensity(path);
   struct_LEAD_Bitmap bitmap{};
-  const int moduleCode = modules.call<Entry::L_LoadBitmap>()(path, &bitmap, kOwnDepth,
-                                                            kColorOrderBlueFirst, nullptr, nullptr);
+  const int moduleCode = modules.call<Entry::L_LoadBitmap>()(
+      path, &bitmap, kOwnDepth, kColorOrderBlueFirst, nullptr, nullptr);
   if (density) {
     bitmap.xResolution = density->x * kDotsPerDensity;
     bitmap.yResolution = density->y * kDotsPerDensity;
@@ -76,9 +78,9 @@ int CLeadTools::LTSaveFile(DibHandle source, const char* path, int flag, int qua
     const bool append = type->takesPages && flag != 0;
     code = MapReturnCodeLT2ORVO(
         append ? modules.call<Entry::L_SaveFile>()(path, &bitmap, type->format, kOwnDepth, 0,
-                                                  kSaveAppendsPage, nullptr, nullptr, nullptr)
+                                                   kSaveAppendsPage, nullptr, nullptr, nullptr)
                : modules.call<Entry::L_SaveBitmap>()(path, &bitmap, type->format, kOwnDepth,
-                                                    QualityFor(*type, quality), nullptr));
+                                                     QualityFor(*type, quality), nullptr));
   }
   modules.call<Entry::L_FreeBitmap>()(&bitmap);
   return code;
@@ -97,7 +99,7 @@ int CLeadTools::SavePdf(DibHandle source, const char* path) noexcept {
   struct_LEAD_Bitmap bitmap{};
   modules.ConvertFromDIB(&bitmap, source);
   const int moduleCode = modules.call<Entry::L_SaveBitmap>()(temporary.data(), &bitmap, kFormatTiff,
-                                                            kOwnDepth, 0, nullptr);
+                                                             kOwnDepth, 0, nullptr);
   int code = MapReturnCodeLT2ORVO(moduleCode);
   if (moduleCode == kModuleSuccess) {
     DeleteFileA(path);

@@ -8,6 +8,8 @@
 
 #include "platform/paths.h"
 
+namespace orvo {
+
 namespace {
 
 // Offsets in a file whose first segment is the JFIF one.
@@ -56,3 +58,5 @@ std::optional<JfifDensity> UnitlessJfifDensity(const char* path) noexcept {
   return JfifDensity{bytes[kXDensity] << 8 | bytes[kXDensity + 1],
                      bytes[kYDensity] << 8 | bytes[kYDensity + 1]};
 }
+
+}  // namespace orvo

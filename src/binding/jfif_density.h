@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace orvo {
+
 struct JfifDensity {
   int x;
   int y;
@@ -12,5 +14,7 @@ struct JfifDensity {
 // The two densities of a JFIF 1.01 file without units whose name ends in "jpg" or "jpeg", in lower
 // case; nothing for any other file. Such densities are taken as multiples of 72 dots per inch.
 [[nodiscard]] std::optional<JfifDensity> UnitlessJfifDensity(const char* path) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_BINDING_JFIF_DENSITY_H

@@ -2,6 +2,8 @@
 
 #include <orvo/result_codes.h>
 
+namespace orvo {
+
 namespace {
 
 struct CodeMapping {
@@ -42,3 +44,5 @@ int MapReturnCodeLT2ORVO(int moduleCode) noexcept {
   }
   return ORVO_ERR_VENDOR;
 }
+
+}  // namespace orvo

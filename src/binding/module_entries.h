@@ -9,6 +9,8 @@
 
 #include "binding/module_contract.h"
 
+namespace orvo {
+
 // Every entry of the imaging modules, module by module, in the order in which they are looked up.
 #define ORVO_KERNEL_ENTRIES(ENTRY) \
   ENTRY(L_ChangeFromDIB)           \
@@ -96,5 +98,7 @@ class Modules {
  private:
   const CLeadTools& tools_;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_BINDING_MODULE_ENTRIES_H

@@ -14,6 +14,8 @@
 #include "binding/module_contract.h"
 #include "platform/paths.h"
 
+using namespace orvo;
+
 namespace {
 
 using EntryPoint = void (*)();

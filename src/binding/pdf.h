@@ -2,6 +2,8 @@
 #ifndef ORVO_BINDING_PDF_H
 #define ORVO_BINDING_PDF_H
 
+namespace orvo {
+
 enum PdfCode : int {
   kPdfDone = 0,
   kPdfNoSource = 6,
@@ -10,5 +12,7 @@ enum PdfCode : int {
   kPdfNoPictureType = 104,  // of the source's extension
   kPdfNoModule = 109,
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_BINDING_PDF_H

@@ -1,6 +1,8 @@
 // Change of resolution: the image is resampled so that its physical size stays, then stamped.
 #include "binding/bitmap_cycle.h"
 
+using namespace orvo;
+
 namespace {
 
 // size * wanted / stored in wrapping 32-bit arithmetic, the division truncating; stored is not 0.

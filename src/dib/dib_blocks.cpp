@@ -1,5 +1,7 @@
 #include "dib/dib_blocks.h"
 
+namespace orvo {
+
 DibHandle CreateDIBOfSameSize(DibHandle source) noexcept {
   if (source == nullptr) return nullptr;
   const std::size_t bytes = GlobalSize(source);
@@ -57,3 +59,5 @@ LockedImage::LockedImage(DibHandle handle, std::uint16_t depthMask) noexcept
 LockedImage::~LockedImage() {
   if (bytes_ != nullptr) GlobalUnlock(handle_);
 }
+
+}  // namespace orvo

@@ -6,6 +6,8 @@
 
 #include <orvo/dib.h>
 
+namespace orvo {
+
 // A new movable block with all bytes of the source's; null on any failure.
 [[nodiscard]] DibHandle CopyDIB(DibHandle source) noexcept;
 // A new movable block of the source's size, all zero; null on any failure or for a null source.
@@ -38,5 +40,7 @@ class LockedImage {
   std::uint8_t* bytes_;
   std::optional<orvo::DibLayout> layout_;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_DIB_DIB_BLOCKS_H

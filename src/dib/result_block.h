@@ -4,6 +4,8 @@
 
 #include "dib/dib_blocks.h"
 
+namespace orvo {
+
 class ResultBlock {
  public:
   // Looks at the result handle only to tell whether it is the source.
@@ -35,5 +37,7 @@ class ResultBlock {
   DibHandle* result_;
   bool inPlace_;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_DIB_RESULT_BLOCK_H

@@ -5,6 +5,8 @@
 
 #include <orvo/platform.h>
 
+namespace orvo {
+
 void* ImgAlloc(std::size_t bytes) noexcept {
   return LocalAlloc(LMEM_ZEROINIT, bytes);
 }
@@ -31,3 +33,5 @@ double ImgSqrt(double value) noexcept {
 double ImgAtan2(double y, double x) noexcept {
   return std::atan2(y, x);
 }
+
+}  // namespace orvo

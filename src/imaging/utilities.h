@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <memory>
 
+namespace orvo {
+
 // A zero-filled block; null when out of memory.
 [[nodiscard]] void* ImgAlloc(std::size_t bytes) noexcept;
 // Releases a block of ImgAlloc.
@@ -31,5 +33,7 @@ template <class T>
 [[nodiscard]] ImgArray<T> ImgAllocArray(std::size_t count) noexcept {
   return ImgArray<T>(static_cast<T*>(ImgAlloc(count * sizeof(T))));
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_UTILITIES_H

@@ -6,11 +6,15 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace orvo {
+
 constexpr int kGrayDepth = 8;
 constexpr int kColorDepth = 24;
 
 constexpr std::size_t WorkingStride(std::uint32_t width, std::uint8_t depth) {
   return (std::size_t{width} * (depth / 8U) + 3) / 4 * 4;
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_WORKING_IMAGE_H

@@ -6,12 +6,14 @@
 #include <orvo/COrvoCS.h>
 #include <orvo/result_codes.h>
 
-#include "methods/frame_image.h"
-#include "methods/imaging_result.h"
 #include "imaging/adjust/exposure.h"
 #include "imaging/adjust/histogram.h"
 #include "imaging/adjust/sharpness.h"
 #include "imaging/working_image.h"
+#include "methods/frame_image.h"
+#include "methods/imaging_result.h"
+
+using namespace orvo;
 
 namespace {
 
@@ -30,9 +32,9 @@ bool FillProbe(DibHandle probe, DibHandle image) {
   return true;
 }
 
-// Asks the binding whether the palette of an 8-bit image is gray. The binding may give an image back
-// under another handle, and the caller's handle must not change; so it is shown a single pixel of
-// the same palette.
+// Asks the binding whether the palette of an 8-bit image is gray. The binding may give an image
+// back under another handle, and the caller's handle must not change; so it is shown a single pixel
+// of the same palette.
 int TestGray(CLeadTools& tools, DibHandle image) {
   const auto onePixel = orvo::DibLayoutFor(1, 1, kGrayDepth);
   DibHandle probe = GlobalAlloc(orvo::kDibBlockFlags, onePixel->totalBytes);

@@ -5,8 +5,10 @@
 #include <orvo/COrvoCS.h>
 #include <orvo/result_codes.h>
 
-#include "imaging/trim/trim_search.h"
 #include "dib/dib_blocks.h"
+#include "imaging/trim/trim_search.h"
+
+using namespace orvo;
 
 namespace {
 

@@ -4,6 +4,8 @@
 
 #include "dib/result_block.h"
 
+using namespace orvo;
+
 int COrvoCS::CSConvertRGB(DibHandle source, DibHandle* result, const char* library) noexcept {
   if (source == nullptr) return ORVO_ERR_NULL_IMAGE;
   if (result == nullptr) return ORVO_ERR_BAD_ARGUMENT;

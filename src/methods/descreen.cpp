@@ -6,8 +6,10 @@
 #include <orvo/COrvoCS.h>
 #include <orvo/result_codes.h>
 
-#include "imaging/descreen/descreen_filter.h"
 #include "dib/result_block.h"
+#include "imaging/descreen/descreen_filter.h"
+
+using namespace orvo;
 
 namespace {
 

@@ -9,6 +9,8 @@
 #include "imaging/utilities.h"
 #include "imaging/working_image.h"
 
+using namespace orvo;
+
 namespace {
 
 // Nothing when the block cannot be locked or is malformed.

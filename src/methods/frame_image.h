@@ -54,8 +54,8 @@ class FrameImage {
   DibHandle copy_ = nullptr;
   std::uint8_t incomingDepth_ = 0;
   std::uint8_t depth_ = 0;
-  std::optional<LockedImage> source_;
-  std::optional<LockedImage> target_;
+  std::optional<orvo::LockedImage> source_;
+  std::optional<orvo::LockedImage> target_;
 };
 
 #endif  // ORVO_METHODS_FRAME_IMAGE_H

@@ -4,6 +4,8 @@
 
 #include "imaging/results.h"
 
+namespace orvo {
+
 int MapImagingLibResult(int imagingResult) noexcept {
   switch (imagingResult) {
     case kImgDone:
@@ -16,3 +18,5 @@ int MapImagingLibResult(int imagingResult) noexcept {
       return ORVO_ERR_FAILURE;
   }
 }
+
+}  // namespace orvo

@@ -1,6 +1,8 @@
 // The life of a COrvoCS.
 #include <orvo/COrvoCS.h>
 
+using namespace orvo;
+
 COrvoCS::COrvoCS() noexcept = default;
 
 COrvoCS::~COrvoCS() {

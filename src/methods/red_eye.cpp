@@ -3,13 +3,15 @@
 #include <orvo/COrvoCS.h>
 #include <orvo/result_codes.h>
 
-#include "methods/frame_image.h"
-#include "methods/imaging_result.h"
-#include "imaging/results.h"
-#include "imaging/working_image.h"
 #include "imaging/redeye/auto_red_eye.h"
 #include "imaging/redeye/reduce.h"
 #include "imaging/redeye/search.h"
+#include "imaging/results.h"
+#include "imaging/working_image.h"
+#include "methods/frame_image.h"
+#include "methods/imaging_result.h"
+
+using namespace orvo;
 
 namespace {
 

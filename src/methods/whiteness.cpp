@@ -4,6 +4,8 @@
 
 #include "dib/result_block.h"
 
+using namespace orvo;
+
 namespace {
 
 constexpr std::uint32_t kMostThreshold = 255;

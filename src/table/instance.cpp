@@ -7,6 +7,8 @@
 #include <orvo/COrvoCS.h>
 #include <orvo/instance.h>
 
+using namespace orvo;
+
 namespace {
 
 // A binding method to a new handle: it gets its own copy of the source's handle value.

@@ -7,6 +7,8 @@
 
 #include "dib/dib_blocks.h"
 
+using namespace orvo;
+
 namespace {
 
 // The sharpening of a descreened image. Amounts beyond the range stay beyond it.

@@ -5,6 +5,8 @@
 
 #include <orvo/instance.h>
 
+using namespace orvo;
+
 namespace {
 
 using std::string_view_literals::operator""sv;

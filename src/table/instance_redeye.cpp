@@ -2,6 +2,8 @@
 #include <orvo/COrvoCS.h>
 #include <orvo/instance.h>
 
+using namespace orvo;
+
 int COrvoInstance::SearchRedEyeRegion(DibHandle source, std::uint32_t x, std::uint32_t y,
                                       std::uint32_t* foundX, std::uint32_t* foundY,
                                       std::uint32_t* foundRadius) noexcept {

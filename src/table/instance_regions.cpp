@@ -6,6 +6,8 @@
 
 #include "imaging/regions/region_finder.h"
 
+using namespace orvo;
+
 namespace {
 
 constexpr int kHundredths = 100;

@@ -10,6 +10,8 @@
 
 #include "binding/module_contract.h"
 
+using namespace orvo;
+
 #define DOUBLE_API __attribute__((visibility("default")))
 
 namespace doubles {

@@ -247,7 +247,7 @@ TEST_F(Files, InformationHasItsOwnCodes) {
     EXPECT_EQ(tools->LTImageFileInfo("x.tif", &info), ORVO_ERR_NO_VENDOR);
   }
   const auto tools = Bind();
-  for (const auto& [modules, code] : {std::pair(-10, ORVO_ERR_BAD_FILE),
+  for (const auto& [module, code] : {std::pair(-10, ORVO_ERR_BAD_FILE),
                                      {-9, ORVO_ERR_FAILURE},
                                      {-1, ORVO_ERR_FAILURE},
                                      {2, ORVO_ERR_FAILURE}}) {

@@ -4,9 +4,11 @@
 
 #include "binding_fixture.h"
 #include "imaging/adjust/sharpness.h"
-#include "photograph.h"
 #include "imaging/redeye/auto_red_eye.h"
 #include "imaging/redeye/reduce.h"
+#include "photograph.h"
+
+using namespace orvo;
 
 namespace binding {
 namespace {

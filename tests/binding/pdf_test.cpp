@@ -9,6 +9,8 @@
 
 #include "binding_fixture.h"
 
+using namespace orvo;
+
 namespace binding {
 namespace {
 

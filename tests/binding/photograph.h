@@ -5,6 +5,8 @@
 #include "binding_fixture.h"
 #include "imaging/redeye/faces.h"
 
+using namespace orvo;
+
 namespace binding {
 
 // Of 24, 16 and 8 bits this width has padded rows.

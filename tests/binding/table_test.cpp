@@ -89,7 +89,7 @@ const Entry kEntries[] = {
     {18, "GetVersion", Form::kOther,
      [](S s, H, H) {
        LTVERSIONINFO module{};
-       Name(&modules, "info");
+       Name(&module, "info");
        ORVOVERSIONINFO info{"?", &module};
        const int code = s(&info);
        EXPECT_STREQ(info.version, "1.0");

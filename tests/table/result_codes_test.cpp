@@ -7,6 +7,8 @@
 
 #include "methods/imaging_result.h"
 
+using namespace orvo;
+
 namespace {
 
 TEST(ResultCodes, EveryCodeHasItsOwnNameAndText) {

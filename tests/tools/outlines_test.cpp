@@ -8,8 +8,10 @@
 #include <nlohmann/json.hpp>
 
 #include "imaging/adjust/ycbcr.h"
-#include "outline_table.h"
 #include "imaging/redeye/color_tests.h"
+#include "outline_table.h"
+
+using namespace orvo;
 
 namespace {
 

@@ -6,6 +6,8 @@
 
 #include "measured_rows.h"
 
+namespace orvo {
+
 namespace {
 
 // The measured rows leave open what happens between them. An even blend of two neighbours misses
@@ -88,3 +90,5 @@ Extents ShapeAt(int luma) {
   }
   return shape;
 }
+
+}  // namespace orvo

@@ -4,7 +4,11 @@
 
 #include "polygon.h"
 
+namespace orvo {
+
 // luma: between the first and the last measured row.
 [[nodiscard]] Extents ShapeAt(int luma);
+
+}  // namespace orvo
 
 #endif  // TOOLS_REDEYE_OUTLINES_BETWEEN_ROWS_H

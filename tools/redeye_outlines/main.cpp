@@ -7,6 +7,8 @@
 
 #include "outline_table.h"
 
+using namespace orvo;
+
 namespace {
 
 // open and close stand round a vertex.
@@ -20,7 +22,8 @@ void PrintVertices(const Polygon& polygon, char open, char close) {
 
 void PrintSource(const OutlineTable& table) {
   std::cout << "// Written by tools/redeye_outlines.\n"
-               "#include \"redeye/red_eye_outlines.h\"\n\n"
+               "#include \"imaging/redeye/red_eye_outlines.h\"\n\n"
+               "namespace orvo {\n\n"
                "// clang-format off\n"
                "const RedEyeOutline RedEyeOutlines[kLumaCount] = {\n";
   for (std::size_t y = 0; y < table.size(); ++y) {
@@ -29,7 +32,8 @@ void PrintSource(const OutlineTable& table) {
     std::cout << "}},\n";
   }
   std::cout << "};\n"
-               "// clang-format on\n";
+               "// clang-format on\n\n"
+               "}  // namespace orvo\n";
 }
 
 void PrintJson(const OutlineTable& table) {

@@ -4,6 +4,8 @@
 
 #include "polygon.h"
 
+namespace orvo {
+
 struct MeasuredRow {
   int luma;
   Polygon outline;
@@ -67,5 +69,7 @@ inline const std::vector<MeasuredRow>& MeasuredRows() {
   };
   return rows;
 }
+
+}  // namespace orvo
 
 #endif  // TOOLS_REDEYE_OUTLINES_MEASURED_ROWS_H

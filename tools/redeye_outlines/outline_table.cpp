@@ -6,6 +6,8 @@
 #include "between_rows.h"
 #include "measured_rows.h"
 
+namespace orvo {
+
 namespace {
 
 // The table's make-up: no row before the first measured one, behind the last, and at these lumas...
@@ -112,3 +114,5 @@ OutlineTable MakeOutlines() {
   Thin(table, drawn);
   return table;
 }
+
+}  // namespace orvo

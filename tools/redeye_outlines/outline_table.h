@@ -4,8 +4,12 @@
 
 #include "polygon.h"
 
+namespace orvo {
+
 using OutlineTable = std::array<Polygon, kLumaCount>;
 
 [[nodiscard]] OutlineTable MakeOutlines();
+
+}  // namespace orvo
 
 #endif  // TOOLS_REDEYE_OUTLINES_OUTLINE_TABLE_H

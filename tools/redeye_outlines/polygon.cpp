@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace orvo {
+
 namespace {
 
 // Where all colours of the table lie.
@@ -93,3 +95,5 @@ std::size_t LeastVertex(const Polygon& polygon) {
   }
   return least;
 }
+
+}  // namespace orvo

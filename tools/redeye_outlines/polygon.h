@@ -9,6 +9,8 @@
 
 #include "imaging/redeye/red_eye_outlines.h"
 
+namespace orvo {
+
 // Clockwise, Cb to the right and Cr upward, from the lowest vertex of smallest Cb.
 using Polygon = std::vector<ChromaPoint>;
 
@@ -34,5 +36,7 @@ constexpr int TwiceArea(const ChromaPoint& a, const ChromaPoint& b, const Chroma
 // Twice the area that the polygon loses with this vertex, and the vertex that loses least.
 [[nodiscard]] int LossOf(const Polygon& polygon, std::size_t vertex);
 [[nodiscard]] std::size_t LeastVertex(const Polygon& polygon);
+
+}  // namespace orvo
 
 #endif  // TOOLS_REDEYE_OUTLINES_POLYGON_H

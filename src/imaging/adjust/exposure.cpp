@@ -2,10 +2,12 @@
 
 #include <type_traits>
 
-#include "imaging/results.h"
 #include "imaging/adjust/tone_map.h"
-#include "imaging/vector_clones.h"
 #include "imaging/adjust/window_histogram.h"
+#include "imaging/results.h"
+#include "imaging/vector_clones.h"
+
+namespace orvo {
 
 namespace {
 
@@ -161,3 +163,5 @@ int ImgExposureAdjust(const std::uint8_t* source, std::uint8_t* target, std::uin
   return depth == kGrayDepth ? Equalizer<std::uint8_t>(source, target, width, height, level).run()
                              : Equalizer<double>(source, target, width, height, level).run();
 }
+
+}  // namespace orvo

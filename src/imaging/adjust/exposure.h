@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 // Equalises tones locally: each tile of 16x16 pixels moves toward the equalising curve of the
 // window of 128x128 pixels round it, by a share that grows with the level (0..10) and with the
 // variety of tones in the tile. Colours are changed by luma. Two rows and columns at each border
@@ -17,5 +19,7 @@
 [[nodiscard]] int ImgExposureAdjust(const std::uint8_t* source, std::uint8_t* target,
                                     std::uint32_t width, std::uint32_t height, std::uint8_t depth,
                                     std::uint8_t level) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_EXPOSURE_H

@@ -2,8 +2,10 @@
 
 #include <cstring>
 
-#include "imaging/results.h"
 #include "imaging/adjust/tone_map.h"
+#include "imaging/results.h"
+
+namespace orvo {
 
 namespace {
 
@@ -128,3 +130,5 @@ int ImgHistogramAdjust(const std::uint8_t* source, std::uint8_t* target, std::ui
           : MapLuma(StretchFor<double>(counts, clipped), tones, source, target, width, height);
   return done ? kImgDone : kImgNoMemory;
 }
+
+}  // namespace orvo

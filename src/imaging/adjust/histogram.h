@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 // Stretches the tones of the whole image to 0..255. The level (0..10) is the share of pixels that
 // may be cut off at each end, half a percent a level, at most 25 tones. Colours are stretched by
 // luma.
@@ -15,5 +17,7 @@
 [[nodiscard]] int ImgHistogramAdjust(const std::uint8_t* source, std::uint8_t* target,
                                      std::uint32_t width, std::uint32_t height, std::uint8_t depth,
                                      std::uint8_t level) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_HISTOGRAM_H

@@ -1,7 +1,9 @@
 #include "imaging/adjust/luma.h"
 
-#include "imaging/vector_clones.h"
 #include "imaging/adjust/ycbcr.h"
+#include "imaging/vector_clones.h"
+
+namespace orvo {
 
 ORVO_VECTOR_CLONES
 void TonesOfColors(const std::uint8_t* pixels, std::size_t count, std::uint8_t* tones) noexcept {
@@ -25,3 +27,5 @@ void StoreColors(const double* luma, std::size_t count, const std::uint8_t* sour
     target[3 * i + 2] = ChannelByte(RedOf(luma[i], cr));
   }
 }
+
+}  // namespace orvo

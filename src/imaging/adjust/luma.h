@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace orvo {
+
 // The order of these sums is part of the results: it differs from the JFIF matrix's own in the last
 // bit, which shows in the truncated tones of some colours.
 inline double LumaOf(double red, double green, double blue) {
@@ -18,5 +20,7 @@ void TonesOfColors(const std::uint8_t* pixels, std::size_t count, std::uint8_t* 
 // and target may be equal.
 void StoreColors(const double* luma, std::size_t count, const std::uint8_t* source,
                  std::uint8_t* target) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_LUMA_H

@@ -4,12 +4,14 @@
 #include <algorithm>
 
 #include "imaging/adjust/luma.h"
-#include "imaging/results.h"
 #include "imaging/adjust/sharpness_kernel.h"
 #include "imaging/adjust/sharpness_tones.h"
+#include "imaging/results.h"
 #include "imaging/utilities.h"
 #include "imaging/vector_clones.h"
 #include "imaging/working_image.h"
+
+namespace orvo {
 
 namespace {
 
@@ -118,3 +120,5 @@ int ImgSharpnessAdjust(const std::uint8_t* source, std::uint8_t* target, std::ui
   }
   return kImgDone;
 }
+
+}  // namespace orvo

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 // Sharpens by a 5x5 kernel whose strength follows the level (0..10) and the size of the image. Two
 // rows and columns at each border keep the source's bytes.
 //
@@ -16,5 +18,7 @@
 [[nodiscard]] int ImgSharpnessAdjust(const std::uint8_t* source, std::uint8_t* target,
                                      std::uint32_t width, std::uint32_t height, std::uint8_t depth,
                                      std::uint8_t level) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_SHARPNESS_H

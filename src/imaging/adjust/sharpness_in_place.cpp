@@ -8,6 +8,8 @@
 #include "imaging/adjust/sharpness_tones.h"
 #include "imaging/working_image.h"
 
+namespace orvo {
+
 namespace {
 
 constexpr int kBorder = kKernelBorder;
@@ -135,3 +137,5 @@ void SharpenTonesInPlace(std::uint8_t* tones, std::uint32_t width, std::uint32_t
     Band(tones, width, height, y).filter(weights);
   }
 }
+
+}  // namespace orvo

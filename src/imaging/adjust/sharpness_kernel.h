@@ -10,6 +10,8 @@
 
 #include "imaging/vector_clones.h"
 
+namespace orvo {
+
 constexpr std::uint32_t kKernelBorder = 2;
 constexpr std::uint32_t kKernelRows = 5;
 
@@ -33,5 +35,7 @@ ORVO_ALWAYS_INLINE double KernelSum(const Outer& outer, const Near& near, double
 inline int ToneOfSum(double sum) {
   return std::clamp(static_cast<int>(sum), 0, 255);
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_SHARPNESS_KERNEL_H

@@ -8,6 +8,8 @@
 #include "imaging/adjust/sharpness_tones.h"
 #include "imaging/working_image.h"
 
+namespace orvo {
+
 namespace {
 
 constexpr std::uint32_t kBorder = kKernelBorder;
@@ -130,3 +132,5 @@ void SharpenTones(const std::uint8_t* source, std::uint8_t* target, std::uint32_
         .filter(height);
   }
 }
+
+}  // namespace orvo

@@ -5,6 +5,8 @@
 
 #include "imaging/adjust/sharpness_kernel.h"
 
+namespace orvo {
+
 // Both sharpen 8-bit rows but for the border; both sides have at least five pixels.
 
 // The target is another buffer.
@@ -14,5 +16,7 @@ void SharpenTones(const std::uint8_t* source, std::uint8_t* target, std::uint32_
 // Each neighbourhood holds what was just written above and to the left.
 void SharpenTonesInPlace(std::uint8_t* tones, std::uint32_t width, std::uint32_t height,
                          KernelWeights weights) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_SHARPNESS_TONES_H

@@ -6,6 +6,8 @@
 
 #include "imaging/adjust/tones.h"
 
+namespace orvo {
+
 template <class Tone>
 struct ToneMap {
   Tone of[kToneCount];
@@ -20,5 +22,7 @@ inline void SetMapped(double mapped, std::uint8_t& tone) {
 inline void SetMapped(double mapped, double& luma) {
   luma = std::min(std::max(mapped, 0.0), 255.0);
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_TONE_MAP_H

@@ -7,6 +7,8 @@
 #include "imaging/utilities.h"
 #include "imaging/working_image.h"
 
+namespace orvo {
+
 constexpr int kToneCount = 256;
 
 class Tones {
@@ -37,5 +39,7 @@ class Tones {
   std::size_t stride_ = 0;
   ImgArray<std::uint8_t> plane_;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_TONES_H

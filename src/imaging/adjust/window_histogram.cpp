@@ -2,6 +2,8 @@
 
 #include "imaging/vector_clones.h"
 
+namespace orvo {
+
 namespace {
 
 using Count = WindowHistogram::Count;
@@ -128,3 +130,5 @@ void WindowHistogram::enterGroup() {
   }
   next_ += kTileSide;
 }
+
+}  // namespace orvo

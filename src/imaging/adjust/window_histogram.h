@@ -10,6 +10,8 @@
 
 #include "imaging/adjust/tones.h"
 
+namespace orvo {
+
 constexpr std::uint32_t kWindowSide = 128;
 constexpr std::uint32_t kTileSide = 16;
 
@@ -80,5 +82,7 @@ class WindowHistogram {
   std::uint32_t next_ = 0;     // the column that enters next
   std::uint32_t columns_ = 0;  // of the image in the window
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_WINDOW_HISTOGRAM_H

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 // Chroma in real form: doubles centred on 0.
 inline double CbOf(double red, double green, double blue) {
   return 0.5 * blue - (0.1687 * red + 0.3313 * green);
@@ -43,5 +45,7 @@ constexpr YCbCrBytes ToYCbCrBytes(int red, int green, int blue) {
           static_cast<std::uint8_t>((kMiddle + 5000 * blue - 1687 * red - 3313 * green) / 10000),
           static_cast<std::uint8_t>((kMiddle + 5000 * red - 4187 * green - 813 * blue) / 10000)};
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_ADJUST_YCBCR_H

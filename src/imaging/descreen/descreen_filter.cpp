@@ -11,6 +11,8 @@
 #include "imaging/descreen/descreen_weights.h"
 #include "imaging/vector_clones.h"
 
+namespace orvo {
+
 namespace {
 
 template <std::uint32_t level>
@@ -170,3 +172,5 @@ void DescreenFilter::filterRow(std::int32_t y) noexcept {
   filterInner(level_, rows, count, sums_.get(), image_.target + offset(innerFirst, y));
   for (std::int32_t x = innerEnd; x < image_.width; ++x) filterPixel(x, y);
 }
+
+}  // namespace orvo

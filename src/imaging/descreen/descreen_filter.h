@@ -7,6 +7,8 @@
 
 #include "imaging/utilities.h"
 
+namespace orvo {
+
 constexpr std::uint32_t kMostDescreenLevel = 3;
 
 // An image as the filter sees it; source and target may be the same rows.
@@ -40,5 +42,7 @@ class DescreenFilter {
   std::int32_t half_;  // of the window
   ImgArray<std::uint16_t> sums_;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_DESCREEN_DESCREEN_FILTER_H

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 // Side of a level's window.
 constexpr int DescreenSide(std::uint32_t level) {
   return 3 + 2 * static_cast<int>(level);
@@ -61,5 +63,7 @@ constexpr std::uint32_t DescreenWeightSum(std::uint32_t level) {
 }
 static_assert(DescreenWeightSum(0) == 16 && DescreenWeightSum(1) == 52 &&
               DescreenWeightSum(2) == 150 && DescreenWeightSum(3) == 295);
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_DESCREEN_DESCREEN_WEIGHTS_H

@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
-#include "imaging/results.h"
-#include "imaging/utilities.h"
-#include "imaging/working_image.h"
 #include "imaging/redeye/color_planes.h"
 #include "imaging/redeye/decisions.h"
 #include "imaging/redeye/eyes.h"
 #include "imaging/redeye/skin_regions.h"
+#include "imaging/results.h"
+#include "imaging/utilities.h"
+#include "imaging/working_image.h"
+
+namespace orvo {
 
 namespace {
 
@@ -94,3 +96,5 @@ int ImgAutoRedEye(const std::uint8_t* source, std::uint8_t* target, std::uint32_
   }
   return found > 0 ? kImgDone : kImgNotFound;
 }
+
+}  // namespace orvo

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 // Finds and reduces the red eyes of a 24-bit working image. The target differs from the source only
 // where eyes were reduced.
 //
@@ -11,5 +13,7 @@
 // reduced; kImgNotFound, or kImgNoMemory, with the target a copy of the source.
 [[nodiscard]] int ImgAutoRedEye(const std::uint8_t* source, std::uint8_t* target,
                                 std::uint32_t width, std::uint32_t height) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_AUTO_RED_EYE_H

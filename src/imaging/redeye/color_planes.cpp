@@ -2,6 +2,8 @@
 
 #include "imaging/vector_clones.h"
 
+namespace orvo {
+
 namespace {
 
 ORVO_ALWAYS_INLINE void FillRow(const std::uint8_t* pixels, std::size_t count, std::size_t step,
@@ -53,3 +55,5 @@ void WritePixel(std::uint8_t* pixel, const YCbCrBytes& color) noexcept {
   pixel[1] = ChannelByte(GreenOf(y, cb, cr));
   pixel[2] = ChannelByte(RedOf(y, cr));
 }
+
+}  // namespace orvo

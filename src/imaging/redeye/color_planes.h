@@ -2,8 +2,10 @@
 #ifndef ORVO_IMAGING_REDEYE_COLOR_PLANES_H
 #define ORVO_IMAGING_REDEYE_COLOR_PLANES_H
 
-#include "imaging/utilities.h"
 #include "imaging/adjust/ycbcr.h"
+#include "imaging/utilities.h"
+
+namespace orvo {
 
 // Three planes of equal shape inside somebody's memory.
 struct PlaneView {
@@ -40,5 +42,7 @@ inline YCbCrBytes ColorOfPixel(const std::uint8_t* pixel) {
   return ToYCbCrBytes(pixel[2], pixel[1], pixel[0]);
 }
 void WritePixel(std::uint8_t* pixel, const YCbCrBytes& color) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_COLOR_PLANES_H

@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace orvo {
+
 namespace {
 
 constexpr int kDarkestSkin = 50;
@@ -50,3 +52,5 @@ bool ImgIsSkinColor(std::uint8_t y, std::uint8_t cb, std::uint8_t cr) noexcept {
   const int q = -57 * a - 82 * b - 241;
   return p * p / 645 + q * q / 197 < 10000;
 }
+
+}  // namespace orvo

@@ -6,6 +6,8 @@
 
 #include "imaging/redeye/red_eye_outlines.h"
 
+namespace orvo {
+
 // For each luma and Cb the Cr values, one after the other, that a red pupil can have.
 struct CrRange {
   std::uint8_t first;
@@ -27,5 +29,7 @@ constexpr bool ImgIsBrightNeutral(std::uint8_t y, std::uint8_t cb, std::uint8_t 
 
 // The colour of skin: an ellipse in chroma, turned against the axes, that moves as skin gets dark.
 [[nodiscard]] bool ImgIsSkinColor(std::uint8_t y, std::uint8_t cb, std::uint8_t cr) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_COLOR_TESTS_H

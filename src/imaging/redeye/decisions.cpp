@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+namespace orvo {
+
 namespace {
 
 POINT CentreOf(const Box& box) {
@@ -99,3 +101,5 @@ int KeepBelievableEyes(RedEyeScan& scan, int region, int count) noexcept {
   if (count == 0 || (count == 2 && ImgIsEyePair(scan, 0, 1))) return count;
   return count > 2 ? ImgKeepEyePairs(scan, count) : ImgCheckEyesInOutline(scan, region, count);
 }
+
+}  // namespace orvo

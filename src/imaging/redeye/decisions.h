@@ -4,6 +4,8 @@
 
 #include "imaging/redeye/red_eye_scan.h"
 
+namespace orvo {
+
 // True for two eyes side by side of which neither is twice as wide as the other.
 [[nodiscard]] bool ImgIsEyePair(const RedEyeScan& scan, int i, int j) noexcept;
 
@@ -18,5 +20,7 @@ int ImgCheckEyesInOutline(RedEyeScan& scan, int region, int count) noexcept;
 // Two that form a pair are believed at once; of three or four those in pairs; any other must lie
 // inside the outline. Gives the number kept, at the front of eyeRects.
 int KeepBelievableEyes(RedEyeScan& scan, int region, int count) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_DECISIONS_H

@@ -8,6 +8,8 @@
 #include "imaging/redeye/color_tests.h"
 #include "imaging/redeye/pupil.h"
 
+namespace orvo {
+
 namespace {
 
 // Everything here counts pixels from the left and top of the region's rectangle.
@@ -205,3 +207,5 @@ int ImgFindEyesInRegion(RedEyeScan& scan, const PlaneView& planes, int region,
   }
   return count;
 }
+
+}  // namespace orvo

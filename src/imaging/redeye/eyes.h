@@ -4,6 +4,8 @@
 #include "imaging/redeye/color_planes.h"
 #include "imaging/redeye/red_eye_scan.h"
 
+namespace orvo {
+
 // Working memory for one region after the other.
 struct EyeMasks {
   // Room for regions of up to this many pixels; false when there is none.
@@ -26,5 +28,7 @@ struct EyeMasks {
 // A square root by a few rounds of Newton's rule from the start value g (above 0), stopped as soon
 // as a round moves it by less than 3; a negative v gives 1.
 [[nodiscard]] std::int32_t ImgApproxSqrt(std::int32_t v, std::int32_t g) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_EYES_H

@@ -4,6 +4,8 @@
 
 #include "imaging/utilities.h"
 
+namespace orvo {
+
 namespace {
 
 constexpr double kDegreesPerRadian = 57.29582790879778;  // 180 / 3.14159
@@ -92,3 +94,5 @@ void ImgSortPoints(std::span<POINT> points) noexcept {
   std::sort(points.begin(), points.end(),
             [](const POINT& a, const POINT& b) { return a.x != b.x ? a.x < b.x : a.y < b.y; });
 }
+
+}  // namespace orvo

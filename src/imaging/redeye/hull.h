@@ -10,6 +10,8 @@
 
 #include <orvo/platform.h>
 
+namespace orvo {
+
 // Brings the hull's vertices to the front, in walk order: clockwise, upward from the first point,
 // which has the smallest x and, among those, the smallest y. Behind them follow copies of the last
 // one. Gives their number; a walk that finds no way back ends after as many steps as there are
@@ -26,5 +28,7 @@ std::size_t ImgRemoveRepeats(std::span<POINT> points) noexcept;
 
 // By rising x, and by rising y within one x.
 void ImgSortPoints(std::span<POINT> points) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_HULL_H

@@ -5,6 +5,8 @@
 
 #include "imaging/redeye/outline_angles.h"
 
+using namespace orvo;
+
 namespace {
 
 struct Range {
@@ -28,7 +30,7 @@ int main(int argc, char** argv) {
   if (argc != 2) return 2;
   std::ofstream file(argv[1]);
   file << "#include \"imaging/redeye/color_tests.h\"\n\n"
-          "const CrRange kRedEyeCrRanges[kLumaCount][256] = {\n";
+          "const orvo::CrRange orvo::kRedEyeCrRanges[orvo::kLumaCount][256] = {\n";
   for (int y = 0; y < kLumaCount; ++y) {
     file << "{";
     for (int cb = 0; cb < 256; ++cb) {

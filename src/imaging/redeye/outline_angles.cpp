@@ -6,6 +6,8 @@
 
 #include "imaging/utilities.h"
 
+namespace orvo {
+
 namespace {
 
 // Pi, a full turn and the least sum of angles, as the outlines were measured with them.
@@ -31,3 +33,5 @@ bool IsWithinOutline(const RedEyeOutline& outline, int cb, int cr) noexcept {
   }
   return sum > kLeastSum;
 }
+
+}  // namespace orvo

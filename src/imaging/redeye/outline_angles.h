@@ -5,7 +5,11 @@
 
 #include "imaging/redeye/red_eye_outlines.h"
 
+namespace orvo {
+
 // True inside and on the outline, and where it is seen under more than 3 radians from outside.
 [[nodiscard]] bool IsWithinOutline(const RedEyeOutline& outline, int cb, int cr) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_OUTLINE_ANGLES_H

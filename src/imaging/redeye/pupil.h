@@ -7,6 +7,8 @@
 
 #include "imaging/adjust/ycbcr.h"
 
+namespace orvo {
+
 constexpr double kFeatherEnd = 1.25;  // radii
 
 constexpr YCbCrBytes DarkNeutral(const YCbCrBytes& color) {
@@ -24,5 +26,7 @@ inline YCbCrBytes Feathered(const YCbCrBytes& color, int share, double distance,
   return {color.y, FeatheredChroma(color.cb, share, distance, radius),
           FeatheredChroma(color.cr, share, distance, radius)};
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_PUPIL_H

@@ -1,6 +1,8 @@
 // Written by tools/redeye_outlines.
 #include "imaging/redeye/red_eye_outlines.h"
 
+namespace orvo {
+
 // clang-format off
 const RedEyeOutline RedEyeOutlines[kLumaCount] = {
     /* 0 */ {0, {}},
@@ -261,3 +263,5 @@ const RedEyeOutline RedEyeOutlines[kLumaCount] = {
     /* 255 */ {0, {}},
 };
 // clang-format on
+
+}  // namespace orvo

@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 struct ChromaPoint {
   std::int32_t cb;
   std::int32_t cr;
@@ -21,5 +23,7 @@ struct RedEyeOutline {
 constexpr int kLumaCount = 256;
 
 extern const RedEyeOutline RedEyeOutlines[kLumaCount];
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_RED_EYE_OUTLINES_H

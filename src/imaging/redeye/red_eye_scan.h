@@ -6,6 +6,8 @@
 
 #include "imaging/redeye/region_mask.h"
 
+namespace orvo {
+
 constexpr int kMostRegions = 10;
 constexpr int kMostEyes = 4;              // of one region
 constexpr int kMostOutlineVertices = 19;  // stored of one region
@@ -18,5 +20,7 @@ struct RedEyeScan {
   // In the order of the walk, relative to left and top of the region's rectangle, in image pixels.
   POINT outlines[kMostRegions][kMostOutlineVertices + 1];
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_RED_EYE_SCAN_H

@@ -1,11 +1,13 @@
 #include "imaging/redeye/reduce.h"
 
-#include "imaging/results.h"
-#include "imaging/utilities.h"
-#include "imaging/working_image.h"
 #include "imaging/redeye/color_planes.h"
 #include "imaging/redeye/color_tests.h"
 #include "imaging/redeye/pupil.h"
+#include "imaging/results.h"
+#include "imaging/utilities.h"
+#include "imaging/working_image.h"
+
+namespace orvo {
 
 namespace {
 
@@ -37,3 +39,5 @@ int ImgReduceRedEye(const std::uint8_t* source, std::uint8_t* target, std::uint3
   }
   return kImgDone;
 }
+
+}  // namespace orvo

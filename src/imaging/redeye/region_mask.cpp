@@ -5,6 +5,8 @@
 
 #include "imaging/vector_clones.h"
 
+namespace orvo {
+
 namespace {
 
 // Combines each interior pixel of a row with its neighbours, of the cross or of the square. kErase
@@ -122,3 +124,5 @@ std::uint32_t RadiusOfArea(std::int64_t area) noexcept {
   const double radius = ImgSqrt(static_cast<double>(area) * kOnePerPi);
   return static_cast<std::uint32_t>(std::floor(radius + 0.5));
 }
+
+}  // namespace orvo

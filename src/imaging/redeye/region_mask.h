@@ -8,6 +8,8 @@
 
 #include "imaging/utilities.h"
 
+namespace orvo {
+
 // A rectangle of pixels, all four ends included.
 struct Box {
   std::int32_t left;
@@ -61,5 +63,7 @@ FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& m
 
 // Radius of the disk of this area, rounded.
 [[nodiscard]] std::uint32_t RadiusOfArea(std::int64_t area) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_REGION_MASK_H

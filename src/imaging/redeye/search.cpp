@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
-#include "imaging/results.h"
-#include "imaging/working_image.h"
 #include "imaging/redeye/color_planes.h"
 #include "imaging/redeye/color_tests.h"
 #include "imaging/redeye/region_mask.h"
+#include "imaging/results.h"
+#include "imaging/working_image.h"
+
+namespace orvo {
 
 namespace {
 
@@ -83,3 +85,5 @@ int ImgSearchRedEyeRegion(const std::uint8_t* source, std::uint32_t width, std::
             square.top + static_cast<std::uint32_t>(region.y), radius};
   return kImgDone;
 }
+
+}  // namespace orvo

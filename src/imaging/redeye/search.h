@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace orvo {
+
 struct PupilCircle {
   std::uint32_t x;
   std::uint32_t y;
@@ -18,5 +20,7 @@ struct PupilCircle {
 [[nodiscard]] int ImgSearchRedEyeRegion(const std::uint8_t* source, std::uint32_t width,
                                         std::uint32_t height, std::uint32_t x, std::uint32_t y,
                                         PupilCircle* found) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REDEYE_SEARCH_H

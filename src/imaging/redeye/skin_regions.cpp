@@ -5,6 +5,8 @@
 #include "imaging/redeye/color_tests.h"
 #include "imaging/redeye/hull.h"
 
+namespace orvo {
+
 namespace {
 
 // A region is kept when its box is wider and taller than this, in reduced pixels.
@@ -146,3 +148,5 @@ std::optional<int> ImgFindSkinRegions(RedEyeScan& scan, const PlaneView& planes,
   }
   return count;
 }
+
+}  // namespace orvo

@@ -7,6 +7,8 @@
 #include "imaging/regions/near_pairs.h"
 #include "imaging/regions/pair_walk.h"
 
+namespace orvo {
+
 namespace {
 
 // The smallest item to list, in seed steps.
@@ -104,3 +106,5 @@ PixelRegion LargestRegion(Segments segments, const CleanUpMeasures& measures) {
   }
   return found;
 }
+
+}  // namespace orvo

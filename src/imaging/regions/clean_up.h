@@ -5,6 +5,8 @@
 
 #include "imaging/regions/segmentation.h"
 
+namespace orvo {
+
 // In mask pixels, both at least 1.
 struct CleanUpMeasures {
   int mergeReach;
@@ -17,5 +19,7 @@ struct CleanUpMeasures {
 // The one region that counts for the skew, the one with the greatest sum of row extents; empty when
 // there is none.
 [[nodiscard]] PixelRegion LargestRegion(Segments segments, const CleanUpMeasures& measures);
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_CLEAN_UP_H

@@ -7,6 +7,8 @@
 
 #include "imaging/regions/row_combiner.h"
 
+namespace orvo {
+
 namespace {
 
 constexpr double kScalePerPixel = 0.005;
@@ -135,3 +137,5 @@ Mask ReduceToMask(const SourceImage& image, double scale, int whiteLevel) {
   }
   return mask;
 }
+
+}  // namespace orvo

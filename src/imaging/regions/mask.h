@@ -7,6 +7,8 @@
 
 #include "imaging/regions/source_image.h"
 
+namespace orvo {
+
 struct Mask {
   int width = 0;
   int height = 0;
@@ -26,5 +28,7 @@ struct Mask {
 // a thin dark line survives. Foreground is what is then below whiteLevel on a gray scale of 0 to
 // 255; any level is taken. Throws std::bad_alloc.
 [[nodiscard]] Mask ReduceToMask(const SourceImage& image, double scale, int whiteLevel);
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_MASK_H

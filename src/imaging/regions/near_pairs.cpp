@@ -3,6 +3,8 @@
 #include <numeric>
 #include <utility>
 
+namespace orvo {
+
 namespace {
 
 std::size_t At(int region) {
@@ -74,3 +76,5 @@ int NearPairs::ownerOf(int part) {
   while (owners_[At(part)] != part) part = owners_[At(part)] = owners_[At(owners_[At(part)])];
   return part;
 }
+
+}  // namespace orvo

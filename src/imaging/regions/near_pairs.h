@@ -12,6 +12,8 @@
 
 #include "imaging/regions/segmentation.h"
 
+namespace orvo {
+
 // A pairing for WalkPairs. Regions that were merged into others are left empty.
 class NearPairs {
  public:
@@ -36,5 +38,7 @@ class NearPairs {
   int j_ = 0;
   int from_ = 0;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_NEAR_PAIRS_H

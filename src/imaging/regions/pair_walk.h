@@ -9,6 +9,8 @@
 
 #include <vector>
 
+namespace orvo {
+
 // Regions keep their numbers here while others leave the table.
 class LiveRegions {
  public:
@@ -54,5 +56,7 @@ void WalkPairs(int count, Pairing& pairing, OnTurn onTurn) {
     }
   }
 }
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_PAIR_WALK_H

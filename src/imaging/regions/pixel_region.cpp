@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+namespace orvo {
+
 namespace {
 
 using Runs = std::vector<PixelRun>;
@@ -175,3 +177,5 @@ PixelRegion PixelRegion::Translated(int dx, int dy) const {
   }
   return moved;
 }
+
+}  // namespace orvo

@@ -10,6 +10,8 @@
 
 #include <orvo/platform.h>
 
+namespace orvo {
+
 // The pixels left <= x < right of a row.
 struct PixelRun {
   int left;
@@ -57,5 +59,7 @@ class PixelRegion {
 
   std::vector<PixelRow> rows_;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_PIXEL_REGION_H

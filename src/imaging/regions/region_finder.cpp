@@ -6,6 +6,8 @@
 #include "imaging/regions/rounding.h"
 #include "imaging/regions/skew.h"
 
+namespace orvo {
+
 namespace {
 
 // Spacing of the seeds, in source pixels.
@@ -72,3 +74,5 @@ RECT RegionFinder::ToSource(const RECT& box) const {
   return {RoundTenths(box.left * scale_), RoundTenths(box.top * scale_),
           RoundTenths(box.right * scale_), RoundTenths(box.bottom * scale_)};
 }
+
+}  // namespace orvo

@@ -13,6 +13,8 @@
 #include "imaging/regions/mask.h"
 #include "imaging/regions/pixel_region.h"
 
+namespace orvo {
+
 struct FinderSettings {
   int mergeReach = 25;   // source pixels across which parts join; any value is taken
   int whiteLevel = 250;  // gray from which a pixel is ground; any value is taken
@@ -51,5 +53,7 @@ class RegionFinder {
   std::vector<RECT> boxes_;  // of the regions, in mask pixels
   PixelRegion largest_;
 };
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_REGION_FINDER_H

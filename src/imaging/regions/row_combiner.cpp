@@ -5,6 +5,8 @@
 
 #include "imaging/vector_clones.h"
 
+namespace orvo {
+
 namespace {
 
 constexpr std::size_t kColorBytes = 4;  // blue, green, red, and one of no meaning
@@ -170,3 +172,5 @@ std::unique_ptr<RowCombiner> CombinerFor(const SourceImage& image) {
                                          image.masks);
   }
 }
+
+}  // namespace orvo

@@ -8,6 +8,8 @@
 
 #include "imaging/regions/source_image.h"
 
+namespace orvo {
+
 class RowCombiner {
  public:
   RowCombiner(std::size_t pixelBytes, const ChannelMasks& masks)
@@ -36,5 +38,7 @@ class RowCombiner {
 // target[i] = a[i] & b[i]. target may be a; otherwise it is apart from both.
 void AndBytes(std::uint8_t* target, const std::uint8_t* a, const std::uint8_t* b,
               std::size_t count);
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_ROW_COMBINER_H

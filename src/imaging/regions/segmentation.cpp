@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+namespace orvo {
+
 namespace {
 
 class Flood {
@@ -55,3 +57,5 @@ Segments FindSegments(Mask mask, int seedStep) {
   }
   return segments;
 }
+
+}  // namespace orvo

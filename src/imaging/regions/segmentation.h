@@ -7,6 +7,8 @@
 #include "imaging/regions/mask.h"
 #include "imaging/regions/pixel_region.h"
 
+namespace orvo {
+
 struct Segments {
   static constexpr int kNone = -1;
 
@@ -20,5 +22,7 @@ struct Segments {
 // seed on foreground takes the whole part that touches it by sides or corners. What no seed meets
 // is no region. Throws std::bad_alloc.
 [[nodiscard]] Segments FindSegments(Mask mask, int seedStep);
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_SEGMENTATION_H

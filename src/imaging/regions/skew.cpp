@@ -7,6 +7,8 @@
 
 #include "imaging/regions/rounding.h"
 
+namespace orvo {
+
 namespace {
 
 constexpr double kRadiansPerDegree = 0.017453292519943295;
@@ -100,3 +102,5 @@ int FindSkew(const PixelRegion& region, RECT* box) {
   if (box != nullptr) *box = least;
   return skew;
 }
+
+}  // namespace orvo

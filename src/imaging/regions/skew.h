@@ -8,6 +8,8 @@
 
 #include "imaging/regions/pixel_region.h"
 
+namespace orvo {
+
 // A turned point on the pixel grid. The two cuts differ: x goes up from a first decimal digit of 5,
 // y only from 9.
 [[nodiscard]] POINT RoundPoint(double x, double y);
@@ -18,5 +20,7 @@
 // Degrees, -55 to 55. box, which may be null, receives the rectangle of the best turn, or of the
 // region itself when no turn helps. The region must not be empty.
 [[nodiscard]] int FindSkew(const PixelRegion& region, RECT* box);
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_SKEW_H

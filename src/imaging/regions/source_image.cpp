@@ -4,6 +4,8 @@
 
 #include <orvo/dib.h>
 
+namespace orvo {
+
 namespace {
 
 constexpr std::size_t kFieldMaskBytes = 12;  // red, green and blue, 4 bytes each
@@ -55,3 +57,5 @@ std::optional<SourceImage> DescribeImage(const std::uint8_t* block, std::size_t 
                      .rows = block + layout->pixelOffset,
                      .stride = layout->stride};
 }
+
+}  // namespace orvo

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <optional>
 
+namespace orvo {
+
 // The bits of a pixel's little-endian value that carry each channel.
 struct ChannelMasks {
   std::uint32_t red;
@@ -33,5 +35,7 @@ struct SourceImage {
 // rows are compressed.
 [[nodiscard]] std::optional<SourceImage> DescribeImage(const std::uint8_t* block,
                                                        std::size_t bytes);
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_SOURCE_IMAGE_H

@@ -4,6 +4,8 @@
 
 #include "imaging/vector_clones.h"
 
+namespace orvo {
+
 namespace {
 
 // The part of a gray page that is looked at: scanners leave a dark line at the edge of gray scans.
@@ -117,3 +119,5 @@ class Measurement {
 void MeasureContent(const TrimPage& page, std::uint8_t limit, RECT& rect) noexcept {
   Measurement(page, limit).run(rect);
 }
+
+}  // namespace orvo

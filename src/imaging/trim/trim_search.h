@@ -7,6 +7,8 @@
 
 #include <orvo/platform.h>
 
+namespace orvo {
+
 struct TrimPage {
   const std::uint8_t* rows;
   std::size_t stride;
@@ -20,5 +22,7 @@ struct TrimPage {
 // within what the walks before it found. A walk that finds nothing leaves its side of the rectangle
 // as it was. A pixel is dark when any of its bytes is not above `limit`.
 void MeasureContent(const TrimPage& page, std::uint8_t limit, RECT& rect) noexcept;
+
+}  // namespace orvo
 
 #endif  // ORVO_IMAGING_TRIM_TRIM_SEARCH_H

@@ -4,9 +4,11 @@
 #include "imaging/adjust/exposure.h"
 #include "imaging/adjust/histogram.h"
 #include "imaging/adjust/plain_adjust.h"
-#include "imaging/results.h"
 #include "imaging/adjust/sharpness.h"
+#include "imaging/results.h"
 #include "platform/fault_injection.h"
+
+using namespace orvo;
 
 namespace {
 

@@ -7,6 +7,8 @@
 
 #include "imaging/adjust/plain_image.h"
 
+using namespace orvo;
+
 namespace plain {
 
 inline void Sharpen(const std::uint8_t* source, std::uint8_t* target, const Image& image,

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace orvo;
+
 namespace {
 
 TEST(YCbCr, GraysHaveNoChromaAndWhiteIsFullLuma) {

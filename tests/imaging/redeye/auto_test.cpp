@@ -2,12 +2,14 @@
 // decision was taken on the way.
 #include <gtest/gtest.h>
 
-#include "imaging/results.h"
-#include "platform/fault_injection.h"
 #include "imaging/redeye/auto_red_eye.h"
 #include "imaging/redeye/build_kind.h"
 #include "imaging/redeye/faces.h"
 #include "imaging/redeye/plain_auto.h"
+#include "imaging/results.h"
+#include "platform/fault_injection.h"
+
+using namespace orvo;
 
 namespace {
 

@@ -6,6 +6,8 @@
 #include "imaging/redeye/color_tests.h"
 #include "imaging/redeye/plain_shapes.h"
 
+using namespace orvo;
+
 namespace {
 
 TEST(RedEyeColors, EqualThePlainFormsEverywhere) {

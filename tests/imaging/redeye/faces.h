@@ -8,6 +8,8 @@
 
 #include "imaging/adjust/plain_image.h"
 
+using namespace orvo;
+
 namespace faces {
 
 struct Rgb {

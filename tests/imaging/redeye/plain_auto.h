@@ -4,6 +4,8 @@
 
 #include "imaging/redeye/plain_red_eye.h"
 
+using namespace orvo;
+
 namespace plain {
 
 inline int ApproxSqrt(int v, int g) {

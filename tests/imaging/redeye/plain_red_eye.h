@@ -9,6 +9,8 @@
 #include "imaging/redeye/red_eye_scan.h"
 #include "imaging/redeye/search.h"
 
+using namespace orvo;
+
 namespace plain {
 
 // How often a decision was taken: without reduction, and with it.

@@ -21,6 +21,8 @@
 #include "imaging/redeye/red_eye_outlines.h"
 #include "imaging/redeye/region_mask.h"
 
+using namespace orvo;
+
 namespace plain {
 
 // --- Colours -------------------------------------------------------------------------------------

@@ -3,12 +3,14 @@
 
 #include <tuple>
 
-#include "imaging/results.h"
-#include "platform/fault_injection.h"
 #include "imaging/redeye/build_kind.h"
 #include "imaging/redeye/faces.h"
 #include "imaging/redeye/plain_red_eye.h"
 #include "imaging/redeye/reduce.h"
+#include "imaging/results.h"
+#include "platform/fault_injection.h"
+
+using namespace orvo;
 
 namespace {
 

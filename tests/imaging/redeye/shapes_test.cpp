@@ -6,6 +6,8 @@
 #include "imaging/redeye/hull.h"
 #include "imaging/redeye/plain_shapes.h"
 
+using namespace orvo;
+
 namespace {
 
 using plain::Points;

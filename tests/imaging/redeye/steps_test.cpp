@@ -9,6 +9,8 @@
 #include "imaging/redeye/plain_auto.h"
 #include "imaging/redeye/skin_regions.h"
 
+using namespace orvo;
+
 namespace {
 
 using faces::Picture;

@@ -7,6 +7,8 @@
 #include "failing_memory.h"
 #include "plain_finder.h"
 
+using namespace orvo;
+
 namespace {
 
 using binding::BindingTest;

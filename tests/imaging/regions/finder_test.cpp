@@ -1,10 +1,12 @@
 // From a mask to the list of items, and to the one region that is set upright.
 #include <gtest/gtest.h>
 
+#include "imaging/regions/region_finder.h"
 #include "pages.h"
 #include "plain_finder.h"
-#include "imaging/regions/region_finder.h"
 #include "support/pictures.h"
+
+using namespace orvo;
 
 bool operator==(const RECT& a, const RECT& b) {
   return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;

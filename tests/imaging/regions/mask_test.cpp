@@ -4,6 +4,8 @@
 #include "plain_finder.h"
 #include "support/pictures.h"
 
+using namespace orvo;
+
 namespace {
 
 Mask Reduce(DibHandle handle, int whiteLevel) {

@@ -9,6 +9,8 @@
 
 #include "imaging/regions/mask.h"
 
+using namespace orvo;
+
 namespace pages {
 
 class Dice {

@@ -7,6 +7,8 @@
 
 #include "pages.h"
 
+using namespace orvo;
+
 namespace {
 
 using Runs = std::vector<std::pair<int, int>>;

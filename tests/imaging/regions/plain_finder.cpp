@@ -7,6 +7,8 @@
 #include "imaging/regions/skew.h"
 #include "support/pictures.h"
 
+using namespace orvo;
+
 namespace plain {
 
 namespace {

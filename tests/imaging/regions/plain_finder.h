@@ -8,6 +8,8 @@
 #include "imaging/regions/mask.h"
 #include "imaging/regions/pixel_region.h"
 
+using namespace orvo;
+
 namespace plain {
 
 // The mask of an uncompressed image without bit fields, pixel by pixel.

@@ -6,9 +6,11 @@
 #include <cmath>
 #include <cstring>
 
+#include "imaging/regions/rounding.h"
 #include "pages.h"
 #include "plain_finder.h"
-#include "imaging/regions/rounding.h"
+
+using namespace orvo;
 
 namespace {
 

@@ -17,6 +17,8 @@
 #include "binding/module_contract.h"
 #include "support/pictures.h"
 
+using namespace orvo;
+
 namespace files {
 
 using Bytes = std::vector<std::uint8_t>;

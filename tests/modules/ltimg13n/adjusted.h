@@ -9,6 +9,8 @@
 #include "binding/module_contract.h"
 #include "support/pictures.h"
 
+using namespace orvo;
+
 namespace adjusted {
 
 using Adjust = std::function<int(struct_LEAD_Bitmap*)>;

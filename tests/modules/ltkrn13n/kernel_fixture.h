@@ -11,6 +11,8 @@
 #include "platform/fault_injection.h"
 #include "support/pictures.h"
 
+using namespace orvo;
+
 namespace kernel {
 
 constexpr int kDepths[] = {1, 4, 8, 16, 24, 32};

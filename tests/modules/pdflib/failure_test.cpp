@@ -8,6 +8,8 @@
 #include "binding/module_contract.h"
 #include "documents.h"
 
+using namespace orvo;
+
 namespace documents {
 namespace {
 
