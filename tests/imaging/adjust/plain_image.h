@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+namespace orvo {}
 using namespace orvo;
 
 namespace plain {

@@ -8,6 +8,7 @@
 
 #include "imaging/adjust/plain_image.h"
 
+namespace orvo {}
 using namespace orvo;
 
 namespace faces {
