@@ -18,20 +18,34 @@ struct Block {
   std::size_t locks;
 };
 
+using Blocks = std::unordered_map<void*, Block>;
+
 // Counts down to the one call that is to fail.
 class FaultCountdown {
  public:
-  void set(int n) { left_ = n; }
-  bool fires() { return left_ > 0 && --left_ == 0; }
+#if defined(ORVO_FAULT_INJECTION)
+  void set(int n) {
+    left_ = n;
+  }
+  bool fires() {
+    return left_ > 0 && --left_ == 0;
+  }
 
  private:
   int left_ = 0;
+#else
+  static constexpr bool fires() {
+    return false;
+  }
+#endif
 };
 
+// The mutex guards the tables alone. Memory is taken, zeroed and given back outside it, which for
+// that of an image may take longer than what other threads wait to do.
 struct Registry {
   std::mutex mutex;
-  std::unordered_map<void*, Block> handles;  // GlobalAlloc
-  std::unordered_map<void*, Block> working;  // LocalAlloc, by address
+  Blocks handles;  // GlobalAlloc
+  Blocks working;  // LocalAlloc, by address
   std::uintptr_t nextHandle = 1;
   FaultCountdown failingAllocation;
   FaultCountdown failingLock;
@@ -43,33 +57,36 @@ Registry& TheRegistry() {
   return *registry;
 }
 
-// Enters a new block; the handle, or null when memory ran out.
-void* Register(Registry& registry, std::unordered_map<void*, Block>& blocks, unsigned flags,
-               std::size_t bytes) {
+// The handle under which the memory is entered; null when there is no room for it.
+void* Enter(Registry& registry, Blocks& blocks, const Block& block, bool movable) noexcept {
   const std::lock_guard guard(registry.mutex);
   if (registry.failingAllocation.fires()) return nullptr;
-  void* const memory = platform::TakeMemory(bytes, (flags & GMEM_ZEROINIT) != 0);
-  if (memory == nullptr) return nullptr;
-  void* handle = memory;
-  if ((flags & GMEM_MOVEABLE) != 0) {
-    handle = reinterpret_cast<void*>(registry.nextHandle);
-    registry.nextHandle += 2;
-  }
+  void* const handle = movable ? reinterpret_cast<void*>(registry.nextHandle) : block.memory;
   try {
-    blocks.emplace(handle, Block{memory, bytes, 0});
+    blocks.emplace(handle, block);
   } catch (const std::bad_alloc&) {
-    platform::GiveMemory(memory, bytes);
     return nullptr;
   }
+  if (movable) registry.nextHandle += 2;
   return handle;
 }
 
-void* Release(Registry& registry, std::unordered_map<void*, Block>& blocks, void* handle) {
-  const std::lock_guard guard(registry.mutex);
-  const auto found = blocks.find(handle);
-  if (found == blocks.end()) return handle;
-  platform::GiveMemory(found->second.memory, found->second.bytes);
-  blocks.erase(found);
+void* Allocate(Registry& registry, Blocks& blocks, unsigned flags, std::size_t bytes) {
+  void* const memory = platform::TakeMemory(bytes, (flags & GMEM_ZEROINIT) != 0);
+  if (memory == nullptr) return nullptr;
+  void* const handle = Enter(registry, blocks, {memory, bytes, 0}, (flags & GMEM_MOVEABLE) != 0);
+  if (handle == nullptr) platform::GiveMemory(memory, bytes);
+  return handle;
+}
+
+void* Release(Registry& registry, Blocks& blocks, void* handle) {
+  Blocks::node_type released;
+  {
+    const std::lock_guard guard(registry.mutex);
+    released = blocks.extract(handle);
+  }
+  if (released.empty()) return handle;
+  platform::GiveMemory(released.mapped().memory, released.mapped().bytes);
   return nullptr;
 }
 
@@ -77,7 +94,7 @@ void* Release(Registry& registry, std::unordered_map<void*, Block>& blocks, void
 
 void* GlobalAlloc(unsigned flags, size_t bytes) {
   Registry& registry = TheRegistry();
-  return Register(registry, registry.handles, flags, bytes);
+  return Allocate(registry, registry.handles, flags, bytes);
 }
 
 void* GlobalLock(void* handle) {
@@ -111,7 +128,7 @@ void* GlobalFree(void* handle) {
 
 void* LocalAlloc(unsigned flags, size_t bytes) {
   Registry& registry = TheRegistry();
-  return Register(registry, registry.working, flags & LMEM_ZEROINIT, bytes);
+  return Allocate(registry, registry.working, flags & LMEM_ZEROINIT, bytes);
 }
 
 void* LocalFree(void* memory) {
@@ -119,6 +136,7 @@ void* LocalFree(void* memory) {
   return Release(registry, registry.working, memory);
 }
 
+#if defined(ORVO_FAULT_INJECTION)
 void PlatformFailAllocation(int n) noexcept {
   Registry& registry = TheRegistry();
   const std::lock_guard guard(registry.mutex);
@@ -130,6 +148,7 @@ void PlatformFailLock(int n) noexcept {
   const std::lock_guard guard(registry.mutex);
   registry.failingLock.set(n);
 }
+#endif
 
 std::size_t PlatformLiveBlocks() noexcept {
   Registry& registry = TheRegistry();
