@@ -44,17 +44,8 @@ class Photo {
       : rows(bench::Photo(bench::kPhotoWidth, bench::kPhotoHeight, 3)),
         folder_(fs::temp_directory_path() / ("orvo_files_bench_" + std::to_string(getpid()))) {
     fs::create_directories(folder_);
-    dib = orvo::OwnedDib(GlobalAlloc(orvo::kDibBlockFlags, orvo::kDibHeaderBytes + rows.size()));
-    BITMAPINFOHEADER header{};
-    header.biSize = sizeof header;
-    header.biWidth = static_cast<std::int32_t>(bench::kPhotoWidth);
-    header.biHeight = static_cast<std::int32_t>(bench::kPhotoHeight);
-    header.biPlanes = 1;
-    header.biBitCount = 24;
-    auto* const block = static_cast<std::uint8_t*>(GlobalLock(dib.get()));
-    std::memcpy(block, &header, sizeof header);
-    std::memcpy(block + orvo::kDibHeaderBytes, rows.data(), rows.size());
-    GlobalUnlock(dib.get());
+    dib = orvo::NewDib(orvo::DibHeaderFor(bench::kPhotoWidth, bench::kPhotoHeight, 24));
+    std::memcpy(orvo::LockedImage(dib.get()).pixels(), rows.data(), rows.size());
     for (const char* const extension : {".jpg", ".png", ".tif", ".bmp"}) {
       toolkit->SaveFile(dib.get(), path(extension).c_str(), 0, kQuality);
     }

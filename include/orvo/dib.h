@@ -4,10 +4,10 @@
 //   2. for 1, 4 and 8 bits a palette of 2^depth entries, always in full, whatever biClrUsed says,
 //   3. the rows in stored order (the bottom line of the picture first), each padded to 4 bytes.
 //
-//   void* block = GlobalLock(handle);
-//   if (auto layout = orvo::DibLayoutOf(block, GlobalSize(handle))) {
-//     uint8_t* firstRow = static_cast<uint8_t*>(block) + layout->pixelOffset;
-//   }
+// Rows are packed: depths 1, 4 and 8 index the palette, the leftmost pixel in the highest bits; 16
+// bits are 5-5-5 with red on top; 24 and 32 bits lie blue, green, red (and a byte without colour).
+//
+// The functions below only calculate. <orvo/dib_block.h> owns blocks and locks them.
 #ifndef ORVO_DIB_H
 #define ORVO_DIB_H
 
@@ -28,6 +28,10 @@ namespace orvo {
 inline constexpr std::size_t kDibHeaderBytes = 40;
 // What the toolkit asks of GlobalAlloc for an image.
 inline constexpr unsigned kDibBlockFlags = GMEM_MOVEABLE | GMEM_ZEROINIT;
+
+constexpr bool IsDibDepth(int depth) {
+  return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
+}
 
 struct DibLayout {
   int width;                // pixels
@@ -73,14 +77,38 @@ inline BITMAPINFOHEADER DibHeaderOf(const void* block) {
   return header;
 }
 
+// The header of a new image; resolutions in pixels per metre, 0 for an unknown one.
+constexpr BITMAPINFOHEADER DibHeaderFor(int width, int height, int depth,
+                                        std::int32_t xResolution = 0,
+                                        std::int32_t yResolution = 0) {
+  BITMAPINFOHEADER header{};
+  header.biSize = kDibHeaderBytes;
+  header.biWidth = width;
+  header.biHeight = height;
+  header.biPlanes = 1;
+  header.biBitCount = static_cast<std::uint16_t>(depth);
+  header.biXPelsPerMeter = xResolution;
+  header.biYPelsPerMeter = yResolution;
+  return header;
+}
+
+// What a reader takes from a header. Most take the whole of biBitCount and the 40 bytes.
+struct DibReading {
+  std::uint16_t depthMask = 0xFFFF;  // the part of biBitCount that counts as the depth
+  // Bytes before the palette, 40 at least; null for 40 whatever the header says.
+  std::size_t (*headerBytes)(const BITMAPINFOHEADER& header) = nullptr;
+};
+
 // The layout of a locked block of `blockBytes` bytes; nothing when the block is null or malformed,
-// that is when it cannot hold what its header claims. `depthMask` selects the part of biBitCount
-// that counts as the depth.
+// that is when it cannot hold what its header claims.
 inline std::optional<DibLayout> DibLayoutOf(const void* block, std::size_t blockBytes,
-                                            std::uint16_t depthMask = 0xFFFF) {
+                                            const DibReading& reading = {}) {
   if (block == nullptr || blockBytes < kDibHeaderBytes) return std::nullopt;
   const BITMAPINFOHEADER header = DibHeaderOf(block);
-  const auto layout = DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount & depthMask);
+  const std::size_t headerBytes =
+      reading.headerBytes != nullptr ? reading.headerBytes(header) : kDibHeaderBytes;
+  const auto layout = DibLayoutFor(header.biWidth, header.biHeight,
+                                   header.biBitCount & reading.depthMask, headerBytes);
   if (!layout || layout->totalBytes > blockBytes) return std::nullopt;
   return layout;
 }

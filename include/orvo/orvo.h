@@ -3,6 +3,7 @@
 #define ORVO_ORVO_H
 
 #include <orvo/dib.h>
+#include <orvo/dib_block.h>
 #include <orvo/instance.h>
 #include <orvo/platform.h>
 #include <orvo/raii.h>

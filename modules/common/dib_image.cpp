@@ -3,75 +3,28 @@
 #include <cstring>
 
 namespace modules {
-namespace {
 
-bool DepthIsKnown(int depth) {
-  return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32;
-}
-
-}  // namespace
-
-LockedDib::LockedDib(DibHandle handle) noexcept : handle_(handle) {
-  auto* const memory = static_cast<std::uint8_t*>(GlobalLock(handle));
-  if (memory == nullptr) {
-    handle_ = nullptr;
-    return;
+LockedDib::LockedDib(DibHandle handle) noexcept : image_(handle) {
+  if (!image_ || !orvo::IsDibDepth(image_.layout().depth)) return;
+  header_ = image_.header();
+  const orvo::DibLayout& layout = image_.layout();
+  pixels_.width = layout.width;
+  pixels_.height = layout.height;
+  pixels_.depth = layout.depth;
+  pixels_.stride = layout.stride;
+  if (layout.depth <= 8) {
+    pixels_.palette = reinterpret_cast<RGBQUAD*>(image_.bytes() + orvo::kDibHeaderBytes);
   }
-  const auto layout = orvo::DibLayoutOf(memory, GlobalSize(handle));
-  if (!layout || !DepthIsKnown(layout->depth)) return;
-  header_ = orvo::DibHeaderOf(memory);
-  pixels_.width = layout->width;
-  pixels_.height = layout->height;
-  pixels_.depth = layout->depth;
-  pixels_.stride = layout->stride;
-  if (layout->depth <= 8) {
-    pixels_.palette = reinterpret_cast<RGBQUAD*>(memory + orvo::kDibHeaderBytes);
-  }
-  pixels_.bits = memory + layout->pixelOffset;
-}
-
-LockedDib::~LockedDib() {
-  if (handle_ != nullptr) GlobalUnlock(handle_);
-}
-
-LockedDib::LockedDib(LockedDib&& other) noexcept
-    : handle_(std::exchange(other.handle_, nullptr)),
-      header_(other.header_),
-      pixels_(std::exchange(other.pixels_, Pixels{})) {}
-
-std::optional<orvo::DibLayout> UsableLayout(const BITMAPINFOHEADER& header) noexcept {
-  if (!DepthIsKnown(header.biBitCount)) return std::nullopt;
-  return orvo::DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount);
-}
-
-OwnedBlock NewDib(int width, int height, int depth, int xResolution, int yResolution) noexcept {
-  BITMAPINFOHEADER model{};
-  model.biXPelsPerMeter = orvo::PixelsPerMetre(xResolution);
-  model.biYPelsPerMeter = orvo::PixelsPerMetre(yResolution);
-  return NewDibLike(model, width, height, depth);
+  pixels_.bits = image_.pixels();
 }
 
 OwnedBlock NewDibLike(const BITMAPINFOHEADER& model, int width, int height, int depth) noexcept {
-  BITMAPINFOHEADER header{};
-  header.biSize = sizeof header;
-  header.biWidth = width;
-  header.biHeight = height;
-  header.biPlanes = 1;
-  header.biBitCount = static_cast<std::uint16_t>(depth);
-  header.biXPelsPerMeter = model.biXPelsPerMeter;
-  header.biYPelsPerMeter = model.biYPelsPerMeter;
-  return NewDibOf(header);
+  return NewDibOf(
+      orvo::DibHeaderFor(width, height, depth, model.biXPelsPerMeter, model.biYPelsPerMeter));
 }
 
 OwnedBlock NewDibOf(const BITMAPINFOHEADER& header) noexcept {
-  const auto layout = UsableLayout(header);
-  if (!layout) return OwnedBlock();
-  OwnedBlock block(GlobalAlloc(orvo::kDibBlockFlags, layout->totalBytes));
-  void* const memory = GlobalLock(block.get());
-  if (memory == nullptr) return OwnedBlock();
-  std::memcpy(memory, &header, sizeof header);
-  GlobalUnlock(block.get());
-  return block;
+  return orvo::IsDibDepth(header.biBitCount) ? orvo::NewDib(header) : OwnedBlock();
 }
 
 OwnedBlock CopyOf(const LockedDib& image) noexcept {

@@ -5,8 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <utility>
+
+#include <orvo/dib_block.h>
 
 #include "binding/module_contract.h"
 
@@ -38,9 +38,6 @@ struct Pixels {
 class LockedDib {
  public:
   explicit LockedDib(DibHandle handle) noexcept;
-  ~LockedDib();
-  LockedDib(LockedDib&& other) noexcept;
-  LockedDib& operator=(LockedDib&&) = delete;
 
   explicit operator bool() const { return pixels_.bits != nullptr; }
   const Pixels& operator*() const { return pixels_; }
@@ -48,40 +45,17 @@ class LockedDib {
   [[nodiscard]] const BITMAPINFOHEADER& header() const { return header_; }
 
  private:
-  DibHandle handle_;
+  orvo::LockedImage image_;
   BITMAPINFOHEADER header_{};
   Pixels pixels_;
 };
 
 // Owns a block until it is handed on.
-class OwnedBlock {
- public:
-  explicit OwnedBlock(DibHandle handle = nullptr) noexcept : handle_(handle) {}
-  ~OwnedBlock() {
-    if (handle_ != nullptr) GlobalFree(handle_);
-  }
-  OwnedBlock(OwnedBlock&& other) noexcept : handle_(other.release()) {}
-  OwnedBlock& operator=(OwnedBlock&& other) noexcept {
-    std::swap(handle_, other.handle_);
-    return *this;
-  }
+using OwnedBlock = orvo::OwnedDib;
 
-  [[nodiscard]] DibHandle get() const { return handle_; }
-  explicit operator bool() const { return handle_ != nullptr; }
-  DibHandle release() { return std::exchange(handle_, nullptr); }
-
- private:
-  DibHandle handle_;
-};
-
-// The layout of an image with this header; nothing when its depth is not one of those above, a
-// measure is not above 0, or the size overflows.
-std::optional<orvo::DibLayout> UsableLayout(const BITMAPINFOHEADER& header) noexcept;
-
-// A new zero-filled image with resolutions in dots per inch; empty when out of memory or a measure
-// is not above 0.
-OwnedBlock NewDib(int width, int height, int depth, int xResolution, int yResolution) noexcept;
-// The same with the resolutions, in pixels per metre, of another image's header.
+// A new zero-filled image with the resolutions, in pixels per metre, of another image's header;
+// empty when out of memory, when a measure is not above 0, or when the depth is not one of those
+// above.
 OwnedBlock NewDibLike(const BITMAPINFOHEADER& model, int width, int height, int depth) noexcept;
 // The same with the whole header of another image.
 OwnedBlock NewDibOf(const BITMAPINFOHEADER& header) noexcept;

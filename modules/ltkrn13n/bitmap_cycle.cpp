@@ -13,15 +13,20 @@ using modules::OwnedBlock;
 // the same leaves the header alone: pixels per metre tell more than dots per inch.
 void StampResolution(const struct_LEAD_Bitmap& bitmap, DibHandle block) {
   if (bitmap.width <= 0) return;  // the block was never understood
-  auto* const header = static_cast<BITMAPINFOHEADER*>(GlobalLock(block));
-  if (header == nullptr) return;
+  const orvo::BlockLock lock(block);
+  if (!lock) return;
+  auto* const header = reinterpret_cast<BITMAPINFOHEADER*>(lock.bytes());
   if (orvo::DotsPerInch(header->biXPelsPerMeter) != bitmap.xResolution) {
     header->biXPelsPerMeter = orvo::PixelsPerMetre(bitmap.xResolution);
   }
   if (orvo::DotsPerInch(header->biYPelsPerMeter) != bitmap.yResolution) {
     header->biYPelsPerMeter = orvo::PixelsPerMetre(bitmap.yResolution);
   }
-  GlobalUnlock(block);
+}
+
+bool IsUsable(const BITMAPINFOHEADER& header) {
+  return orvo::IsDibDepth(header.biBitCount) &&
+         orvo::DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount);
 }
 
 }  // namespace
@@ -53,9 +58,7 @@ int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
                      const void* pixels) {
   if (bitmap == nullptr) return kModuleNoBitmap;
   *bitmap = {};
-  if (header == nullptr || pixels == nullptr || !modules::UsableLayout(*header)) {
-    return kModuleNoBitmap;
-  }
+  if (header == nullptr || pixels == nullptr || !IsUsable(*header)) return kModuleNoBitmap;
   OwnedBlock copy = modules::NewDibOf(*header);
   {
     const LockedDib target(copy.get());

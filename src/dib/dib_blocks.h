@@ -1,10 +1,8 @@
-// Blocks as the COrvoCS methods make and lock them.
+// Blocks as the COrvoCS methods make, read and fill them.
 #ifndef ORVO_DIB_DIB_BLOCKS_H
 #define ORVO_DIB_DIB_BLOCKS_H
 
-#include <optional>
-
-#include <orvo/dib.h>
+#include <orvo/dib_block.h>
 
 namespace orvo {
 
@@ -18,28 +16,8 @@ namespace orvo {
 void TakeImage(DibHandle target, DibHandle source) noexcept;
 void TakeHeader(DibHandle target, DibHandle source) noexcept;
 
-// The part of biBitCount that the frames of the pixel functions take as the depth.
-constexpr std::uint16_t kLowByteOfDepth = 0xFF;
-
-// A lock on an image for as long as the object lives. Empty when the block cannot be locked or is
-// malformed.
-class LockedImage {
- public:
-  explicit LockedImage(DibHandle handle, std::uint16_t depthMask = 0xFFFF) noexcept;
-  ~LockedImage();
-  LockedImage(const LockedImage&) = delete;
-  LockedImage& operator=(const LockedImage&) = delete;
-
-  explicit operator bool() const { return layout_.has_value(); }
-  [[nodiscard]] std::uint8_t* bytes() const { return bytes_; }
-  [[nodiscard]] const orvo::DibLayout& layout() const { return *layout_; }
-  [[nodiscard]] std::uint8_t* pixels() const { return bytes_ + layout_->pixelOffset; }
-
- private:
-  DibHandle handle_;
-  std::uint8_t* bytes_;
-  std::optional<orvo::DibLayout> layout_;
-};
+// The frames of the pixel functions take the low byte of biBitCount as the depth.
+inline constexpr DibReading kLowByteOfDepth{.depthMask = 0xFF};
 
 }  // namespace orvo
 

@@ -22,13 +22,12 @@ constexpr std::uint8_t kMostLevel = 10;
 // One pixel under the header and palette of an 8-bit image; false when a block cannot be locked.
 bool FillProbe(DibHandle probe, DibHandle image) {
   const LockedImage source(image, kLowByteOfDepth);
-  void* const bytes = source ? GlobalLock(probe) : nullptr;
-  if (bytes == nullptr) return false;
-  BITMAPINFOHEADER header = orvo::DibHeaderOf(source.bytes());
+  const BlockLock target(probe);
+  if (!source || !target) return false;
+  BITMAPINFOHEADER header = source.header();
   header.biWidth = header.biHeight = 1;
-  std::memcpy(bytes, source.bytes(), source.layout().pixelOffset);
-  std::memcpy(bytes, &header, sizeof header);
-  GlobalUnlock(probe);
+  std::memcpy(target.bytes(), source.bytes(), source.layout().pixelOffset);
+  std::memcpy(target.bytes(), &header, sizeof header);
   return true;
 }
 
@@ -36,13 +35,11 @@ bool FillProbe(DibHandle probe, DibHandle image) {
 // back under another handle, and the caller's handle must not change; so it is shown a single pixel
 // of the same palette.
 int TestGray(CLeadTools& tools, DibHandle image) {
-  const auto onePixel = orvo::DibLayoutFor(1, 1, kGrayDepth);
-  DibHandle probe = GlobalAlloc(orvo::kDibBlockFlags, onePixel->totalBytes);
-  if (probe == nullptr) return ORVO_ERR_NO_MEMORY;
-  int code = FillProbe(probe, image) ? ORVO_OK : ORVO_ERR_FAILURE;
-  if (code == ORVO_OK && tools.LTIsGrayScaleBitmap(probe) == 0) code = ORVO_ERR_BAD_DEPTH;
-  GlobalFree(probe);
-  return code;
+  const auto onePixel = DibLayoutFor(1, 1, kGrayDepth);
+  OwnedDib probe(GlobalAlloc(kDibBlockFlags, onePixel->totalBytes));
+  if (!probe) return ORVO_ERR_NO_MEMORY;
+  if (!FillProbe(probe.get(), image)) return ORVO_ERR_FAILURE;
+  return tools.LTIsGrayScaleBitmap(*probe.address()) != 0 ? ORVO_OK : ORVO_ERR_BAD_DEPTH;
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 // Descreen: smooths a scan of screened print. Works straight on packed DIBs of 8 and 24 bits; an
 // 8-bit image is taken by its bytes, whatever its palette.
+#include "methods/descreen.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -36,14 +38,9 @@ class RowProgress {
   int last_ = -1;
 };
 
-// The rows of a locked block: they start behind the header, whose size the header tells, and the
-// palette.
-std::optional<orvo::DibLayout> RowsOf(const void* block, std::size_t bytes) {
-  if (block == nullptr || bytes < orvo::kDibHeaderBytes) return std::nullopt;
-  const BITMAPINFOHEADER header = orvo::DibHeaderOf(block);
-  const auto layout = orvo::DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount,
-                                         std::max<std::size_t>(header.biSize, sizeof header));
-  return layout && layout->totalBytes <= bytes ? layout : std::nullopt;
+// The rows start behind the palette, and that behind as many bytes as the header gives itself.
+std::size_t HeaderBytesTold(const BITMAPINFOHEADER& header) {
+  return std::max<std::size_t>(header.biSize, kDibHeaderBytes);
 }
 
 int FilterRows(const DescreenImage& image, std::uint32_t level, StatusCallback callback) {
@@ -57,23 +54,30 @@ int FilterRows(const DescreenImage& image, std::uint32_t level, StatusCallback c
   return ORVO_OK;
 }
 
-// from and to: the locked blocks of source and result, equal in place and otherwise copies.
-int FilterBlock(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes, std::uint32_t level,
+// from and to: source and result, one block in place and otherwise copies.
+int FilterImage(const LockedImage& from, const BlockLock& to, std::uint32_t level,
                 StatusCallback callback) {
-  if (bytes < orvo::kDibHeaderBytes) return ORVO_ERR_FAILURE;
-  const int depth = orvo::DibHeaderOf(from).biBitCount;
-  const bool takesDepth = depth == 8 || depth == 24;
-  if (takesDepth && orvo::DibHeaderOf(from).biHeight < 1) return ORVO_OK;
-  const auto layout = RowsOf(from, bytes);
-  if (!layout) return ORVO_ERR_FAILURE;
+  if (from.size() < kDibHeaderBytes || from.bytes() == nullptr || !to) return ORVO_ERR_FAILURE;
+  const BITMAPINFOHEADER header = from.header();
+  const bool takesDepth = header.biBitCount == 8 || header.biBitCount == 24;
+  if (takesDepth && header.biHeight < 1) return ORVO_OK;
+  if (!from) return ORVO_ERR_FAILURE;
   if (!takesDepth) return ORVO_ERR_BAD_DEPTH;
-  return FilterRows({.source = from + layout->pixelOffset,
-                     .target = to + layout->pixelOffset,
-                     .stride = layout->stride,
-                     .width = layout->width,
-                     .height = layout->height,
-                     .channels = depth / 8},
+  const DibLayout& layout = from.layout();
+  return FilterRows({.source = from.pixels(),
+                     .target = to.bytes() + layout.pixelOffset,
+                     .stride = layout.stride,
+                     .width = layout.width,
+                     .height = layout.height,
+                     .channels = layout.depth / 8},
                     level, callback);
+}
+
+// Locks both for the time of the work.
+int FilterBlock(DibHandle source, DibHandle target, std::uint32_t level, StatusCallback callback) {
+  const LockedImage from(source, {.headerBytes = HeaderBytesTold});
+  const BlockLock to(target);
+  return FilterImage(from, to, level, callback);
 }
 
 }  // namespace
@@ -94,15 +98,19 @@ int COrvoCS::CSDescreen(DibHandle source, DibHandle* result, std::uint32_t level
     *result = nullptr;
     return ORVO_ERR_NO_MEMORY;
   }
-  const DibHandle target = *result;
-  const auto* const from = static_cast<const std::uint8_t*>(GlobalLock(source));
-  auto* const to = static_cast<std::uint8_t*>(GlobalLock(target));
-  const int code = from != nullptr && to != nullptr
-                       ? FilterBlock(from, to, GlobalSize(source), level, callback)
-                       : static_cast<int>(ORVO_ERR_FAILURE);
-  if (from != nullptr) GlobalUnlock(source);
-  if (to != nullptr) GlobalUnlock(target);
+  const int code = FilterBlock(source, *result, level, callback);
   // A copy that could not be worked on stays in the result handle; one that was given up does not.
   const bool keep = code == ORVO_OK || code == ORVO_ERR_FAILURE;
   return keep ? code : block.takeBack(code);
+}
+
+int orvo::SharpenChange(std::uint32_t amount) noexcept {
+  constexpr std::uint32_t kChangePerAmount = 10;
+  constexpr std::uint32_t kFarBeyond = 1000000;
+  return static_cast<int>(std::min(amount, kFarBeyond) * kChangePerAmount);
+}
+
+void orvo::MoveImage(DibHandle target, DibHandle image) noexcept {
+  const OwnedDib owned(image);
+  TakeImage(target, image);
 }

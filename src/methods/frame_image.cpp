@@ -1,7 +1,5 @@
 #include "methods/frame_image.h"
 
-#include <utility>
-
 #include <orvo/CLeadTools.h>
 #include <orvo/result_codes.h>
 
@@ -22,22 +20,14 @@ std::optional<std::uint8_t> DepthOf(DibHandle image) {
 
 }  // namespace
 
-FrameImage::~FrameImage() {
-  unlock();
-  if (copy_ != nullptr) GlobalFree(copy_);
-}
-
 int FrameImage::take(CLeadTools* tools, DibHandle source) {
   std::optional<std::uint8_t> depth = DepthOf(source);
   if (!depth) return ORVO_ERR_FAILURE;
   incomingDepth_ = *depth;
   if (*depth == 16 || *depth == 32) {
-    DibHandle converted = nullptr;
-    if (tools != nullptr) tools->LTConvertToColorRes(source, &converted, kColorDepth);
-    // A conversion that failed leaves no image, or the source.
-    if (converted == nullptr || converted == source) return ORVO_ERR_BAD_DEPTH;
-    copy_ = converted;
-    depth = DepthOf(copy_);
+    if (tools != nullptr) tools->LTConvertToColorRes(source, copy_.receive(source), kColorDepth);
+    if (!copy_) return ORVO_ERR_BAD_DEPTH;
+    depth = DepthOf(copy_.get());
     if (!depth) return ORVO_ERR_FAILURE;
   }
   depth_ = *depth;
@@ -45,7 +35,7 @@ int FrameImage::take(CLeadTools* tools, DibHandle source) {
 }
 
 int FrameImage::open(DibHandle source) {
-  const DibHandle image = hasCopy() ? copy_ : source;
+  const DibHandle image = hasCopy() ? copy_.get() : source;
   return lock(image, image) ? ORVO_OK : ORVO_ERR_FAILURE;
 }
 
@@ -61,12 +51,12 @@ int FrameImage::open(DibHandle source, DibHandle* result) {
 void FrameImage::finish(CLeadTools* tools, DibHandle source, DibHandle* result) {
   unlock();
   if (!hasCopy()) return;
-  tools->LTConvertToColorRes(copy_, nullptr, incomingDepth_);
+  tools->LTConvertToColorRes(*copy_.address(), nullptr, incomingDepth_);
   if (*result == source) {
-    TakeImage(source, copy_);
+    TakeImage(source, copy_.get());
   } else {
-    TakeHeader(copy_, source);
-    *result = std::exchange(copy_, nullptr);
+    TakeHeader(copy_.get(), source);
+    *result = copy_.release();
   }
 }
 

@@ -14,17 +14,12 @@ class CLeadTools;
 
 class FrameImage {
  public:
-  FrameImage() = default;
-  ~FrameImage();
-  FrameImage(const FrameImage&) = delete;
-  FrameImage& operator=(const FrameImage&) = delete;
-
   // Reads the depth and makes the working copy where one is needed. ORVO_ERR_FAILURE when a block
   // cannot be locked, ORVO_ERR_BAD_DEPTH when no copy came of the conversion. tools may be null.
   [[nodiscard]] int take(CLeadTools* tools, DibHandle source);
   // The low byte of biBitCount, of the copy when there is one.
   [[nodiscard]] std::uint8_t depth() const { return depth_; }
-  [[nodiscard]] bool hasCopy() const { return copy_ != nullptr; }
+  [[nodiscard]] bool hasCopy() const { return static_cast<bool>(copy_); }
 
   // Locks the image for reading.
   [[nodiscard]] int open(DibHandle source);
@@ -51,7 +46,7 @@ class FrameImage {
   [[nodiscard]] bool lock(DibHandle from, DibHandle to);
   void unlock();
 
-  DibHandle copy_ = nullptr;
+  orvo::OwnedDib copy_;
   std::uint8_t incomingDepth_ = 0;
   std::uint8_t depth_ = 0;
   std::optional<orvo::LockedImage> source_;

@@ -28,7 +28,7 @@ int WhitenImage(const LockedImage& image, std::uint32_t threshold) {
       return ORVO_OK;
     case 24:
       for (int y = 0; y < layout.height; ++y) {
-        std::uint8_t* pixel = image.pixels() + layout.stride * static_cast<std::size_t>(y);
+        std::uint8_t* pixel = image.row(y);
         for (int x = 0; x < layout.width; ++x, pixel += 3) Whiten(pixel, threshold);
       }
       return ORVO_OK;

@@ -43,16 +43,10 @@ class Locked {
 
 // A zero-filled image, 300 dots per inch; depths to 8 get an even gray palette.
 inline orvo::OwnedDib Blank(int width, int height, int depth) {
-  const orvo::DibLayout layout = orvo::DibLayoutFor(width, height, depth).value();
-  orvo::OwnedDib dib(GlobalAlloc(orvo::kDibBlockFlags, layout.totalBytes));
+  const std::int32_t resolution = orvo::PixelsPerMetre(300);
+  orvo::OwnedDib dib =
+      orvo::NewDib(orvo::DibHeaderFor(width, height, depth, resolution, resolution));
   const Locked image(dib.get());
-  BITMAPINFOHEADER& header = *image.header();
-  header.biSize = sizeof header;
-  header.biWidth = width;
-  header.biHeight = height;
-  header.biPlanes = 1;
-  header.biBitCount = static_cast<std::uint16_t>(depth);
-  header.biXPelsPerMeter = header.biYPelsPerMeter = orvo::PixelsPerMetre(300);
   const int colors = static_cast<int>(orvo::DibPaletteBytes(depth) / 4);
   for (int i = 0; i < colors; ++i) {
     const auto tone = static_cast<std::uint8_t>(i * 255 / (colors - 1));
