@@ -8,12 +8,13 @@
 // Source and result. Every image method takes a reference to the source handle and a pointer to the
 // result handle.
 //   result null      in place: the block passes to the module and comes back, perhaps under another
-//                    handle. The source variable holds the valid handle afterwards, success or not.
+//                    handle. The source variable holds the valid handle afterwards, success or
+//                    not.
 //   result not null  a copy is changed, the source stays as it is. On success a handle that stood
-//   in
-//                    the result is freed and the new block, owned by the caller, takes its place;
-//                    so source and result may be the same variable. On failure the result is left
-//                    alone or set to the source: compare the two before freeing both.
+//                    in the result is freed and the new block, owned by the caller, takes its
+//                    place; so source and result may be the same variable. On failure the result is
+//                    left alone or set to the source: compare the two before freeing both.
+//
 // Common codes: ORVO_ERR_NULL_IMAGE (source null), ORVO_ERR_NO_VENDOR, ORVO_ERR_OUT_OF_RANGE
 // (result set to the source), ORVO_ERR_BAD_DEPTH (result left alone), ORVO_ERR_NO_MEMORY,
 // ORVO_ERR_CANCELLED and ORVO_ERR_VENDOR (result set to the source).
@@ -106,8 +107,7 @@ class ORVO_API CLeadTools {
  private:
   friend class orvo::Modules;
   using EntryPoint = void (*)();
-  static constexpr std::size_t kPdfEntryCount = 12;
-  static constexpr std::size_t kModuleEntryCount = 29;
+  static constexpr std::size_t kModuleEntryCount = 41;
 
   void GetLTProcAddresses(char* path) noexcept;
   int SavePdf(DibHandle source, const char* path) noexcept;
@@ -118,7 +118,6 @@ class ORVO_API CLeadTools {
   void* imageModule = nullptr;
   void* fileModule = nullptr;
   int ditheringMode = 0;
-  EntryPoint pdfEntries[kPdfEntryCount] = {};
   EntryPoint moduleEntries[kModuleEntryCount] = {};
 };
 

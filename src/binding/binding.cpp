@@ -3,7 +3,7 @@
 #include <cstring>
 #include <span>
 
-#include <orvo/result_codes.h>
+#include <orvo/dib_block.h>
 
 #include "binding/module_entries.h"
 #include "platform/modules.h"
@@ -12,12 +12,8 @@ using namespace orvo;
 
 namespace {
 
-constexpr const char* kPdfNames[] = {
-    "PDF_new",         "PDF_open_file",  "PDF_set_info", "PDF_open_image_file",
-    "PDF_get_value",   "PDF_begin_page", "PDF_scale",    "PDF_place_image",
-    "PDF_close_image", "PDF_end_page",   "PDF_close",    "PDF_delete"};
-
 #define ORVO_ENTRY_TEXT(name) #name,
+constexpr const char* kPdfNames[] = {ORVO_PDF_ENTRIES(ORVO_ENTRY_TEXT)};
 constexpr const char* kKernelNames[] = {ORVO_KERNEL_ENTRIES(ORVO_ENTRY_TEXT)};
 constexpr const char* kImageNames[] = {ORVO_IMAGE_ENTRIES(ORVO_ENTRY_TEXT)};
 constexpr const char* kFileNames[] = {ORVO_FILE_ENTRIES(ORVO_ENTRY_TEXT)};
@@ -68,7 +64,7 @@ CLeadTools::CLeadTools() noexcept {
   const unsigned length = GetModuleFileNameA(ownModule, path, MAX_PATH);
   if (length == 0 || length >= MAX_PATH) return;
   pdfModule = LoadBeside(path, "PdfLib.dll");
-  if (pdfModule != nullptr) LookUp(pdfModule, kPdfNames, pdfEntries);
+  if (pdfModule != nullptr) LookUp(pdfModule, kPdfNames, moduleEntries);
   GetLTProcAddresses(path);
   LTSetDitheringMode(1);
 }
@@ -81,7 +77,6 @@ CLeadTools::~CLeadTools() {
 }
 
 void CLeadTools::GetLTProcAddresses(char* path) noexcept {
-  static_assert(std::size(kPdfNames) == kPdfEntryCount);
   struct Step {
     const char* fileName;
     void*& module;
@@ -90,7 +85,7 @@ void CLeadTools::GetLTProcAddresses(char* path) noexcept {
   const Step steps[] = {{"ltkrn13n.dll", kernelModule, kKernelNames},
                         {"ltimg13n.dll", imageModule, kImageNames},
                         {"ltfil13n.dll", fileModule, kFileNames}};
-  EntryPoint* entries = moduleEntries;
+  EntryPoint* entries = moduleEntries + std::size(kPdfNames);
   for (const Step& step : steps) {
     step.module = LoadBeside(path, step.fileName);
     if (step.module == nullptr) return;
@@ -111,11 +106,8 @@ void Modules::ConvertFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) const {
   const auto convert = call<Entry::L_ConvertFromDIB>();
   if (convert == nullptr) return;
   *bitmap = {};
-  const void* const block = GlobalLock(dib);
-  if (block == nullptr) return;
-  if (const auto layout = orvo::DibLayoutOf(block, GlobalSize(dib))) {
-    const auto* const bytes = static_cast<const std::uint8_t*>(block);
-    convert(bitmap, static_cast<const BITMAPINFOHEADER*>(block), bytes + layout->pixelOffset);
+  const LockedImage image(dib);
+  if (image) {
+    convert(bitmap, reinterpret_cast<const BITMAPINFOHEADER*>(image.bytes()), image.pixels());
   }
-  GlobalUnlock(dib);
 }

@@ -2,6 +2,7 @@
 #ifndef ORVO_BINDING_FILE_TYPES_H
 #define ORVO_BINDING_FILE_TYPES_H
 
+#include <cstdint>
 #include <optional>
 
 namespace orvo {
@@ -10,13 +11,12 @@ namespace orvo {
 enum class SaveQuality { kNone, kCallers, kFixedLow };
 
 struct SaveType {
-  const char* extension;
-  int format;
+  int format = 0;
   SaveQuality quality = SaveQuality::kNone;
   bool takesPages = false;  // a flag other than 0 appends a page
 };
 
-// The row of LTSaveFile's table, nothing for other names.
+// Nothing for names that LTSaveFile does not take.
 [[nodiscard]] std::optional<SaveType> SaveTypeOf(const char* path) noexcept;
 
 // Whether the name ends in ".PDF", without regard to case.
@@ -31,6 +31,13 @@ constexpr int kUnknownFileType = 14;
 
 // The module's format number for the target of a conversion.
 [[nodiscard]] int DetermineFileTypeByName(const char* path) noexcept;
+
+// Whether the name is one of an image file, whether or not files of its kind can be loaded.
+[[nodiscard]] bool IsImageFileName(const char* path) noexcept;
+
+// Copies out the extensions of the files that can be loaded, as COrvoInstance::GetFileExtensions
+// tells.
+int CopyLoadableExtensions(int* count, char* buffer, std::uint32_t* size) noexcept;
 
 }  // namespace orvo
 

@@ -11,7 +11,21 @@
 
 namespace orvo {
 
-// Every entry of the imaging modules, module by module, in the order in which they are looked up.
+// Every entry of the modules, module by module, in the order in which they are looked up.
+#define ORVO_PDF_ENTRIES(ENTRY) \
+  ENTRY(PDF_new)                \
+  ENTRY(PDF_open_file)          \
+  ENTRY(PDF_set_info)           \
+  ENTRY(PDF_open_image_file)    \
+  ENTRY(PDF_get_value)          \
+  ENTRY(PDF_begin_page)         \
+  ENTRY(PDF_scale)              \
+  ENTRY(PDF_place_image)        \
+  ENTRY(PDF_close_image)        \
+  ENTRY(PDF_end_page)           \
+  ENTRY(PDF_close)              \
+  ENTRY(PDF_delete)
+
 #define ORVO_KERNEL_ENTRIES(ENTRY) \
   ENTRY(L_ChangeFromDIB)           \
   ENTRY(L_ChangeToDIB)             \
@@ -50,8 +64,8 @@ namespace orvo {
 // An entry's place among the entries of a CLeadTools.
 enum class Entry : std::size_t {
 #define ORVO_ENTRY_NAME(name) name,
-  ORVO_KERNEL_ENTRIES(ORVO_ENTRY_NAME) ORVO_IMAGE_ENTRIES(ORVO_ENTRY_NAME)
-      ORVO_FILE_ENTRIES(ORVO_ENTRY_NAME)
+  ORVO_PDF_ENTRIES(ORVO_ENTRY_NAME) ORVO_KERNEL_ENTRIES(ORVO_ENTRY_NAME)
+      ORVO_IMAGE_ENTRIES(ORVO_ENTRY_NAME) ORVO_FILE_ENTRIES(ORVO_ENTRY_NAME)
 #undef ORVO_ENTRY_NAME
           kCount
 };
@@ -63,12 +77,13 @@ struct EntryType;
   struct EntryType<Entry::name> {      \
     using Pointer = decltype(&::name); \
   };
+ORVO_PDF_ENTRIES(ORVO_ENTRY_TYPE)
 ORVO_KERNEL_ENTRIES(ORVO_ENTRY_TYPE)
 ORVO_IMAGE_ENTRIES(ORVO_ENTRY_TYPE)
 ORVO_FILE_ENTRIES(ORVO_ENTRY_TYPE)
 #undef ORVO_ENTRY_TYPE
 
-// The imaging modules as a CLeadTools has bound them.
+// The modules as a CLeadTools has bound them.
 class Modules {
  public:
   explicit Modules(const CLeadTools& tools) : tools_(tools) {

@@ -11,54 +11,17 @@
 #include <orvo/CLeadTools.h>
 
 #include "binding/file_types.h"
-#include "binding/module_contract.h"
+#include "binding/module_entries.h"
 #include "platform/paths.h"
 
 using namespace orvo;
 
 namespace {
 
-using EntryPoint = void (*)();
-
 constexpr int kPdfModuleFailed = -1;  // what the module answers when it cannot open a file
 constexpr float kPointsPerInch = 72;
 
-template <class Function>
-Function* As(EntryPoint entry) {
-  return reinterpret_cast<Function*>(entry);
-}
-
-// The module's functions, taken in the order in which they are bound.
-struct PdfModule {
-  explicit PdfModule(const EntryPoint* entry)
-      : create(As<decltype(PDF_new)>(*entry++)),
-        openFile(As<decltype(PDF_open_file)>(*entry++)),
-        setInfo(As<decltype(PDF_set_info)>(*entry++)),
-        openImageFile(As<decltype(PDF_open_image_file)>(*entry++)),
-        getValue(As<decltype(PDF_get_value)>(*entry++)),
-        beginPage(As<decltype(PDF_begin_page)>(*entry++)),
-        scale(As<decltype(PDF_scale)>(*entry++)),
-        placeImage(As<decltype(PDF_place_image)>(*entry++)),
-        closeImage(As<decltype(PDF_close_image)>(*entry++)),
-        endPage(As<decltype(PDF_end_page)>(*entry++)),
-        close(As<decltype(PDF_close)>(*entry++)),
-        remove(As<decltype(PDF_delete)>(*entry)) {}
-
-  decltype(PDF_new)* create;
-  decltype(PDF_open_file)* openFile;
-  decltype(PDF_set_info)* setInfo;
-  decltype(PDF_open_image_file)* openImageFile;
-  decltype(PDF_get_value)* getValue;
-  decltype(PDF_begin_page)* beginPage;
-  decltype(PDF_scale)* scale;
-  decltype(PDF_place_image)* placeImage;
-  decltype(PDF_close_image)* closeImage;
-  decltype(PDF_end_page)* endPage;
-  decltype(PDF_close)* close;
-  decltype(PDF_delete)* remove;
-};
-
-void SetInfo(const PdfModule& pdf, PdfDocument* document, const char* target) {
+void SetInfo(const Modules& pdf, PdfDocument* document, const char* target) {
   std::array<char, _MAX_FNAME> title{};
   _splitpath(target, nullptr, nullptr, title.data(), nullptr);
 
@@ -73,10 +36,10 @@ void SetInfo(const PdfModule& pdf, PdfDocument* document, const char* target) {
   std::ranges::copy(stem, creator.begin());
   std::ranges::copy(std::string_view(extension.data()), creator.begin() + stem.size());
 
-  pdf.setInfo(document, "Title", title.data());
-  pdf.setInfo(document, "Creator", creator.data());
-  pdf.setInfo(document, "Author", "");
-  pdf.setInfo(document, "Subject", "Created PDF");
+  pdf.call<Entry::PDF_set_info>()(document, "Title", title.data());
+  pdf.call<Entry::PDF_set_info>()(document, "Creator", creator.data());
+  pdf.call<Entry::PDF_set_info>()(document, "Author", "");
+  pdf.call<Entry::PDF_set_info>()(document, "Subject", "Created PDF");
 }
 
 struct Scale {
@@ -95,26 +58,27 @@ Scale ScaleOf(float xResolution, float yResolution) {
 }
 
 // False when there is no such page.
-bool AddPage(const PdfModule& pdf, PdfDocument* document, const char* type, const char* source,
+bool AddPage(const Modules& pdf, PdfDocument* document, const char* type, const char* source,
              const char* parameter, int number) {
-  const int image = pdf.openImageFile(document, type, source, parameter, number);
+  const int image =
+      pdf.call<Entry::PDF_open_image_file>()(document, type, source, parameter, number);
   if (image == kPdfModuleFailed) return false;
   const auto key = static_cast<float>(image);
-  const float xResolution = pdf.getValue(document, "resx", key);
-  const float yResolution = pdf.getValue(document, "resy", key);
+  const float xResolution = pdf.call<Entry::PDF_get_value>()(document, "resx", key);
+  const float yResolution = pdf.call<Entry::PDF_get_value>()(document, "resy", key);
   const Scale scale = ScaleOf(xResolution, yResolution);
-  const float height = pdf.getValue(document, "imageheight", key) * scale.y;
-  const float width = pdf.getValue(document, "imagewidth", key) * scale.x;
-  pdf.beginPage(document, width, height);
-  pdf.scale(document, scale.x, scale.y);
-  pdf.placeImage(document, image, 0, 0, 1);
-  pdf.closeImage(document, image);
-  pdf.endPage(document);
+  const float height = pdf.call<Entry::PDF_get_value>()(document, "imageheight", key) * scale.y;
+  const float width = pdf.call<Entry::PDF_get_value>()(document, "imagewidth", key) * scale.x;
+  pdf.call<Entry::PDF_begin_page>()(document, width, height);
+  pdf.call<Entry::PDF_scale>()(document, scale.x, scale.y);
+  pdf.call<Entry::PDF_place_image>()(document, image, 0, 0, 1);
+  pdf.call<Entry::PDF_close_image>()(document, image);
+  pdf.call<Entry::PDF_end_page>()(document);
   return true;
 }
 
 // Whether there was a first page.
-bool AddPages(const PdfModule& pdf, PdfDocument* document, const char* type, const char* source) {
+bool AddPages(const Modules& pdf, PdfDocument* document, const char* type, const char* source) {
   if (std::string_view(type) != "tiff") return AddPage(pdf, document, type, source, "", 0);
   int number = 1;
   while (AddPage(pdf, document, type, source, "page", number)) ++number;
@@ -133,19 +97,18 @@ bool IsThere(const char* path) {
 }  // namespace
 
 int CLeadTools::ConvertToPDF(const char* source, const char* target) noexcept {
-  const bool bound = pdfModule != nullptr && std::ranges::all_of(pdfEntries, [](EntryPoint entry) {
-                       return entry != nullptr;
-                     });
-  if (!bound) return kPdfNoModule;
+  const Modules pdf(*this);
+#define ORVO_PDF_ENTRY(name) Entry::name,
+  if (!pdf.hasAll({ORVO_PDF_ENTRIES(ORVO_PDF_ENTRY)})) return kPdfNoModule;
+#undef ORVO_PDF_ENTRY
   if (source == nullptr) return kPdfNoSource;
   const char* const type = PdfPictureTypeOf(source);
   if (type == nullptr) return kPdfNoPictureType;
   DeleteFileA(target);
 
-  const PdfModule pdf(pdfEntries);
-  PdfDocument* const document = pdf.create();
-  if (pdf.openFile(document, target) == kPdfModuleFailed) {
-    pdf.remove(document);
+  PdfDocument* const document = pdf.call<Entry::PDF_new>()();
+  if (pdf.call<Entry::PDF_open_file>()(document, target) == kPdfModuleFailed) {
+    pdf.call<Entry::PDF_delete>()(document);
     return kPdfNotWritten;
   }
   // Closing gives no answer. A module that keeps the target's place from its opening and then
@@ -153,8 +116,8 @@ int CLeadTools::ConvertToPDF(const char* source, const char* target) noexcept {
   const bool hadPlace = IsThere(target);
   SetInfo(pdf, document, target);
   const bool anyPage = AddPages(pdf, document, type, source);
-  pdf.close(document);
-  pdf.remove(document);
+  pdf.call<Entry::PDF_close>()(document);
+  pdf.call<Entry::PDF_delete>()(document);
   if (!anyPage) return kPdfNoPicture;
   return hadPlace && !IsThere(target) ? kPdfNotWritten : kPdfDone;
 }
