@@ -9,6 +9,7 @@
 #include <orvo/raii.h>
 
 #include "imaging/regions/region_finder.h"
+#include "methods/page_image.h"
 
 #ifdef ORVO_HAVE_LEPTONICA
 #include <leptonica/allheaders.h>
@@ -38,23 +39,15 @@ bool IsDark(int kind, int x, int y) {
 }
 
 orvo::OwnedDib Page(int kind, int depth) {
-  const orvo::DibLayout layout = orvo::DibLayoutFor(kWidth, kHeight, depth).value();
-  orvo::OwnedDib page(GlobalAlloc(orvo::kDibBlockFlags, layout.totalBytes));
-  auto* const bytes = static_cast<std::uint8_t*>(GlobalLock(page.get()));
-  BITMAPINFOHEADER header{};
-  header.biSize = sizeof header;
-  header.biWidth = kWidth;
-  header.biHeight = kHeight;
-  header.biPlanes = 1;
-  header.biBitCount = static_cast<std::uint16_t>(depth);
-  std::memcpy(bytes, &header, sizeof header);
+  orvo::OwnedDib page = orvo::NewDib(orvo::DibHeaderFor(kWidth, kHeight, depth));
+  const orvo::LockedImage image(page.get());
   const std::size_t colors = orvo::DibPaletteBytes(depth) / 4;
   for (std::size_t i = 0; i < colors; ++i) {
-    std::memset(bytes + sizeof header + 4 * i, static_cast<int>(i * 255 / (colors - 1)), 3);
+    std::memset(image.bytes() + orvo::kDibHeaderBytes + 4 * i,
+                static_cast<int>(i * 255 / (colors - 1)), 3);
   }
   for (int y = 0; y < kHeight; ++y) {
-    std::uint8_t* const row =
-        bytes + layout.pixelOffset + layout.stride * static_cast<std::size_t>(kHeight - 1 - y);
+    std::uint8_t* const row = image.row(kHeight - 1 - y);
     for (int x = 0; x < kWidth; ++x) {
       if (IsDark(kind, x, y)) continue;
       if (depth == 1) {
@@ -64,7 +57,6 @@ orvo::OwnedDib Page(int kind, int depth) {
       }
     }
   }
-  GlobalUnlock(page.get());
   return page;
 }
 
@@ -74,18 +66,17 @@ void CountPixels(benchmark::State& state) {
 
 void Read(benchmark::State& state) {
   const orvo::OwnedDib page = Page(kClean, static_cast<int>(state.range(0)));
-  const auto* const bytes = static_cast<const std::uint8_t*>(GlobalLock(page.get()));
-  const std::size_t words = GlobalSize(page.get()) / sizeof(std::uint64_t);
+  const orvo::BlockLock lock(page.get());
+  const std::size_t words = lock.size() / sizeof(std::uint64_t);
   for (auto _ : state) {
     std::uint64_t sum = 0;
     for (std::size_t i = 0; i < words; ++i) {
       std::uint64_t word = 0;
-      std::memcpy(&word, bytes + i * sizeof word, sizeof word);
+      std::memcpy(&word, lock.bytes() + i * sizeof word, sizeof word);
       sum ^= word;
     }
     benchmark::DoNotOptimize(sum);
   }
-  GlobalUnlock(page.get());
   CountPixels(state);
 }
 BENCHMARK(Read)->ArgName("depth")->Arg(1)->Arg(8)->Arg(24)->Unit(benchmark::kMillisecond);
@@ -95,7 +86,7 @@ void FindRegions(benchmark::State& state) {
       Page(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
   for (auto _ : state) {
     RegionFinder finder({.mergeReach = static_cast<int>(state.range(2)), .whiteLevel = 250});
-    finder.Capture(page.get());
+    CapturePage(page.get(), finder);
     finder.Segment();
     benchmark::DoNotOptimize(finder.RegionCount());
   }
@@ -113,7 +104,7 @@ void Skew(benchmark::State& state) {
   const orvo::OwnedDib page = Page(kText, static_cast<int>(state.range(0)));
   for (auto _ : state) {
     RegionFinder finder;
-    finder.Capture(page.get());
+    CapturePage(page.get(), finder);
     finder.SegmentForDeskew();
     if (finder.RegionCount() == 0) {
       state.SkipWithError("no region");

@@ -21,13 +21,14 @@
 //
 // Pairs. An operation and its ...InPlace partner do the same. In the entries below
 //   source    is a handle, read only unless the name ends in InPlace; null gives
-//   ORVO_ERR_NULL_IMAGE; result    points to the caller's handle, which receives a new block that
-//   the caller owns. The
+//             ORVO_ERR_NULL_IMAGE;
+//   result    points to the caller's handle, which receives a new block that the caller owns. The
 //             operations marked [own] overwrite the handle that stood there; those marked [module]
 //             free it first, except ChangeResolution;
 //   image     points to the caller's handle, which the call may replace: afterwards the variable
 //             holds the one valid handle, success or not;
 //   callback  may be null; see StatusCallback in <orvo/records.h>.
+//
 // On failure the source is unchanged and the caller's handle valid; the result is often set to the
 // source, so compare the two before freeing both. Operations marked [module] return
 // ORVO_ERR_NO_VENDOR when the module that carries them out is missing. A block that is too small
@@ -250,8 +251,6 @@ class COrvoInstance {
   COrvoInstance() noexcept = default;
   ~COrvoInstance() = default;
   static void* operator new(std::size_t bytes) noexcept;
-
-  int FindAutoTrimRect(DibHandle source, std::uint8_t threshold, RECT* rect) noexcept;
 
   CLeadTools* leadTools = nullptr;
   COrvoCS* orvoCS = nullptr;

@@ -13,31 +13,11 @@ namespace {
 // Spacing of the seeds, in source pixels.
 constexpr int kSeedStep = 5;
 
-class BlockLock {
- public:
-  explicit BlockLock(DibHandle handle) noexcept
-      : handle_(handle), bytes_(static_cast<const std::uint8_t*>(GlobalLock(handle))) {}
-  ~BlockLock() {
-    if (bytes_ != nullptr) GlobalUnlock(handle_);
-  }
-  BlockLock(const BlockLock&) = delete;
-  BlockLock& operator=(const BlockLock&) = delete;
-
-  [[nodiscard]] const std::uint8_t* bytes() const { return bytes_; }
-
- private:
-  DibHandle handle_;
-  const std::uint8_t* bytes_;
-};
-
 }  // namespace
 
-void RegionFinder::Capture(DibHandle source) {
-  const BlockLock lock(source);
-  const auto image = DescribeImage(lock.bytes(), GlobalSize(source));
-  if (!image) return;
-  scale_ = MaskScale(*image);
-  mask_ = ReduceToMask(*image, scale_, settings_.whiteLevel);
+void RegionFinder::Capture(const SourceImage& image) {
+  scale_ = MaskScale(image);
+  mask_ = ReduceToMask(image, scale_, settings_.whiteLevel);
 }
 
 void RegionFinder::Segment() {

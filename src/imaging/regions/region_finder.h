@@ -7,11 +7,12 @@
 
 #include <vector>
 
-#include <orvo/dib.h>
+#include <orvo/platform.h>
 
 #include "imaging/regions/clean_up.h"
 #include "imaging/regions/mask.h"
 #include "imaging/regions/pixel_region.h"
+#include "imaging/regions/source_image.h"
 
 namespace orvo {
 
@@ -25,9 +26,8 @@ class RegionFinder {
  public:
   explicit RegionFinder(const FinderSettings& settings = {}) : settings_(settings) {}
 
-  // Reads the image, of any depth, once. A block that cannot be locked or is malformed counts as an
-  // empty page.
-  void Capture(DibHandle source);
+  // Reads the image, which is not needed afterwards. Without a Capture the page is empty.
+  void Capture(const SourceImage& image);
 
   // For a list of items.
   void Segment();

@@ -1,11 +1,10 @@
-// What the reduction needs to know of a packed DIB: where its rows are and how a pixel becomes a
+// What the reduction needs to know of an image: where its rows are and how a pixel becomes a
 // colour.
 #ifndef ORVO_IMAGING_REGIONS_SOURCE_IMAGE_H
 #define ORVO_IMAGING_REGIONS_SOURCE_IMAGE_H
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 namespace orvo {
 
@@ -30,11 +29,6 @@ struct SourceImage {
     return rows + stride * static_cast<std::size_t>(height - 1 - y);
   }
 };
-
-// The image in a locked block of `bytes` bytes; nothing when the block is null or malformed, or its
-// rows are compressed.
-[[nodiscard]] std::optional<SourceImage> DescribeImage(const std::uint8_t* block,
-                                                       std::size_t bytes);
 
 }  // namespace orvo
 

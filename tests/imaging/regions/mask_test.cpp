@@ -1,6 +1,7 @@
 // The page at its reduced size: every depth, every kind of header, and what counts as dark.
 #include <gtest/gtest.h>
 
+#include "methods/page_image.h"
 #include "plain_finder.h"
 #include "support/pictures.h"
 
