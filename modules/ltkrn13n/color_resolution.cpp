@@ -148,10 +148,6 @@ int ChangeDepth(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int bits
   return code == kModuleSuccess ? drawing.finish(*target) : code;
 }
 
-bool IsDepth(int bits) {
-  return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
-}
-
 }  // namespace
 
 int L_DefaultDithering(unsigned mode) {
@@ -169,6 +165,6 @@ int L_ColorResBitmap(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int
                      void* callback, void* /*userData*/) {
   const bool plain =
       palette == nullptr && systemPalette == nullptr && colors == nullptr && callback == nullptr;
-  if (!plain || !IsDepth(bits)) return kModuleBadParameter;
+  if (!plain || !orvo::IsDibDepth(bits)) return kModuleBadParameter;
   return modules::Guarded([=] { return ChangeDepth(source, target, bits, flags); });
 }

@@ -1,20 +1,12 @@
 #include "binding/bitmap_cycle.h"
 
+#include <orvo/dib.h>
+
 namespace orvo {
 
 bool DepthIsTaken(Depths depths, int bitsPerPixel) noexcept {
-  switch (bitsPerPixel) {
-    case 1:
-      return depths != Depths::kFourUp;
-    case 4:
-    case 8:
-    case 16:
-    case 24:
-    case 32:
-      return true;
-    default:
-      return depths == Depths::kAny;
-  }
+  return depths == Depths::kAny ||
+         (IsDibDepth(bitsPerPixel) && (depths == Depths::kOneUp || bitsPerPixel >= 4));
 }
 
 int BitmapCycle::testBindings() const {

@@ -54,10 +54,11 @@ int FilterRows(const DescreenImage& image, std::uint32_t level, StatusCallback c
   return ORVO_OK;
 }
 
-// from and to: source and result, one block in place and otherwise copies.
-int FilterImage(const LockedImage& from, const BlockLock& to, std::uint32_t level,
-                StatusCallback callback) {
-  if (from.size() < kDibHeaderBytes || from.bytes() == nullptr || !to) return ORVO_ERR_FAILURE;
+// source and target: one block in place, otherwise copies.
+int FilterBlock(DibHandle source, DibHandle target, std::uint32_t level, StatusCallback callback) {
+  const LockedImage from(source, {.headerBytes = HeaderBytesTold});
+  const BlockLock to(target);
+  if (from.bytes() == nullptr || from.size() < kDibHeaderBytes || !to) return ORVO_ERR_FAILURE;
   const BITMAPINFOHEADER header = from.header();
   const bool takesDepth = header.biBitCount == 8 || header.biBitCount == 24;
   if (takesDepth && header.biHeight < 1) return ORVO_OK;
@@ -71,13 +72,6 @@ int FilterImage(const LockedImage& from, const BlockLock& to, std::uint32_t leve
                      .height = layout.height,
                      .channels = layout.depth / 8},
                     level, callback);
-}
-
-// Locks both for the time of the work.
-int FilterBlock(DibHandle source, DibHandle target, std::uint32_t level, StatusCallback callback) {
-  const LockedImage from(source, {.headerBytes = HeaderBytesTold});
-  const BlockLock to(target);
-  return FilterImage(from, to, level, callback);
 }
 
 }  // namespace

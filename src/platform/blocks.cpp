@@ -20,25 +20,21 @@ struct Block {
 
 using Blocks = std::unordered_map<void*, Block>;
 
+#if defined(ORVO_FAULT_INJECTION)
 // Counts down to the one call that is to fail.
 class FaultCountdown {
  public:
-#if defined(ORVO_FAULT_INJECTION)
-  void set(int n) {
-    left_ = n;
-  }
-  bool fires() {
-    return left_ > 0 && --left_ == 0;
-  }
+  void set(int n) { left_ = n; }
+  bool fires() { return left_ > 0 && --left_ == 0; }
 
  private:
   int left_ = 0;
-#else
-  static constexpr bool fires() {
-    return false;
-  }
-#endif
 };
+#else
+struct FaultCountdown {
+  static constexpr bool fires() { return false; }
+};
+#endif
 
 // The mutex guards the tables alone. Memory is taken, zeroed and given back outside it, which for
 // that of an image may take longer than what other threads wait to do.
