@@ -4,40 +4,23 @@
 #include <cstring>
 #include <tuple>
 
+#include <orvo/dib_block.h>
+
 namespace client {
 namespace {
 
 constexpr int kReach = 4;  // pixels without a change that part two rectangles at least
 
-class Locked {
- public:
-  explicit Locked(DibHandle picture)
-      : picture_(picture),
-        bytes_(static_cast<const std::uint8_t*>(GlobalLock(picture))),
-        layout_(orvo::DibLayoutOf(bytes_, GlobalSize(picture))) {}
-  ~Locked() {
-    if (bytes_ != nullptr) GlobalUnlock(picture_);
-  }
-  Locked(const Locked&) = delete;
-  Locked& operator=(const Locked&) = delete;
+using orvo::LockedImage;
 
-  [[nodiscard]] const std::optional<orvo::DibLayout>& layout() const { return layout_; }
-  // Of a picture that has a layout; counted from the top.
-  [[nodiscard]] const std::uint8_t* row(int y) const {
-    return bytes_ + layout_->pixelOffset +
-           layout_->stride * static_cast<std::size_t>(layout_->height - 1 - y);
-  }
+const std::uint8_t* RowFromTop(const LockedImage& image, int y) {
+  return image.row(image.layout().height - 1 - y);
+}
 
- private:
-  DibHandle picture_;
-  const std::uint8_t* bytes_;
-  std::optional<orvo::DibLayout> layout_;
-};
-
-bool HaveOneShape(const Locked& a, const Locked& b) {
-  if (!a.layout() || !b.layout()) return false;
-  return std::tie(a.layout()->width, a.layout()->height, a.layout()->depth) ==
-         std::tie(b.layout()->width, b.layout()->height, b.layout()->depth);
+bool HaveOneShape(const LockedImage& a, const LockedImage& b) {
+  if (!a || !b) return false;
+  return std::tie(a.layout().width, a.layout().height, a.layout().depth) ==
+         std::tie(b.layout().width, b.layout().height, b.layout().depth);
 }
 
 // Bytes of a pixel that hold colour: all, but for the fourth.
@@ -63,10 +46,10 @@ void Join(Rects& rects, RECT added) {
 }
 
 // Adds the stretches of a row in which the two differ.
-void JoinRow(Rects& rects, const Locked& before, const Locked& after, int y) {
-  const orvo::DibLayout& layout = *before.layout();
-  const std::uint8_t* const old = before.row(y);
-  const std::uint8_t* const fresh = after.row(y);
+void JoinRow(Rects& rects, const LockedImage& before, const LockedImage& after, int y) {
+  const orvo::DibLayout& layout = before.layout();
+  const std::uint8_t* const old = RowFromTop(before, y);
+  const std::uint8_t* const fresh = RowFromTop(after, y);
   const std::size_t step = static_cast<std::size_t>(layout.depth) / 8;
   const auto differs = [&, bytes = ColorBytes(layout)](int x) {
     const std::size_t at = step * static_cast<std::size_t>(x);
@@ -82,12 +65,12 @@ void JoinRow(Rects& rects, const Locked& before, const Locked& after, int y) {
 }  // namespace
 
 Rects ChangedParts(DibHandle before, DibHandle after) {
-  const Locked old(before);
-  const Locked fresh(after);
+  const LockedImage old(before);
+  const LockedImage fresh(after);
   Rects rects;
   if (!HaveOneShape(old, fresh)) return rects;
-  for (int y = 0; y < old.layout()->height; ++y) {
-    if (std::memcmp(old.row(y), fresh.row(y), old.layout()->stride) != 0) {
+  for (int y = 0; y < old.layout().height; ++y) {
+    if (std::memcmp(RowFromTop(old, y), RowFromTop(fresh, y), old.layout().stride) != 0) {
       JoinRow(rects, old, fresh, y);
     }
   }

@@ -57,12 +57,9 @@ int SaveInto(Job& job, DibHandle picture, const fs::path& folder, const std::str
 int SaveMarked(Job& job, const Rects& rects, const RGBQUAD& color, const fs::path& folder) {
   orvo::OwnedDib marked;
   if (const int code = ToTrueColor(job, marked); code != ORVO_OK) return code;
-  auto* const bytes = static_cast<std::uint8_t*>(GlobalLock(marked.get()));
-  const auto layout = orvo::DibLayoutOf(bytes, GlobalSize(marked.get()));
-  if (layout && layout->depth == 24) {
-    for (const RECT& rect : rects) Frame(bytes + layout->pixelOffset, *layout, rect, color);
+  if (const orvo::LockedImage image(marked.get()); image && image.layout().depth == 24) {
+    for (const RECT& rect : rects) Frame(image.pixels(), image.layout(), rect, color);
   }
-  if (bytes != nullptr) GlobalUnlock(marked.get());
   return SaveInto(job, marked.get(), folder, fs::path(job.source).stem().string() + "-marked.png");
 }
 

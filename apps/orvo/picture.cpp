@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <span>
 
+#include <orvo/dib_block.h>
+
 namespace client {
 namespace {
 
@@ -21,20 +23,15 @@ std::string_view ColorsOf(const void* block, const orvo::DibLayout& layout) {
 }  // namespace
 
 std::optional<Shape> ShapeOf(DibHandle picture) {
-  const void* block = GlobalLock(picture);
-  if (block == nullptr) return std::nullopt;
-  std::optional<Shape> shape;
-  if (const auto layout = orvo::DibLayoutOf(block, GlobalSize(picture))) {
-    const BITMAPINFOHEADER header = orvo::DibHeaderOf(block);
-    shape = Shape{.width = layout->width,
-                  .height = layout->height,
-                  .bits = layout->depth,
-                  .xDotsPerInch = orvo::DotsPerInch(header.biXPelsPerMeter),
-                  .yDotsPerInch = orvo::DotsPerInch(header.biYPelsPerMeter),
-                  .colors = ColorsOf(block, *layout)};
-  }
-  GlobalUnlock(picture);
-  return shape;
+  const orvo::LockedImage image(picture);
+  if (!image) return std::nullopt;
+  const BITMAPINFOHEADER header = image.header();
+  return Shape{.width = image.layout().width,
+               .height = image.layout().height,
+               .bits = image.layout().depth,
+               .xDotsPerInch = orvo::DotsPerInch(header.biXPelsPerMeter),
+               .yDotsPerInch = orvo::DotsPerInch(header.biYPelsPerMeter),
+               .colors = ColorsOf(image.bytes(), image.layout())};
 }
 
 nlohmann::ordered_json ToJson(const Shape& shape) {
