@@ -1,244 +1,237 @@
-// What each command does to a picture, told pixel by pixel from the picture that went in.
-#include <algorithm>
+// Each command gives the file that the operations of the toolkit give, called with what its words
+// mean: units, order and row 0 of each argument stand here a second time.
+#include <cmath>
 #include <functional>
-#include <numeric>
 
-#include "client/bmp_files.h"
 #include "client/client.h"
 #include "support/pictures.h"
 
 namespace {
 
-constexpr int kWidth = 60;
-constexpr int kHeight = 40;
+constexpr int kWidth = 150;  // of the pictures of noise
+constexpr int kHeight = 140;
 
-struct Seen {
-  const orvo::OwnedDib& before;
-  const orvo::OwnedDib& after;
-  int x, y;  // in the picture that came out
-  [[nodiscard]] Color was(int atX, int atY) const { return ColorAt(before, atX, atY); }
-};
+using Call = std::function<int(COrvoInstance&, orvo::OwnedDib&)>;
+using Toolkit = COrvoInstance;
+
+// An operation that changes the handle it is given.
+auto At(auto operation, auto... arguments) {
+  return [=](Toolkit& toolkit, orvo::OwnedDib& picture) {
+    return (toolkit.*operation)(picture.address(), arguments...);
+  };
+}
+
+// An operation that gives a picture of its own.
+auto New(auto operation, auto... arguments) {
+  return [=](Toolkit& toolkit, orvo::OwnedDib& picture) {
+    orvo::OwnedDib result;
+    const int code = (toolkit.*operation)(picture.get(), result.receive(picture), arguments...);
+    picture = std::move(result);
+    return code;
+  };
+}
+
+auto Remapped(int channel, const std::function<long(int)>& toneOf) {
+  return [=](Toolkit& toolkit, orvo::OwnedDib& picture) {
+    std::uint32_t table[256];
+    for (int tone = 0; tone < 256; ++tone) table[tone] = static_cast<std::uint32_t>(toneOf(tone));
+    return toolkit.RemapIntensityInPlace(picture.address(), table, channel, nullptr);
+  };
+}
+
+auto Dithered(int mode, int bits) {
+  return [=](Toolkit& toolkit, orvo::OwnedDib& picture) {
+    toolkit.SetDitheringMode(mode);
+    return toolkit.ConvertToColorResInPlace(picture.address(), bits);
+  };
+}
+
+// Thumbnails are made from files.
+auto Small(int width, int height) {
+  return [=](Toolkit& toolkit, orvo::OwnedDib& picture) {
+    return toolkit.CreateThumbnailFromFile("photo.bmp", picture.receive(), width, height);
+  };
+}
+
+// Straight lines through 10,200 and 20,100 and 200,220, level outside.
+long Curve(int tone) {
+  if (tone <= 10) return 200;
+  if (tone <= 20) return 200 - 10L * (tone - 10);
+  return std::min(220L, std::lround(100 + (tone - 20) / 1.5));
+}
+
+long Negative(int tone) {
+  return 255 - tone;
+}
 
 struct Row {
-  const char* name;
-  std::vector<std::string> words;
-  int width, height, depth;  // of the result
-  // What a pixel must be; null where only the measures are told.
-  std::function<Color(const Seen&)> pixel;
+  const char* words;
+  const char* source;
+  Call expected;
 };
 
-void PrintTo(const Row& row, std::ostream* out) {
-  *out << row.name;
+std::uint8_t Level(int number) {
+  return static_cast<std::uint8_t>(number);
 }
 
-template <class Function>
-auto EachChannel(Function function) {
-  return [function](const Seen& seen) {
-    Color color = seen.was(seen.x, seen.y);
-    for (int& channel : color) channel = function(channel);
-    return color;
-  };
-}
-
-const auto kSame = EachChannel([](int tone) { return tone; });
-const auto kNegative = EachChannel([](int tone) { return 255 - tone; });
-const auto kTwoTones = EachChannel([](int tone) { return tone < 128 ? 0 : 255; });
-
-Color RedNegative(const Seen& seen) {
-  Color color = seen.was(seen.x, seen.y);
-  color[2] = 255 - color[2];
-  return color;
-}
-
-Color Whitened(const Seen& seen) {
-  const Color color = seen.was(seen.x, seen.y);
-  return *std::min_element(color.begin(), color.end()) >= 120 ? Color{255, 255, 255} : color;
-}
-
-// A third of the colour circle: red becomes green, green blue, blue red.
-Color Turned(const Seen& seen) {
-  const Color color = seen.was(seen.x, seen.y);
-  return {color[1], color[2], color[0]};
-}
-
-// Half the size without mixing: one of the four pixels that were there.
-Color OneOfFour(const Seen& seen) {
-  const Color color = ColorAt(seen.after, seen.x, seen.y);
-  for (const int dx : {0, 1}) {
-    for (const int dy : {0, 1}) {
-      if (color == seen.was(2 * seen.x + dx, 2 * seen.y + dy)) return color;
-    }
-  }
-  return seen.was(2 * seen.x, 2 * seen.y);
-}
+constexpr StatusCallback kQuiet = nullptr;
 
 const Row kRows[] = {
-    {"contrast by nothing", {"contrast", "--change", "0"}, 60, 40, 24, kSame},
-    {"all_contrast_gone",
-     {"contrast", "--change", "-1000"},
-     60,
-     40,
-     24,
-     [](const Seen& seen) { return ColorAt(seen.after, 0, 0); }},
-    {"black", {"intensity", "--change=-1000"}, 60, 40, 24, EachChannel([](int) { return 0; })},
-    {"gray by saturation",
-     {"saturation", "--change", "-1000"},
-     60,
-     40,
-     24,
-     [](const Seen& seen) {
-       const int blue = ColorAt(seen.after, seen.x, seen.y)[0];
-       return Color{blue, blue, blue};
+    {"sharpen", "photo", New(&Toolkit::SharpnessAdjust, Level(5))},
+    {"sharpen --level 10", "gray", New(&Toolkit::SharpnessAdjust, Level(10))},
+    {"histogram --level 3", "photo", New(&Toolkit::HistogramAdjust, Level(3))},
+    {"exposure --level 0", "gray", New(&Toolkit::ExposureAdjust, Level(0))},
+    {"unsharp --change -600", "photo", At(&Toolkit::LeadSharpnessAdjustInPlace, -600, kQuiet)},
+    {"whiten --threshold 120", "photo",
+     [](auto& toolkit, auto& picture) {
+       return toolkit.WhitenessAdjustInPlace(picture.get(), 120);
      }},
-    {"hue in degrees", {"hue", "--degrees", "120"}, 60, 40, 24, Turned},
-    {"gamma is a factor", {"gamma", "--gamma", "1.0"}, 60, 40, 24, kSame},
-    {"unsharp by nothing", {"unsharp", "--change", "0"}, 60, 40, 24, kSame},
-    {"whiten", {"whiten", "--threshold", "120"}, 60, 40, 24, Whitened},
-    {"invert", {"invert"}, 60, 40, 24, kNegative},
-    {"posterize", {"remap", "--posterize", "2"}, 60, 40, 24, kTwoTones},
-    {"curve", {"remap", "--curve", "0,255,255,0"}, 60, 40, 24, kNegative},
-    {"table on red",
-     {"remap", "--table", "table.txt", "--channel", "red"},
-     60,
-     40,
-     24,
-     RedNegative},
-    {"rows of trim count from the top",
-     {"trim", "--rect", "10,5,30,25"},
-     20,
-     20,
-     24,
-     [](const Seen& seen) { return seen.was(seen.x + 10, seen.y + 5); }},
-    {"clockwise",
-     {"rotate", "--angle", "90"},
-     40,
-     60,
-     24,
-     [](const Seen& seen) { return seen.was(seen.y, kHeight - 1 - seen.x); }},
-    {"one side keeps the proportions",
-     {"resize", "--height", "20", "--method", "nearest"},
-     30,
-     20,
-     24,
-     OneOfFour},
-    {"both sides", {"resize", "--width", "7", "--height", "90"}, 7, 90, 24, nullptr},
-    {"half the resolution", {"resolution", "--dpi", "150"}, 30, 20, 24, nullptr},
-    {"resolutions apart", {"resolution", "--dpi", "150,600"}, 30, 80, 24, nullptr},
-    {"thumbnail", {"thumbnail", "--size", "24x24"}, 24, 24, 24, nullptr},
-    {"gray", {"gray"}, 60, 40, 8, nullptr},
-    {"palette", {"depth", "--bits", "8", "--dither", "stucki"}, 60, 40, 8, nullptr},
-    {"deeper", {"depth", "--bits", "32"}, 60, 40, 32, kSame},
-    {"convert", {"convert"}, 60, 40, 24, kSame},
+    {"contrast --change 1000", "photo", At(&Toolkit::ContrastAdjustInPlace, 1000, kQuiet)},
+    {"intensity --change=-100", "photo", At(&Toolkit::IntensityAdjustInPlace, -100, kQuiet)},
+    {"saturation --change 300", "photo", At(&Toolkit::SaturationAdjustInPlace, 300, kQuiet)},
+    {"hue --degrees 120.005", "photo", At(&Toolkit::HueAdjustInPlace, 12001, kQuiet)},
+    {"gamma --gamma 1.8", "photo", At(&Toolkit::GammaAdjustInPlace, 180U, kQuiet)},
+    {"invert", "gray", At(&Toolkit::InvertInPlace, kQuiet)},
+    {"gray", "photo", At(&Toolkit::ConvertToGrayScaleResInPlace, kQuiet)},
+    {"depth --bits 1", "photo", Dithered(1, 1)},
+    {"depth --bits 8 --dither stucki", "photo", Dithered(2, 8)},
+    {"depth --bits 16", "photo", Dithered(1, 16)},
+    {"depth --bits 32", "photo", Dithered(1, 32)},
+    {"remap --posterize 5", "photo",
+     Remapped(0, [](int tone) { return std::lround((tone * 5 / 256) * 63.75); })},
+    {"remap --curve 10,200,20,100,200,220", "photo", Remapped(0, Curve)},
+    {"remap --table table.txt --channel red", "photo", Remapped(1, Negative)},
+    {"remap --table table.txt --channel green", "photo", Remapped(2, Negative)},
+    {"remap --curve 0,255,255,0 --channel blue", "photo", Remapped(3, Negative)},
+    {"convert-rgb --converter " SEPIA_CONVERTER, "photo",
+     [](auto& toolkit, auto& picture) {
+       return toolkit.ConvertRGBInPlace(picture.get(), SEPIA_CONVERTER);
+     }},
+    {"rotate --angle -8", "photo", At(&Toolkit::RotateInPlace, -8, kQuiet)},
+    {"resize --width 75", "photo", At(&Toolkit::ChangeSizeInPlace, 75, 70, 4U, kQuiet)},
+    {"resize --height 20 --method nearest", "photo",
+     At(&Toolkit::ChangeSizeInPlace, 21, 20, 0U, kQuiet)},
+    {"resize --width 7 --height 90 --method bilinear", "photo",
+     At(&Toolkit::ChangeSizeInPlace, 7, 90, 2U, kQuiet)},
+    {"resize --height 1", "narrow", At(&Toolkit::ChangeSizeInPlace, 1, 1, 4U, kQuiet)},
+    {"resolution --dpi 150", "photo", At(&Toolkit::ChangeResolutionInPlace, 150, 150, kQuiet)},
+    {"resolution --dpi 150,600", "photo", At(&Toolkit::ChangeResolutionInPlace, 150, 600, kQuiet)},
+    {"convert", "gray", [](auto&, auto&) { return ORVO_OK; }},
+    {"thumbnail", "photo", Small(160, 160)},
+    {"thumbnail --size 24x30", "photo", Small(24, 30)},
+    {"descreen", "photo", New(&Toolkit::Descreen, 1U, 0U, kQuiet)},
+    {"descreen --level 3 --sharpen 20", "gray", New(&Toolkit::Descreen, 3U, 20U, kQuiet)},
+    {"trim --rect 10,5,30,40", "photo",
+     At(&Toolkit::TrimInPlace, 10, kHeight - 40, 30, kHeight - 5)},
+    {"trim --rect 0,0,150,140", "photo", At(&Toolkit::TrimInPlace, 0, 0, kWidth, kHeight)},
+    {"trim --auto --threshold 90", "page", New(&Toolkit::AutoTrim, Level(90))},
+    {"redeye", "portrait",
+     [](Toolkit& toolkit, orvo::OwnedDib& picture) {
+       int found = 0;
+       return toolkit.AutoRedEyeInPlace(picture.get(), &found);
+     }},
 };
 
-class OperationTest : public ClientTest, public ::testing::WithParamInterface<Row> {};
+class OperationsTest : public ClientTest {
+ protected:
+  OperationsTest() {
+    save("photo.bmp", pictures::Noise(kWidth, kHeight, 24, 7));
+    save("gray.bmp", pictures::Noise(kWidth, kHeight, 8, 8));
+    save("narrow.bmp", pictures::Noise(2, 100, 24, 9));
+    save("page.bmp", Page());
+    save("portrait.bmp", Portrait());
+    std::string table;
+    for (int tone = 255; tone >= 0; --tone) {
+      table += std::to_string(tone) + (tone % 16 == 0 ? "\n" : ", ");
+    }
+    write("table.txt", table);
+  }
 
-TEST_P(OperationTest, MakesThePictureThatItShould) {
-  const Row& row = GetParam();
-  const orvo::OwnedDib before = pictures::Noise(kWidth, kHeight, 24, 7);
-  write("in.bmp", BmpOf(before));
-  std::string table;
-  for (int tone = 255; tone >= 0; --tone) table += std::to_string(tone) + (tone % 16 ? ", " : "\n");
-  write("table.txt", table);
+  void expectSame(const std::string& words, const std::string& name, const Call& expected) const {
+    const std::string source = name + ".bmp";
+    const std::string before = bytes(source);
+    const Outcome outcome = run(words + " -o out.bmp " + source);
+    EXPECT_EQ(outcome.status, 0) << words;
+    EXPECT_EQ(outcome.errors, "") << words;
+    EXPECT_EQ(bytes(source), before) << words;
+    orvo::OwnedDib picture = load(source);
+    EXPECT_EQ(expected(*toolkit_.get(), picture), ORVO_OK) << words;
+    save("expected.bmp", picture);
+    EXPECT_TRUE(bytes("out.bmp") == bytes("expected.bmp")) << words;
+  }
+};
 
-  std::vector<std::string> words = row.words;
-  words.insert(words.end(), {"in.bmp", "-o", "out.bmp"});
-  const Outcome outcome = run(words);
-  ASSERT_EQ(outcome.status, 0) << outcome.errors;
-  EXPECT_EQ(outcome.output + outcome.errors, "");
-  EXPECT_EQ(bytes("in.bmp"), BmpOf(before));
+TEST_F(OperationsTest, DithersAreThoseOfTheToolkitInItsOrder) {
+  int mode = 0;
+  for (const char* const name : {"none", "floyd-steinberg", "stucki", "burkes", "sierra",
+                                 "stevenson-arce", "jarvis", "ordered", "clustered"}) {
+    expectSame("depth --bits 4 --dither " + std::string(name), "photo", Dithered(mode++, 4));
+  }
+}
 
-  const orvo::OwnedDib after = PictureIn(bytes("out.bmp"));
-  ASSERT_TRUE(after);
-  const orvo::DibLayout layout = pictures::Locked(after.get()).layout();
-  ASSERT_EQ((std::vector{layout.width, layout.height, layout.depth}),
-            (std::vector{row.width, row.height, row.depth}));
-  if (row.pixel == nullptr) return;
-  for (int y = 0; y < row.height; ++y) {
-    for (int x = 0; x < row.width; ++x) {
-      ASSERT_EQ(ColorAt(after, x, y), row.pixel({before, after, x, y})) << "at " << x << ", " << y;
+TEST_F(OperationsTest, CommandsCallTheToolkitWithWhatTheyWereTold) {
+  for (const Row& row : kRows) expectSame(row.words, row.source, row.expected);
+}
+
+TEST_F(OperationsTest, QualityReachesJpegFiles) {
+  const orvo::OwnedDib photo = load("photo.bmp");
+  for (const char* const command : {"convert", "contrast --change 0"}) {
+    for (const int quality : {20, 95}) {
+      const std::string told = std::to_string(quality);
+      ASSERT_EQ(run(command + std::string(" photo.bmp -o out.jpg --quality ") + told).status, 0);
+      toolkit_->SaveFile(photo.get(), "expected.jpg", 0, quality);
+      EXPECT_TRUE(bytes("out.jpg") == bytes("expected.jpg")) << command << told;
     }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Client, OperationTest, ::testing::ValuesIn(kRows), [](const auto& row) {
-  std::string name = row.param.name;
-  std::replace(name.begin(), name.end(), ' ', '_');
-  return name;
-});
+TEST_F(OperationsTest, ContentAndSkewAreTold) {
+  RECT rect{};
+  orvo::OwnedDib page = load("page.bmp");
+  EXPECT_EQ(toolkit_->GetAutoTrimRect(page.get(), 100, &rect), ORVO_OK);
+  const json kept{rect.left, kPageHeight - rect.bottom, rect.right, kPageHeight - rect.top};
+  EXPECT_EQ(report("content page.bmp")["rect"], kept);
+  EXPECT_EQ(report("trim --auto page.bmp -o cut.bmp")["rect"], kept);
 
-// How much neighbours in a row differ, as a measure of sharpness.
-long Unevenness(const orvo::OwnedDib& picture) {
-  long sum = 0;
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 1; x < kWidth; ++x) {
-      sum += std::abs(ColorAt(picture, x, y)[1] - ColorAt(picture, x - 1, y)[1]);
+  orvo::OwnedDib upright;
+  int hundredths = 0;
+  EXPECT_EQ(toolkit_->RotateInPlace(page.address(), 7, nullptr), ORVO_OK);
+  save("crooked.bmp", page);
+  toolkit_->AutoDeskew(page.get(), upright.receive(page), &hundredths, nullptr);
+  save("expected.bmp", upright);
+  EXPECT_EQ(report("deskew crooked.bmp -o out.bmp")["angle"], hundredths / 100);
+  EXPECT_NE(hundredths, 0);
+  EXPECT_TRUE(bytes("out.bmp") == bytes("expected.bmp"));
+}
+
+TEST_F(OperationsTest, ItemsAreToldCutOutAndFramed) {
+  for (const int depth : {1, 24}) {
+    orvo::OwnedDib page = load("page.bmp");
+    if (depth == 1) {
+      EXPECT_EQ(Dithered(0, 1)(*toolkit_.get(), page), ORVO_OK);
     }
-  }
-  return sum;
-}
-
-// The sum of all channels, as a measure of brightness.
-long Sum(const orvo::OwnedDib& picture) {
-  const std::vector<std::uint8_t> all = pictures::BytesOf(picture.get());
-  return std::accumulate(all.begin() + orvo::kDibHeaderBytes, all.end(), 0L);
-}
-
-class DirectionTest : public ClientTest {};
-
-TEST_F(DirectionTest, SignsAndStrengthsPointTheRightWay) {
-  // Middle tones, so that stronger effects do not run against black and white.
-  const orvo::OwnedDib before = pictures::Noise(kWidth, kHeight, 24, 9);
-  {
-    const pictures::Locked image(before.get());
-    for (std::uint8_t* byte = image.row(0); byte != image.row(kHeight); ++byte) {
-      *byte = static_cast<std::uint8_t>(112 + *byte / 8);
+    save("bed.bmp", page);
+    RegionRecord* list = nullptr;
+    int count = 0;
+    EXPECT_EQ(toolkit_->FindRegions(page.get(), &list, &count, 5, 200), ORVO_OK);
+    ASSERT_EQ(count, 2);
+    const json told = report("regions --reach 5 --level 200 --crop cut --mark . bed.bmp");
+    std::vector<Box> boxes;
+    for (int i = 0; i < count; ++i) {
+      boxes.push_back({list[i].left, list[i].top, list[i].right, list[i].bottom});
+      orvo::OwnedDib cut;
+      EXPECT_EQ(
+          toolkit_->Trim(page.get(), cut.receive(page), list[i].left, kPageHeight - list[i].bottom,
+                         list[i].right, kPageHeight - list[i].top),
+          ORVO_OK);
+      save("expected.bmp", cut);
+      EXPECT_TRUE(bytes("cut/bed-" + std::to_string(i + 1) + ".bmp") == bytes("expected.bmp"));
     }
+    GlobalFree(list);
+    EXPECT_EQ(told["items"], json(boxes));
+    EXPECT_EQ(told["written"], json({"cut/bed-1.bmp", "cut/bed-2.bmp", "./bed-marked.png"}));
+    ExpectFramed(Page(), loadTrueColor("bed-marked.png"), boxes, 0, {0, 0, 255});
   }
-  write("in.bmp", BmpOf(before));
-  const auto brightness = [&](std::vector<std::string> words) {
-    words.insert(words.end(), {"in.bmp", "-o", "out.bmp"});
-    EXPECT_EQ(run(words).status, 0);
-    return Sum(PictureIn(bytes("out.bmp")));
-  };
-  EXPECT_GT(brightness({"gamma", "--gamma", "1.8"}), Sum(before));
-  EXPECT_LT(brightness({"gamma", "--gamma", "0.5"}), Sum(before));
-  EXPECT_GT(brightness({"intensity", "--change", "200"}), Sum(before));
-  const auto unevenness = [&](const std::vector<std::string>& words) {
-    brightness(words);
-    return Unevenness(PictureIn(bytes("out.bmp")));
-  };
-  EXPECT_GT(unevenness({"unsharp", "--change", "600"}), Unevenness(before));
-  EXPECT_LT(unevenness({"unsharp", "--change", "-600"}), Unevenness(before));
-  // Sepia is warm: never less red than green, nor less green than blue.
-  EXPECT_GT(brightness({"convert-rgb", "--converter", SEPIA_CONVERTER}), 0);
-  const orvo::OwnedDib sepia = PictureIn(bytes("out.bmp"));
-  for (int x = 0; x < kWidth; ++x) {
-    const Color color = ColorAt(sepia, x, kHeight / 2);
-    EXPECT_TRUE(color[0] <= color[1] && color[1] <= color[2]) << "at " << x;
-  }
-}
-
-TEST_F(DirectionTest, SharpeningOvershootsAtAnEdgeByItsLevel) {
-  constexpr int kDark = 80;
-  constexpr int kBright = 170;
-  const orvo::OwnedDib edge = pictures::Blank(kWidth, kHeight, 24);
-  const pictures::Locked image(edge.get());
-  for (int y = 0; y < kHeight; ++y) {
-    std::memset(image.row(y), kDark, std::size_t{3} * kWidth);
-    std::memset(image.row(y), kBright, std::size_t{3} * kWidth / 2);
-  }
-  write("in.bmp", BmpOf(edge));
-  const auto brightest = [this](const char* level) {
-    EXPECT_EQ(run({"sharpen", "--level", level, "in.bmp", "-o", "out.bmp"}).status, 0);
-    const orvo::OwnedDib sharp = PictureIn(bytes("out.bmp"));
-    int most = 0;
-    for (int x = 0; x < kWidth; ++x) most = std::max(most, ColorAt(sharp, x, kHeight / 2)[1]);
-    return most;
-  };
-  EXPECT_EQ(brightest("0"), kBright);
-  EXPECT_GT(brightest("3"), kBright);
-  EXPECT_GT(brightest("10"), brightest("3"));
 }
 
 }  // namespace
