@@ -120,6 +120,19 @@ HTML
 
 count=0
 failures=0
+refusals=0
+
+# Adds an operation to the page: title, command and what stands below them.
+add_section() {
+  printf '<section>\n<h2>%s</h2>\n<code>%s</code>\n%s\n</section>\n' \
+    "$(escaped "$1")" "$(escaped "$2")" "$3" >>"$page"
+}
+
+# A picture of the page with its caption.
+figure() {
+  printf '<figure><img loading="lazy" src="%s" alt="%s, %s"><figcaption>%s</figcaption></figure>' \
+    "$1" "$(escaped "$2")" "$3" "$3"
+}
 
 # Runs one row and adds it to the page.
 show() {
@@ -137,30 +150,29 @@ show() {
     target=()
     result=$out/results/$name/$(basename "$source")
   fi
-  if ! "$orvo" "${words[@]}" "$source" "${target[@]}" >"$out/results/$name.txt"; then
-    failures=$((failures + 1))
-    return
-  fi
-  [ -e "$result" ] || result=$(find "$out/results/$name" -type f | sort | head -n 1)
-  local before after command
+  local command told=$out/results/$name.txt
   command="orvo ${options//$build\/lib\//} $(basename "$source")"
   if [ ${#target[@]} -gt 0 ]; then
     command+=" -o $(basename "$result")"
   else
     command=${command//MARKED/marked/}
   fi
-  before=$(shown "$source" "${name}_before")
-  after=$(shown "$result" "${name}_after")
-  {
-    printf '<section>\n<h2>%s</h2>\n' "$(escaped "$title")"
-    printf '<code>%s</code>\n' "$(escaped "$command")"
-    printf '<div class="pair">\n'
-    printf '<figure><img loading="lazy" src="%s" alt="%s, before"><figcaption>before</figcaption></figure>\n' \
-      "$before" "$(escaped "$title")"
-    printf '<figure><img loading="lazy" src="%s" alt="%s, after"><figcaption>after</figcaption></figure>\n' \
-      "$after" "$(escaped "$title")"
-    printf '</div>\n</section>\n'
-  } >>"$page"
+  if ! "$orvo" "${words[@]}" "$source" "${target[@]}" >"$told" 2>&1; then
+    cat "$told" >&2
+    # Not every operation takes every depth: a refusal is no failure.
+    if grep -q ORVO_ERR_BAD_DEPTH "$told"; then
+      refusals=$((refusals + 1))
+      add_section "$title" "$command" "<p>$(escaped "$(<"$told")")</p>"
+    else
+      failures=$((failures + 1))
+    fi
+    return
+  fi
+  [ -e "$result" ] || result=$(find "$out/results/$name" -type f | sort | head -n 1)
+  add_section "$title" "$command" "<div class=\"pair\">
+$(figure "$(shown "$source" "${name}_before")" "$title" before)
+$(figure "$(shown "$result" "${name}_after")" "$title" after)
+</div>"
 }
 
 rm -rf "$out/results" "$out/pictures"
@@ -190,6 +202,6 @@ fi
 
 printf '</body>\n</html>\n' >>"$page"
 echo
-echo "$((count - failures)) of $count operations shown in $page"
-# Files of the user's own may have depths that an operation refuses; the samples do not.
-[ "$failures" -eq 0 ] || [ $# -gt 0 ]
+echo "$((count - failures - refusals)) of $count operations shown in $page"
+[ "$refusals" -eq 0 ] || echo "$refusals refused the depth of their picture, as the page tells"
+[ "$failures" -eq 0 ]

@@ -4,22 +4,24 @@
 #   console    lines that begin with "$ " are run; what they print, and a status other than 0 in
 #              brackets, has to be what the text shows below them
 #   sh         is run line by line, nothing may fail; "./run WORD" has to be a word of ./run
-#   any other  is written to the file that its first line names in a comment
+#   others     are written to the file that the first line names in a comment; without a language
+#              they are left alone
 #
 #   run_blocks.sh SOURCE_FOLDER BUILD_FOLDER TEXT [--write]
 #
-# --write puts what the commands print into the text. Commands find the client on their path, and
-# $SAMPLE, a picture of 1200 x 650 pixels.
+# --write puts what the commands print into the text. Commands find the client on their path, and in
+# their folder photo.jpg, a picture of 1200 x 393 pixels, examples, tools and build/release.
 set -uo pipefail
 source=$(realpath "$1") build=$(realpath "$2") text=$(realpath "$3")
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-export HOME=$work/home SAMPLE=$source/docs/before_after.png PATH=$build/bin:$PATH LC_ALL=C
+export HOME=$work/home PATH=$build/bin:$PATH LC_ALL=C
 mkdir -p "$work/home" "$work/files/build"
 ln -s "$build" "$work/files/build/release"
-ln -s "$source/examples" "$work/files/examples"
+ln -s "$source/examples" "$source/tools" "$work/files"
 cd "$work/files" || exit 1
+orvo depth --bits 24 "$source/docs/before_after.png" -o photo.jpg
 failed=0
 
 # Output and status of one command.
@@ -60,7 +62,7 @@ sh_block() {
 file_block() {
   local line file=
   while IFS= read -r line && printf '%s\n' "$line" && [ "$line" != '```' ]; do
-    [ -n "$file" ] || { file=${line#* } && : >"$file"; }
+    [ -n "$file" ] || { [[ $line =~ ^[^A-Za-z]*([A-Za-z_.]*[a-z]) ]] && file=${BASH_REMATCH[1]} && : >"$file"; }
     printf '%s\n' "$line" >>"$file"
   done
 }
@@ -70,6 +72,7 @@ while IFS= read -r line; do
   case $line in
     '```console') console_block ;;
     '```sh') sh_block ;;
+    '```') while IFS= read -r line && printf '%s\n' "$line" && [ "$line" != '```' ]; do :; done ;;
     '```'*) file_block ;;
   esac
 done <"$text" >"$work/text"
