@@ -14,6 +14,9 @@ install(TARGETS orvo_client RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY include/orvo
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md docs/commands.md docs/formats.md
+  docs/dependencies.md docs/architecture.md docs/before_after.png DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
 install(EXPORT orvo-targets NAMESPACE orvo:: FILE orvo-targets.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orvo)
 configure_package_config_file(cmake/orvo-config.cmake.in "${PROJECT_BINARY_DIR}/orvo-config.cmake"
