@@ -17,7 +17,7 @@ using Names = std::vector<std::string>;
 using Color = std::array<int, 3>;  // blue, green and red
 
 struct Outcome {
-  int status;          // exit status, or the negative number of the signal that ended the process
+  int status;          // exit status, -1 when a signal ended the process
   std::string output;  // standard output
   std::string errors;  // standard error
 };
@@ -29,7 +29,7 @@ class ClientTest : public ::testing::Test {
   ~ClientTest() override;
 
   // The words stand as in a line of the shell.
-  static Outcome run(const std::string& words, const std::string& program = CLIENT_PROGRAM);
+  static Outcome run(const std::string& words);
   // The report on the one file of a call that succeeds.
   static json report(const std::string& words);
 

@@ -16,7 +16,7 @@ source=$(realpath "$1") build=$(realpath "$2") text=$(realpath "$3")
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-export HOME=$work/home PATH=$build/bin:$PATH LC_ALL=C
+export HOME=$work/home PATH=$build/bin:$PATH LC_ALL=C CMAKE_GENERATOR=Ninja
 mkdir -p "$work/home" "$work/files/build"
 ln -s "$build" "$work/files/build/release"
 ln -s "$source/examples" "$source/tools" "$work/files"
