@@ -16,6 +16,7 @@ TEST_F(RefusalsTest, WhatCannotBeDoneIsToldAndTouchesNothing) {
   save("b.bmp", pictures::Noise(9, 4, 24, 2));
   save("face.bmp", Portrait());
   save("page.bmp", pictures::Noise(16, 8, 1, 3));
+  save("four.bmp", pictures::Noise(16, 8, 4, 3));
   save("gray.bmp", pictures::Noise(12, 5, 8, 4));
   save("palette.bmp", pictures::NoiseInColor(12, 5, 8, 4));
   fs::create_directory("sub");
@@ -26,8 +27,9 @@ TEST_F(RefusalsTest, WhatCannotBeDoneIsToldAndTouchesNothing) {
   write("old.xyz", "old");
   write("short.txt", "1 2 3");
   std::string numbers;
-  for (int i = 0; i < 257; ++i) numbers += std::to_string(i % 256) + " ";
-  write("long.txt", numbers);
+  for (int i = 0; i < 256; ++i) numbers += std::to_string(i) + " ";
+  write("long.txt", numbers + "0");
+  write("word.txt", numbers + "x");
   write("high.txt", "256 " + numbers);
   const Names before = names(".");
   const std::string all =
