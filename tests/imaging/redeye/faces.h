@@ -1,15 +1,12 @@
-// Pictures of faces with red eyes, drawn from a seed. Rows lie as stored, so eyes are in the larger
-// ones of a face.
+// Pictures of faces with red eyes, drawn from a seed without any function that platforms round
+// differently. Rows lie as stored, so eyes are in the larger ones of a face.
 #ifndef TESTS_IMAGING_REDEYE_FACES_H
 #define TESTS_IMAGING_REDEYE_FACES_H
 
 #include <cmath>
 #include <random>
 
-#include "imaging/adjust/plain_image.h"
-
-namespace orvo {}
-using namespace orvo;
+#include "imaging/plain_image.h"
 
 namespace faces {
 
@@ -23,6 +20,7 @@ constexpr Rgb kSkin = {220, 170, 140};
 constexpr Rgb kDarkSkin = {180, 120, 100};
 constexpr Rgb kRed = {200, 30, 30};
 constexpr Rgb kWhite = {235, 235, 235};
+constexpr Rgb kGray = {90, 90, 90};
 
 class Picture {
  public:
@@ -52,13 +50,14 @@ class Picture {
       for (int x = left; x <= right; ++x) dot(x, y, color, noise);
     }
   }
+  // lean: columns by which it leans for each row.
   void ellipse(double cx, double cy, double rx, double ry, const Rgb& color, int noise = 0,
-               double turn = 0) {
-    const double reach = std::max(rx, ry);
+               double lean = 0) {
+    const double reach = std::max(rx, ry) + std::abs(lean) * ry;
     for (int y = static_cast<int>(cy - reach); y <= static_cast<int>(cy + reach); ++y) {
       for (int x = static_cast<int>(cx - reach); x <= static_cast<int>(cx + reach); ++x) {
-        const double u = (x - cx) * std::cos(turn) + (y - cy) * std::sin(turn);
-        const double v = (y - cy) * std::cos(turn) - (x - cx) * std::sin(turn);
+        const double u = x - cx - lean * (y - cy);
+        const double v = y - cy;
         if (u * u / (rx * rx) + v * v / (ry * ry) <= 1) dot(x, y, color, noise);
       }
     }
@@ -69,11 +68,6 @@ class Picture {
     ellipse(cx, cy, r, r, pupil, noise);
   }
   void fill(const Rgb& color, int noise = 0) { rectangle(0, 0, w() - 1, h() - 1, color, noise); }
-  void ground() {
-    const int tone = pick(0, 255);
-    const int kind = pick(0, 4);  // 0 leaves the noise
-    if (kind > 0) fill({tone, tone, tone}, kind * 10);
-  }
   void face(double cx, double cy, double rx, double ry);
   void oddEye(double cx, double cy, double r);
 
@@ -81,7 +75,7 @@ class Picture {
   [[nodiscard]] int h() const { return static_cast<int>(image.height); }
 
   plain::Image image;
-  std::vector<std::uint8_t> bytes;
+  plain::Bytes bytes;
 
  private:
   std::mt19937 random_;
@@ -89,53 +83,48 @@ class Picture {
 
 // A pupil with something amiss now and then.
 inline void Picture::oddEye(double cx, double cy, double r) {
-  if (chance(85)) ellipse(cx, cy, r * pick(2, 4), r * 1.6, kWhite, pick(0, 8));
-  const Rgb dark = {pick(110, 200), pick(10, 60), pick(10, 90)};  // may look like skin
-  const Rgb pupil = chance(70) ? kRed : dark;
-  switch (pick(0, 11)) {
-    case 0:
-      return ellipse(cx, cy, r * 2, r * 0.7, pupil, 5, pick(0, 30) / 10.0);
-    case 1:  // a ring
-      ellipse(cx, cy, r * 1.7, r * 1.7, pupil);
-      return ellipse(cx, cy, r * 1.2, r * 1.2, kWhite);
-    case 2:
-      return rectangle(static_cast<int>(cx - r), static_cast<int>(cy - 2 * r),
-                       static_cast<int>(cx + r), static_cast<int>(cy + 2 * r), pupil, 3);
-    default:
-      ellipse(cx, cy, r, r, pupil, pick(0, 12));
-  }
+  const double white = r * pick(2, 4);
+  if (chance(85)) ellipse(cx, cy, white, r * 1.6, kWhite, pick(0, 8));
+  const int red = pick(110, 200);  // may look like skin
+  const Rgb pupil = chance(70) ? kRed : Rgb{red, pick(10, 60), pick(10, 90)};
+  const int kind = pick(0, 11);
+  if (kind == 0) return ellipse(cx, cy, r * 2, r * 0.7, pupil, 5, pick(-8, 8) / 10.0);
+  if (kind == 1) return ellipse(cx, cy, r * 0.8, r * 1.6, pupil, 3);
+  ellipse(cx, cy, kind == 2 ? 1.7 * r : r, kind == 2 ? 1.7 * r : r, pupil, pick(0, 12));
+  if (kind == 2) return ellipse(cx, cy, r * 1.2, r * 1.2, kWhite);  // a ring
   if (chance(30)) ellipse(cx, cy, r / 4, r / 4, kWhite);
 }
 
 inline void Picture::face(double cx, double cy, double rx, double ry) {
-  ellipse(cx, cy, rx, ry, chance(80) ? kSkin : kDarkSkin, pick(0, 12),
-          chance(50) ? 0 : pick(0, 31) / 10.0);
+  const Rgb& skin = chance(80) ? kSkin : kDarkSkin;
+  const int noise = pick(0, 12);
+  ellipse(cx, cy, rx, ry, skin, noise, chance(50) ? 0 : pick(-6, 6) / 10.0);
   const double level = cy + ry * pick(-2, 5) / 10.0;
   const int eyes = chance(60) ? 2 : pick(0, 6);
   const double r = std::max(1.5, rx / 8 * pick(4, 11) / 10.0);
   for (int i = 0; i < eyes; ++i) {
-    const double x =
-        eyes == 2 ? cx + (i == 0 ? -1 : 1) * rx * pick(3, 5) / 10.0 : cx + rx * pick(-8, 8) / 10.0;
+    const double x = cx + rx * (eyes == 2 ? (2 * i - 1) * pick(3, 5) : pick(-8, 8)) / 10.0;
     const double y = level + (chance(70) ? 0.0 : ry * pick(-4, 4) / 10.0);
     oddEye(x, y, chance(70) ? r : r * pick(3, 20) / 10.0);
   }
   for (int i = pick(0, 3); i > 0; --i) {  // moles and shadows
-    const int tone = pick(20, 90);
-    ellipse(cx + rx * pick(-7, 7) / 10.0, cy + ry * pick(-7, 7) / 10.0, rx * pick(1, 3) / 16.0,
-            ry * pick(1, 3) / 16.0, {tone, tone, tone});
+    const double x = cx + rx * pick(-7, 7) / 10.0;
+    ellipse(x, cy + ry * pick(-7, 7) / 10.0, rx * i / 16.0, ry * i / 16.0, kGray);
   }
 }
 
-// Faces at random places, some across the border.
+// Faces at random places, some across the border, before noise or a wall.
 inline Picture Crowd(int width, int height, unsigned seed) {
   Picture picture(width, height, seed);
-  picture.ground();
+  const int tone = picture.pick(0, 255);
+  if (picture.chance(80)) picture.fill({tone, tone, tone}, 20);
   const int people = picture.chance(70) ? 1 : picture.pick(2, 12);
   for (int i = 0; i < people; ++i) {
-    const double rx = std::min(picture.w(), picture.h()) * picture.pick(20, 48) / 100.0 /
+    const double rx = std::min(width, height) * picture.pick(20, 48) / 100.0 /
                       (people == 1 ? 1 : std::sqrt(people));
-    picture.face(picture.w() * picture.pick(20, 80) / 100.0,
-                 picture.h() * picture.pick(20, 80) / 100.0, rx, rx * picture.pick(7, 20) / 10.0);
+    const double x = width * picture.pick(20, 80) / 100.0;
+    const double y = height * picture.pick(20, 80) / 100.0;
+    picture.face(x, y, rx, rx * picture.pick(7, 20) / 10.0);
   }
   return picture;
 }
