@@ -1,139 +1,147 @@
-// Regions as sets of pixels, and where their rows are cut.
+// Regions as sets of pixels, and the turn that sets them upright.
 #include "imaging/regions/pixel_region.h"
 
-#include <gtest/gtest.h>
-
+#include <array>
+#include <cmath>
 #include <set>
 
-#include "pages.h"
+#include "imaging/plain_image.h"
+#include "imaging/regions/rounding.h"
+#include "imaging/regions/skew.h"
 
 using namespace orvo;
 
 namespace {
 
-using Runs = std::vector<std::pair<int, int>>;
-using Pixels = std::set<std::pair<int, int>>;  // (y, x)
+using Pixels = std::vector<std::array<int, 2>>;  // (y, x)
 
-Runs RunsOf(const PixelRegion& region, std::size_t row = 0) {
-  Runs runs;
-  for (const PixelRun& run : region.rows().at(row).runs) runs.emplace_back(run.left, run.right);
-  return runs;
-}
-
-PixelRegion RowOf(const std::vector<int>& xs, int y = 0) {
-  PixelRegion region;
-  for (const int x : xs) EXPECT_TRUE(region.AddPixel(x, y));
-  return region;
-}
-
-PixelRegion RowOfRuns(const Runs& runs) {
-  PixelRegion region;
-  for (const auto& [left, right] : runs) {
-    for (int x = left; x < right; ++x) EXPECT_TRUE(region.AddPixel(x, 0));
-  }
-  return region;
-}
-
+// In the order in which they are stored.
 Pixels PixelsOf(const PixelRegion& region) {
   Pixels pixels;
   for (const PixelRow& row : region.rows()) {
     for (const PixelRun& run : row.runs) {
-      for (int x = run.left; x < run.right; ++x) pixels.emplace(row.y, x);
+      for (int x = run.left; x < run.right; ++x) pixels.push_back({row.y, x});
     }
   }
   return pixels;
 }
 
-TEST(PixelRegion, PixelsLengthenRunsAndNeverJoinThem) {
-  const struct {
-    std::vector<int> added;
-    Runs runs;
-  } kRows[] = {
-      {{0, 1, 2}, {{0, 3}}},
-      {{2, 1, 0}, {{0, 3}}},
-      {{7, 7}, {{7, 8}}},
-      {{0, 1, 3, 4, 2}, {{0, 3}, {3, 5}}},  // the first neighbour in the row gets the pixel
-      {{4, 0, 2}, {{0, 1}, {2, 3}, {4, 5}}},
-      {{4, 0, 2, 3}, {{0, 1}, {2, 4}, {4, 5}}},
-      {{5, 0, 4, 1}, {{0, 2}, {4, 6}}},
-      {{-3, -2}, {{-3, -1}}},
-  };
-  for (const auto& row : kRows) {
-    const PixelRegion region = RowOf(row.added);
-    EXPECT_EQ(RunsOf(region), row.runs);
-    EXPECT_EQ(region.RowExtentSum(), row.runs.back().second - row.runs.front().first);
-  }
-}
-
-TEST(PixelRegion, UnionAndIntersectionCutRowsTheirWay) {
-  const struct {
-    Runs a, b, united, shared;
-  } kRows[] = {
-      {{{0, 2}}, {{2, 4}}, {{0, 2}, {2, 4}}, {}},  // touching runs stay apart
-      {{{2, 4}}, {{0, 9}}, {{0, 9}}, {{2, 4}}},
-      {{{0, 5}}, {{3, 7}}, {{0, 7}}, {{3, 5}}},
-      {{{3, 7}}, {{0, 5}}, {{0, 7}}, {{3, 5}}},
-      {{{3, 7}}, {{3, 7}}, {{3, 7}}, {{3, 7}}},
-      // A long run is paired with the first that it meets, and the next goes out beside it.
-      {{{0, 10}}, {{2, 3}, {5, 6}}, {{0, 10}, {5, 6}}, {{2, 3}}},
-      {{{0, 1}, {4, 5}}, {{2, 3}, {6, 8}}, {{0, 1}, {2, 3}, {4, 5}, {6, 8}}, {}},
-  };
-  for (const auto& row : kRows) {
-    const PixelRegion a = RowOfRuns(row.a);
-    const PixelRegion b = RowOfRuns(row.b);
-    EXPECT_EQ(RunsOf(a.Union(b)), row.united);
-    const PixelRegion shared = a.Intersection(b);
-    ASSERT_EQ(shared.IsEmpty(), row.shared.empty());
-    if (!shared.IsEmpty()) {
-      EXPECT_EQ(RunsOf(shared), row.shared);
-    }
-  }
-  const PixelRegion touching = RowOf({0, 1, 3, 4, 2});
-  EXPECT_EQ(RunsOf(touching.Translated(-1, 0)), (Runs{{-1, 4}})) << "moving joins touching runs";
-}
-
 // Against a set of pixels; the two regions are apart for the union, as in the finder.
 TEST(PixelRegion, IsASetOfPixels) {
+  const auto listed = [](const auto& set) { return Pixels(set.begin(), set.end()); };
   for (unsigned seed = 0; seed < 300; ++seed) {
-    pages::Dice dice(seed);
-    PixelRegion a;
-    PixelRegion b;
-    Pixels inA;
-    Pixels inB;
-    for (int n = dice.upTo(60); n >= 0; --n) {
-      const int x = dice.upTo(12) - 6;
-      const int y = dice.upTo(12) - 6;
-      const bool first = dice.upTo(1) == 0;
-      if ((first ? inB : inA).contains({y, x})) continue;
-      ASSERT_TRUE((first ? a : b).AddPixel(x, y));
-      (first ? inA : inB).emplace(y, x);
+    std::mt19937 random(seed);
+    const auto pick = [&](unsigned reach) {
+      return static_cast<int>(random() % (2 * reach + 1)) - static_cast<int>(reach);
+    };
+    std::array<PixelRegion, 2> regions;
+    std::array<std::set<std::array<int, 2>>, 2> sets;
+    for (std::size_t n = random() % 61; n > 0; --n) {
+      const std::array<int, 2> pixel = {pick(6), pick(6)};
+      if (sets[(n + 1) % 2].contains(pixel)) continue;
+      ASSERT_TRUE(regions[n % 2].AddPixel(pixel[1], pixel[0]));
+      sets[n % 2].insert(pixel);
     }
-    ASSERT_EQ(PixelsOf(a), inA);
-    Pixels both = inA;
-    both.insert(inB.begin(), inB.end());
-    EXPECT_EQ(PixelsOf(a.Union(b)), both);
+    const auto& [a, b] = regions;
+    ASSERT_EQ(PixelsOf(a), listed(sets[0]));
+    auto both = sets[0];
+    both.insert(sets[1].begin(), sets[1].end());
+    EXPECT_EQ(PixelsOf(a.Union(b)), listed(both));
+    PixelRegion absorbed = a;
+    absorbed.Absorb(PixelRegion(b));
+    EXPECT_EQ(PixelsOf(absorbed), listed(both));
 
-    const int dx = dice.upTo(6) - 3;
-    const int dy = dice.upTo(6) - 3;
-    Pixels moved;
-    bool meets = false;
-    for (const auto& [y, x] : inB) {
-      moved.emplace(y + dy, x + dx);
-      meets = meets || inA.contains({y + dy, x + dx});
+    const int dx = pick(3);
+    const int dy = pick(3);
+    std::set<std::array<int, 2>> moved;
+    for (const auto& [y, x] : sets[1]) moved.insert({y + dy, x + dx});
+    EXPECT_EQ(PixelsOf(b.Translated(dx, dy)), listed(moved));
+    const bool meets = std::any_of(moved.begin(), moved.end(),
+                                   [&](const auto& pixel) { return sets[0].contains(pixel); });
+    const PixelRegion shared = b.Translated(dx, dy).Intersection(a);
+    EXPECT_EQ(shared.IsEmpty(), !meets);
+    for (const auto& pixel : PixelsOf(shared)) {
+      ASSERT_TRUE(sets[0].contains(pixel) && moved.contains(pixel));
     }
-    EXPECT_EQ(PixelsOf(b.Translated(dx, dy)), moved);
-    EXPECT_EQ(b.Translated(dx, dy).Intersection(a).IsEmpty(), !meets);
-    for (int y = -7; y <= 7; ++y) {
-      for (int x = -7; x <= 7; ++x) ASSERT_EQ(a.Contains(x, y), inA.contains({y, x}));
+    for (int i = 0; i < 15 * 15; ++i) {
+      ASSERT_EQ(a.Contains(i % 15 - 7, i / 15 - 7), sets[0].contains({i / 15 - 7, i % 15 - 7}));
     }
-    if (inA.empty()) continue;
+    if (a.IsEmpty()) continue;
+    std::set<int> columns;
+    for (const auto& [y, x] : sets[0]) columns.insert(x);
     const RECT box = a.BoundingRect();
-    EXPECT_EQ(box.top, inA.begin()->first);
-    EXPECT_EQ(box.bottom, inA.rbegin()->first + 1);
-    for (const auto& [y, x] : inA) EXPECT_TRUE(box.left <= x && x < box.right);
+    EXPECT_EQ((std::array{box.left, box.top, box.right, box.bottom}),
+              (std::array{*columns.begin(), (*sets[0].begin())[0], *columns.rbegin() + 1,
+                          (*sets[0].rbegin())[0] + 1}));
+    int extents = 0;
+    for (const PixelRow& row : a.rows()) extents += row.right() - row.left();
+    EXPECT_EQ(a.RowExtentSum(), extents);
     EXPECT_EQ(a.Centre().x, (box.left + box.right) / 2);
     EXPECT_EQ(a.Centre().y, (box.top + box.bottom) / 2);
   }
+}
+
+// --- Skew ----------------------------------------------------------------------------------------
+
+TEST(Rounding, CutsAtATenth) {
+  const struct {
+    double value;
+    int x, y;
+  } kRows[] = {{2.0, 2, 2},    {2.49, 2, 2},   {2.5, 3, 2},     {2.89, 3, 2},  {2.95, 3, 3},
+               {-2.0, -2, -2}, {-2.5, -2, -3}, {-2.05, -2, -2}, {-2.6, -3, -3}};
+  for (const auto& row : kRows) {
+    EXPECT_EQ(RoundTenths(row.value), row.x) << row.value;
+    EXPECT_EQ(RoundPoint(row.value, row.value).x, row.x) << row.value;
+    EXPECT_EQ(RoundPoint(row.value, row.value).y, row.y) << row.value;
+  }
+}
+
+// A solid rectangle about (200, 200), turned clockwise as shown.
+PixelRegion Tilted(double width, double height, double degrees) {
+  const double a = degrees * std::acos(-1.0) / 180.0;
+  PixelRegion region;
+  for (int y = 80; y < 320; ++y) {
+    for (int x = 80; x < 320; ++x) {
+      const double across = (x - 200) * std::cos(a) + (y - 200) * std::sin(a);
+      const double down = (y - 200) * std::cos(a) - (x - 200) * std::sin(a);
+      if (std::abs(across) > width / 2 || std::abs(down) > height / 2) continue;
+      EXPECT_TRUE(region.AddPixel(x, y));
+    }
+  }
+  return region;
+}
+
+TEST(Skew, TiltedRectanglesStandUprightAgain) {
+  for (const double tilt : {-40.0, -23.0, -9.0, -4.0, -3.0, 3.0, 5.0, 12.0, 31.0, 40.0}) {
+    EXPECT_NEAR(FindSkew(Tilted(140, 70, tilt), nullptr), -tilt, 1.0);
+    EXPECT_NEAR(FindSkew(Tilted(60, 170, tilt), nullptr), -tilt, 1.0);
+  }
+  EXPECT_EQ(FindSkew(Tilted(120, 80, 50), nullptr), 40) << "onto its other side";
+  EXPECT_EQ(FindSkew(Tilted(120, 80, -50), nullptr), -40);
+  EXPECT_EQ(SkewDirection(Tilted(120, 80, 0)), 0);
+  EXPECT_EQ(SkewDirection(Tilted(120, 80, 10)), -1);
+  // Areas beyond 32 bits. The line tilts by 42 degrees, and the first turn that helps goes on to
+  // the vertical.
+  PixelRegion line;
+  for (int n = 0; n < 90000; ++n) ASSERT_TRUE(line.AddPixel(n, n * 9 / 10));
+  EXPECT_EQ(FindSkew(line, nullptr), 48);
+}
+
+TEST(Skew, RandomRegions) {
+  plain::CheckSum sum;
+  for (unsigned seed = 0; seed < 150; ++seed) {
+    std::mt19937 random(seed);
+    const auto pick = [&](unsigned most) { return static_cast<int>(random() % (most + 1)); };
+    PixelRegion region;
+    for (int slope = pick(40) - 20, n = pick(60); n >= 0; --n) {
+      const int left = 100 + n * slope / 20 - pick(4);
+      for (int x = left + 5 + pick(40); x >= left; --x) ASSERT_TRUE(region.AddPixel(x, n));
+    }
+    RECT box;
+    sum.add(FindSkew(region, &box), SkewDirection(region));
+    sum.addSides(box);
+  }
+  EXPECT_EQ(sum.value(), 16804731405629195694U);
 }
 
 }  // namespace
