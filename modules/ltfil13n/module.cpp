@@ -5,10 +5,10 @@
 #include "common/guard.h"
 #include "common/kernel_services.h"
 #include "common/status.h"
-#include "ltfil13n/codecs.h"
 #include "ltfil13n/source_file.h"
 #include "ltfil13n/target_file.h"
 #include "ltfil13n/thumbnail.h"
+#include "pictures/codecs.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "ltfil13n/codec.h"
+#include "pictures/formats.h"
 
 namespace modules {
 

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <optional>
 
-#include "ltfil13n/codec.h"
 #include "ltfil13n/source_file.h"
 #include "pictures/file_handle.h"
+#include "pictures/formats.h"
 #include "pictures/temporary_file.h"
 
 namespace modules {

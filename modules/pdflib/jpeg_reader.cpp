@@ -16,7 +16,7 @@
 #include "pdflib/picture_files.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
-#include "pictures/file_image.h"
+#include "pictures/picture.h"
 #include "pictures/library_calls.h"
 
 namespace modules {

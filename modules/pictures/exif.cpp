@@ -1,6 +1,6 @@
 #include "pictures/exif.h"
 
-#include "pictures/file_image.h"
+#include "pictures/picture.h"
 
 namespace modules {
 namespace {

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "pictures/file_image.h"
+#include "pictures/picture.h"
 
 namespace modules {
 

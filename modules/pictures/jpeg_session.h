@@ -1,0 +1,35 @@
+// What reading and writing JPEG share: errors that come back as codes, progress, silence.
+#ifndef MODULES_PICTURES_JPEG_SESSION_H
+#define MODULES_PICTURES_JPEG_SESSION_H
+
+#include <csetjmp>
+
+// The library's header needs the types of the first, so they stay in this order.
+// clang-format off
+#include <stdio.h>
+#include <jpeglib.h>
+// clang-format on
+
+#include "common/status.h"
+
+namespace modules {
+
+// Stays where it is while the library uses it: the library keeps pointers to it.
+struct JpegSession {
+  jpeg_error_mgr errors{};
+  jpeg_progress_mgr monitor{};
+  std::jmp_buf jump{};
+  int code = 0;  // module code of the error that was met
+  Progress progress{100};
+};
+
+// To be called before the library makes its object, which then reports to the session.
+void PrepareJpeg(JpegSession& session, j_common_ptr codec);
+// To be called once the object is made: its passes are reported as progress.
+void WatchJpeg(JpegSession& session, j_common_ptr codec);
+// Leaves the library with a module code.
+[[noreturn]] void LeaveJpeg(j_common_ptr codec, int code);
+
+}  // namespace modules
+
+#endif  // MODULES_PICTURES_JPEG_SESSION_H

@@ -1,0 +1,47 @@
+// The rare kinds of files that GraphicsMagick reads for us: how each is told from others, and what
+// its own header says.
+#ifndef MODULES_PICTURES_MAGICK_KINDS_H
+#define MODULES_PICTURES_MAGICK_KINDS_H
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace modules {
+
+// In dots per inch; 0 when there is none.
+struct FileResolution {
+  int x = 0;
+  int y = 0;
+};
+
+struct MagickKind {
+  using Bytes = std::span<const std::uint8_t>;
+
+  const char* magick;  // the library's name
+  int format;          // a FileFormat
+  // head: the first bytes of the file, as many as a codec may count on.
+  bool (*matches)(Bytes head, std::string_view extension);
+
+  // The rest is asked of a file that matches, in memory from end to end, and may be null.
+
+  // Whether it is worth showing to the library.
+  bool (*isSound)(Bytes file) = nullptr;
+  // Null: the image keeps its palette if it has one.
+  int (*depth)(Bytes file) = nullptr;
+  FileResolution (*resolution)(Bytes file, int page) = nullptr;
+  // Null: one.
+  int (*pages)(Bytes file) = nullptr;
+};
+
+// Null when no kind matches. extension: lower case, without dot.
+const MagickKind* MagickKindOf(std::span<const std::uint8_t> head, std::string_view extension);
+
+// Whether the records of a Windows metafile follow each other from its header to its end mark and
+// keep to what the header promises. The library under the library tells what it dislikes on
+// standard error, so it gets to see none of what it would dislike.
+bool IsSoundMetafile(std::span<const std::uint8_t> file);
+
+}  // namespace modules
+
+#endif  // MODULES_PICTURES_MAGICK_KINDS_H

@@ -1,0 +1,78 @@
+// GraphicsMagick as a decoder and encoder of files in memory, and nothing more: it never picks a
+// format, never starts a program, opens no file or address on its own, and keeps no pixels on disk.
+#ifndef MODULES_PICTURES_MAGICK_SESSION_H
+#define MODULES_PICTURES_MAGICK_SESSION_H
+
+#include <magick/api.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <span>
+
+#include "common/status.h"
+
+namespace modules {
+
+struct MagickImageEnd {
+  void operator()(Image* image) const { DestroyImageList(image); }
+};
+using MagickImage = std::unique_ptr<Image, MagickImageEnd>;
+
+struct MagickInfoEnd {
+  void operator()(ImageInfo* info) const { DestroyImageInfo(info); }
+};
+using MagickImageInfo = std::unique_ptr<ImageInfo, MagickInfoEnd>;
+
+// What one call into the library reported. Module code of it by code().
+class MagickReport {
+ public:
+  MagickReport() { GetExceptionInfo(&exception_); }
+  ~MagickReport() { DestroyExceptionInfo(&exception_); }
+  MagickReport(const MagickReport&) = delete;
+  MagickReport& operator=(const MagickReport&) = delete;
+
+  ExceptionInfo* get() { return &exception_; }
+  [[nodiscard]] int code() const;
+
+ private:
+  ExceptionInfo exception_{};
+};
+
+// Progress of one file: the library's own work takes the first half of the scale, the copying of
+// rows the second or the other way round.
+class MagickProgress {
+ public:
+  // The library's part lies above or below the rows' part.
+  enum class Order : std::uint8_t { kLibraryFirst, kRowsFirst };
+  explicit MagickProgress(Order order) : order_(order) {}
+
+  // False when the callback asks to stop; it is not asked again.
+  bool reportLibrary(std::uint64_t done, std::uint64_t total);
+  bool reportRows(int done, int total);
+  [[nodiscard]] bool stopped() const { return stopped_; }
+
+ private:
+  bool report(bool firstHalf, std::uint64_t done, std::uint64_t total);
+
+  Order order_;
+  bool stopped_ = false;
+  Progress progress_{2 * kHalf};
+  static constexpr std::uint64_t kHalf = 100;
+};
+
+// Options of one call, for a format by the library's name; starts the library when it is the first.
+// Empty when it cannot start.
+MagickImageInfo NewMagickInfo(const char* magick);
+// An image without pixels for the format of the options; empty when out of memory.
+MagickImage NewMagickImage(const ImageInfo& info);
+
+// The first image of a file in memory, without its pixels when progress is null. Module code.
+int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
+                 MagickProgress* progress, MagickImage& image);
+// Writes the bytes of a file that holds the image. Module code.
+int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file);
+
+}  // namespace modules
+
+#endif  // MODULES_PICTURES_MAGICK_SESSION_H

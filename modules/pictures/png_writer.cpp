@@ -1,0 +1,120 @@
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+
+#include "common/color_rows.h"
+#include "common/status.h"
+#include "pictures/codecs.h"
+#include "pictures/file_handle.h"
+#include "pictures/library_calls.h"
+#include "pictures/pixel_kinds.h"
+#include "pictures/png_codec.h"
+
+namespace modules {
+namespace {
+
+bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
+  constexpr std::size_t kMarkBytes = 8;
+  return head.size() >= kMarkBytes && png_sig_cmp(head.data(), 0, kMarkBytes) == 0;
+}
+
+class PngWriter {
+ public:
+  PngWriter()
+      : png_(png_create_write_struct(PNG_LIBPNG_VER_STRING, &jump_, OnPngError, OnPngWarning)),
+        info_(png_ == nullptr ? nullptr : png_create_info_struct(png_)) {}
+  ~PngWriter() { png_destroy_write_struct(&png_, &info_); }
+  PngWriter(const PngWriter&) = delete;
+  PngWriter& operator=(const PngWriter&) = delete;
+
+  int write(std::FILE* file, const LockedDib& image) {
+    if (info_ == nullptr) return kModuleNoMemory;
+    const int colorType = colorTypeOf(*image);
+    std::unique_ptr<Color[]> colors;
+    if (image->depth == 16) {
+      colors = std::make_unique<Color[]>(static_cast<std::size_t>(image->width));
+    }
+    Color* const scratch = colors.get();
+    bool stopped = false;
+    const bool written = Attempt(jump_, [&, this] {
+      png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+      png_init_io(png_, file);
+      describe(image, colorType);
+      png_write_info(png_, info_);
+      png_set_bgr(png_);
+      if (image->depth == 32 && colorType == PNG_COLOR_TYPE_RGB) {
+        png_set_filler(png_, 0, PNG_FILLER_AFTER);
+      }
+      stopped = !writeRows(*image, scratch);
+      if (!stopped) png_write_end(png_, nullptr);
+    });
+    if (stopped) return kModuleAborted;
+    return written ? kModuleSuccess : kModuleWriteFailed;
+  }
+
+ private:
+  static int colorTypeOf(const Pixels& image) {
+    if (image.depth <= 8) {
+      return HasGrayRamp(image) ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_PALETTE;
+    }
+    return HasAlpha(image) ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB;
+  }
+
+  void describe(const LockedDib& image, int colorType) {
+    constexpr int kMostSampleBits = 8;
+    png_set_IHDR(png_, info_, static_cast<png_uint_32>(image->width),
+                 static_cast<png_uint_32>(image->height), std::min(image->depth, kMostSampleBits),
+                 colorType, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                 PNG_FILTER_TYPE_DEFAULT);
+    if (colorType == PNG_COLOR_TYPE_PALETTE) {
+      std::array<png_color, 256> entries{};
+      for (int i = 0; i < image->paletteSize(); ++i) {
+        const RGBQUAD& entry = image->palette[i];
+        entries[static_cast<std::size_t>(i)] = {entry.rgbRed, entry.rgbGreen, entry.rgbBlue};
+      }
+      png_set_PLTE(png_, info_, entries.data(), image->paletteSize());
+    }
+    const BITMAPINFOHEADER& header = image.header();
+    if (header.biXPelsPerMeter > 0 && header.biYPelsPerMeter > 0) {
+      png_set_pHYs(png_, info_, static_cast<png_uint_32>(header.biXPelsPerMeter),
+                   static_cast<png_uint_32>(header.biYPelsPerMeter), PNG_RESOLUTION_METER);
+    }
+  }
+
+  // False when the status callback asks to stop.
+  bool writeRows(const Pixels& image, Color* scratch) {
+    Progress progress(static_cast<std::uint64_t>(image.height));
+    for (int y = image.height - 1; y >= 0; --y) {
+      const std::uint8_t* row = image.row(y);
+      if (scratch != nullptr) {
+        ReadColors(image, y, scratch);
+        row = reinterpret_cast<const std::uint8_t*>(scratch);
+      }
+      png_write_row(png_, row);
+      if (!progress.report(static_cast<std::uint64_t>(image.height - y))) return false;
+    }
+    return true;
+  }
+
+  std::jmp_buf jump_{};
+  png_structp png_;
+  png_infop info_;
+};
+
+constexpr std::array<int, 1> kFormats{kFormatPng};
+
+}  // namespace
+
+// 16 bits are written as 24; PNG has no such depth.
+int SavePng(const SaveRequest& request, const LockedDib& image) {
+  FileHandle file = OpenFile(request.path, "wb");
+  if (!file) return kModuleFileNotOpened;
+  const int code = PngWriter().write(file.get(), image);
+  if (code != kModuleSuccess) return code;
+  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
+}
+
+const Codec kPngCodec{Recognises, DescribePng, LoadPng, kFormats, SavePng};
+
+}  // namespace modules

@@ -1,0 +1,187 @@
+#include <algorithm>
+#include <cmath>
+
+#include "common/color.h"
+#include "common/color_rows.h"
+#include "common/status.h"
+#include "pictures/codecs.h"
+#include "pictures/file_handle.h"
+#include "pictures/index_rows.h"
+#include "pictures/psd.h"
+
+namespace modules {
+namespace {
+
+bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
+  return head.size() >= kPsdHeaderBytes &&
+         std::equal(kPsdMark.begin(), kPsdMark.end(), head.begin());
+}
+
+using Buffer = std::vector<std::uint8_t>;
+
+void Add16(Buffer& bytes, unsigned number) {
+  bytes.push_back(static_cast<std::uint8_t>(number >> 8));
+  bytes.push_back(static_cast<std::uint8_t>(number));
+}
+void Add32(Buffer& bytes, std::uint32_t number) {
+  Add16(bytes, number >> 16);
+  Add16(bytes, number);
+}
+
+bool IsBlackAndWhite(const Pixels& image) {
+  constexpr Color kBlack = GrayOf(0);
+  constexpr Color kWhite = GrayOf(255);
+  if (image.depth != 1) return false;
+  const Color first = ColorOf(image.palette[0]);
+  const Color second = ColorOf(image.palette[1]);
+  return (first == kBlack && second == kWhite) || (first == kWhite && second == kBlack);
+}
+
+PsdMode ModeFor(const Pixels& image) {
+  if (image.depth > 8) return PsdMode::kRgb;
+  if (IsBlackAndWhite(image)) return PsdMode::kBitmap;
+  return BytesAreTones(image) ? PsdMode::kGray : PsdMode::kIndexed;
+}
+
+void AddPalette(Buffer& bytes, const Pixels& image) {
+  Add32(bytes, kPsdPaletteBytes);
+  for (std::uint8_t RGBQUAD::*const tone :
+       {&RGBQUAD::rgbRed, &RGBQUAD::rgbGreen, &RGBQUAD::rgbBlue}) {
+    for (int i = 0; i < 256; ++i) {
+      bytes.push_back(i < image.paletteSize() ? image.palette[i].*tone : std::uint8_t{0});
+    }
+  }
+}
+
+// As 16.16; whole dots where pixels per metre stand for them, so that 300 stays 300.
+std::uint32_t FixedDotsPerInch(std::int32_t pixelsPerMetre) {
+  constexpr double kFixedOne = 65536;
+  const int whole = orvo::DotsPerInch(pixelsPerMetre);
+  const bool isWhole = orvo::PixelsPerMetre(whole) == pixelsPerMetre;
+  const double dots = isWhole ? whole : pixelsPerMetre * orvo::kMetresPerInch;
+  return static_cast<std::uint32_t>(
+      std::clamp(std::round(dots * kFixedOne), 0.0, double{UINT32_MAX}));
+}
+
+void AddResources(Buffer& bytes, const BITMAPINFOHEADER& header) {
+  constexpr unsigned kShownPerInch = 1;
+  constexpr unsigned kShownInInches = 1;
+  constexpr std::uint32_t kRecordBytes = 12 + kPsdResolutionBytes;
+  if (header.biXPelsPerMeter <= 0 || header.biYPelsPerMeter <= 0) return Add32(bytes, 0);
+  Add32(bytes, kRecordBytes);
+  bytes.insert(bytes.end(), kPsdResourceMark.begin(), kPsdResourceMark.end());
+  Add16(bytes, kPsdResolutionResource);
+  Add16(bytes, 0);  // no name
+  Add32(bytes, kPsdResolutionBytes);
+  for (const std::int32_t resolution : {header.biXPelsPerMeter, header.biYPelsPerMeter}) {
+    Add32(bytes, FixedDotsPerInch(resolution));
+    Add16(bytes, kShownPerInch);
+    Add16(bytes, kShownInInches);
+  }
+}
+
+// All that stands before the picture's rows.
+Buffer StartOf(const LockedDib& image, PsdMode mode, unsigned channels) {
+  Buffer bytes(kPsdMark.begin(), kPsdMark.end());
+  bytes.resize(bytes.size() + 6);  // reserved
+  Add16(bytes, channels);
+  Add32(bytes, static_cast<std::uint32_t>(image->height));
+  Add32(bytes, static_cast<std::uint32_t>(image->width));
+  Add16(bytes, mode == PsdMode::kBitmap ? 1 : 8);
+  Add16(bytes, static_cast<unsigned>(mode));
+  if (mode == PsdMode::kIndexed) {
+    AddPalette(bytes, *image);
+  } else {
+    Add32(bytes, 0);
+  }
+  AddResources(bytes, image.header());
+  Add32(bytes, 0);  // no layers
+  Add16(bytes, static_cast<unsigned>(PsdCompression::kRuns));
+  return bytes;
+}
+
+// Gives the samples of one channel, a stored row at a time.
+class Samples {
+ public:
+  Samples(const Pixels& image, PsdMode mode)
+      : image_(image),
+        mode_(mode),
+        row_(static_cast<std::size_t>(image.width)),
+        colors_(row_.size()) {
+    if (mode == PsdMode::kBitmap) row_.resize(image.rowBytes());
+  }
+
+  std::span<const std::uint8_t> of(int channel, int y) {
+    if (mode_ == PsdMode::kRgb) {
+      ReadColors(image_, y, colors_.data());
+      constexpr std::array<std::uint8_t Color::*, 3> kTones{&Color::red, &Color::green,
+                                                            &Color::blue};
+      std::uint8_t Color::*const tone = kTones[static_cast<std::size_t>(channel)];
+      std::transform(colors_.begin(), colors_.end(), row_.begin(),
+                     [=](const Color& color) { return color.*tone; });
+    } else if (mode_ == PsdMode::kBitmap) {
+      const std::uint8_t flip = image_.palette[0].rgbRed == 0 ? 0xFF : 0;
+      std::transform(image_.row(y), image_.row(y) + row_.size(), row_.begin(),
+                     [=](std::uint8_t bits) { return static_cast<std::uint8_t>(bits ^ flip); });
+    } else {
+      ReadIndexes(image_, y, row_.data());
+    }
+    return row_;
+  }
+
+ private:
+  const Pixels& image_;
+  PsdMode mode_;
+  Buffer row_;
+  std::vector<Color> colors_;
+};
+
+bool Write(std::FILE* file, const Buffer& bytes) {
+  return std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+}
+
+// The table of row lengths stands before the rows, so it is written twice: empty, then filled.
+int WritePicture(std::FILE* file, const Pixels& image, PsdMode mode, int channels) {
+  const int rows = channels * image.height;
+  Progress progress(static_cast<std::uint64_t>(rows));
+  const long tableAt = std::ftell(file);
+  if (!Write(file, Buffer(2 * static_cast<std::size_t>(rows)))) return kModuleWriteFailed;
+  Samples samples(image, mode);
+  Buffer counts;
+  Buffer runs;
+  for (int i = 0; i < rows; ++i) {
+    runs.clear();
+    PackRuns(samples.of(i / image.height, image.height - 1 - i % image.height), runs);
+    Add16(counts, static_cast<unsigned>(runs.size()));
+    if (!Write(file, runs)) return kModuleWriteFailed;
+    if (!progress.report(static_cast<std::uint64_t>(i) + 1)) return kModuleAborted;
+  }
+  const bool written = std::fseek(file, tableAt, SEEK_SET) == 0 && Write(file, counts);
+  return written ? kModuleSuccess : kModuleWriteFailed;
+}
+
+constexpr std::array<int, 1> kFormats{kFormatPsd};
+
+}  // namespace
+
+int SavePsd(const SaveRequest& request, const LockedDib& image) {
+  if (std::max(image->width, image->height) > kPsdMostSide) return kFileFormatNotWritten;
+  FileHandle file = OpenFile(request.path, "wb");
+  if (!file) return kModuleFileNotOpened;
+  const PsdMode mode = ModeFor(*image);
+  const int channels = mode == PsdMode::kRgb ? 3 : 1;
+  if (!Write(file.get(), StartOf(image, mode, static_cast<unsigned>(channels)))) {
+    return kModuleWriteFailed;
+  }
+  const int code = WritePicture(file.get(), *image, mode, channels);
+  if (code != kModuleSuccess) return code;
+  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
+}
+
+const Codec kPsdCodec{.recognises = Recognises,
+                      .describe = DescribePsd,
+                      .load = LoadPsd,
+                      .formats = kFormats,
+                      .save = SavePsd};
+
+}  // namespace modules

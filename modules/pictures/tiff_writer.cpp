@@ -1,0 +1,200 @@
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "common/color.h"
+#include "common/color_rows.h"
+#include "common/status.h"
+#include "pictures/file_handle.h"
+#include "pictures/pixel_kinds.h"
+#include "pictures/tiff_codec.h"
+
+namespace modules {
+namespace {
+
+constexpr std::uint32_t kStripBytes = 1U << 17;
+
+// What the file says about its samples.
+struct Form {
+  int bits;
+  int samples;
+  std::uint16_t photometric;
+  std::uint16_t compression;
+  bool flips;  // rows are written with all bits turned round
+  std::uint32_t rowsPerStrip;
+};
+
+bool IsBlack(const RGBQUAD& entry) {
+  return entry.rgbRed == 0 && entry.rgbGreen == 0 && entry.rgbBlue == 0;
+}
+bool IsWhite(const RGBQUAD& entry) {
+  return entry.rgbRed == 255 && entry.rgbGreen == 255 && entry.rgbBlue == 255;
+}
+
+std::uint16_t PhotometricOf(const Pixels& image) {
+  if (image.palette == nullptr) return PHOTOMETRIC_RGB;
+  if (HasGrayRamp(image)) return PHOTOMETRIC_MINISBLACK;
+  const bool isInverse = image.depth == 1 && IsWhite(image.palette[0]) && IsBlack(image.palette[1]);
+  return isInverse ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_PALETTE;
+}
+
+Form FormFor(const Pixels& image, bool compressed) {
+  constexpr int kMostSampleBits = 8;
+  Form form{};
+  form.bits = std::min(image.depth, kMostSampleBits);
+  form.samples = image.depth <= 8 ? 1 : HasAlpha(image) ? 4 : 3;
+  form.photometric = PhotometricOf(image);
+  const std::size_t rowBytes =
+      (static_cast<std::size_t>(image.width) * static_cast<std::size_t>(form.bits * form.samples) +
+       7) /
+      8;
+  form.rowsPerStrip = static_cast<std::uint32_t>(
+      std::clamp<std::size_t>(kStripBytes / rowBytes, 1, static_cast<std::size_t>(image.height)));
+  form.compression = compressed ? COMPRESSION_LZW : COMPRESSION_NONE;
+  if (compressed && image.depth == 1 && form.photometric != PHOTOMETRIC_PALETTE) {
+    // The fax code expects white paper as 0, and readers of it one strip.
+    form.compression = COMPRESSION_CCITTFAX4;
+    form.flips = form.photometric == PHOTOMETRIC_MINISBLACK;
+    form.photometric = PHOTOMETRIC_MINISWHITE;
+    form.rowsPerStrip = static_cast<std::uint32_t>(image.height);
+  }
+  return form;
+}
+
+bool SetPalette(TIFF* tiff, const Pixels& image) {
+  constexpr std::uint16_t kByteTo16 = 257;
+  std::array<std::array<std::uint16_t, 256>, 3> tones{};
+  for (int i = 0; i < image.paletteSize(); ++i) {
+    const auto entry = static_cast<std::size_t>(i);
+    tones[0][entry] = static_cast<std::uint16_t>(image.palette[i].rgbRed * kByteTo16);
+    tones[1][entry] = static_cast<std::uint16_t>(image.palette[i].rgbGreen * kByteTo16);
+    tones[2][entry] = static_cast<std::uint16_t>(image.palette[i].rgbBlue * kByteTo16);
+  }
+  return TIFFSetField(tiff, TIFFTAG_COLORMAP, tones[0].data(), tones[1].data(), tones[2].data()) !=
+         0;
+}
+
+// In whole dots per inch, as people count, where that gives the same pixels per metre again; else
+// in dots per centimetre, which keep them exactly.
+void SetResolution(TIFF* tiff, const BITMAPINFOHEADER& header) {
+  constexpr double kCentimetresPerMetre = 100;
+  const auto isWhole = [](std::int32_t metre) {
+    return orvo::PixelsPerMetre(orvo::DotsPerInch(metre)) == metre;
+  };
+  const std::int32_t x = header.biXPelsPerMeter;
+  const std::int32_t y = header.biYPelsPerMeter;
+  if (x <= 0 || y <= 0) {
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_NONE);
+    return;
+  }
+  const bool inches = isWhole(x) && isWhole(y);
+  TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, inches ? RESUNIT_INCH : RESUNIT_CENTIMETER);
+  TIFFSetField(tiff, TIFFTAG_XRESOLUTION, inches ? orvo::DotsPerInch(x) : x / kCentimetresPerMetre);
+  TIFFSetField(tiff, TIFFTAG_YRESOLUTION, inches ? orvo::DotsPerInch(y) : y / kCentimetresPerMetre);
+}
+
+bool SetTags(TIFF* tiff, const LockedDib& image, const Form& form) {
+  const auto set = [=](std::uint32_t tag, auto value) {
+    return TIFFSetField(tiff, tag, value) != 0;
+  };
+  bool sound =
+      set(TIFFTAG_IMAGEWIDTH, image->width) && set(TIFFTAG_IMAGELENGTH, image->height) &&
+      set(TIFFTAG_BITSPERSAMPLE, form.bits) && set(TIFFTAG_SAMPLESPERPIXEL, form.samples) &&
+      set(TIFFTAG_PHOTOMETRIC, form.photometric) && set(TIFFTAG_COMPRESSION, form.compression) &&
+      set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+      set(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) && set(TIFFTAG_ROWSPERSTRIP, form.rowsPerStrip);
+  if (sound && form.samples == 4) {
+    const std::uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
+    sound = TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha) != 0;
+  }
+  if (sound && form.photometric == PHOTOMETRIC_PALETTE) sound = SetPalette(tiff, *image);
+  const bool areTones = form.bits == 8 && form.photometric != PHOTOMETRIC_PALETTE;
+  if (sound && form.compression == COMPRESSION_LZW && areTones) {
+    sound = set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+  }
+  SetResolution(tiff, image.header());
+  return sound;
+}
+
+// Pixels of `step` bytes, blue first, as `samples` bytes of them, red first.
+template <int step, int samples>
+void TurnRound(const std::uint8_t* from, int pixels, std::uint8_t* out) {
+  for (int x = 0; x < pixels; ++x, from += step, out += samples) {
+    out[0] = from[2];
+    out[1] = from[1];
+    out[2] = from[0];
+    if constexpr (samples == 4) out[3] = from[3];
+  }
+}
+
+// Fills out with a row as the file has it. The library may change it, so it is never the image's.
+void MakeRow(const Pixels& image, const Form& form, int y, std::uint8_t* out,
+             std::vector<Color>& colors) {
+  const std::uint8_t* const row = image.row(y);
+  switch (image.depth) {
+    case 16:
+      colors.resize(static_cast<std::size_t>(image.width));
+      ReadColors(image, y, colors.data());
+      return TurnRound<3, 3>(reinterpret_cast<const std::uint8_t*>(colors.data()), image.width,
+                             out);
+    case 24:
+      return TurnRound<3, 3>(row, image.width, out);
+    case 32:
+      return form.samples == 4 ? TurnRound<4, 4>(row, image.width, out)
+                               : TurnRound<4, 3>(row, image.width, out);
+    default:
+      break;
+  }
+  const auto flip = static_cast<std::uint8_t>(form.flips ? 255 : 0);
+  std::transform(row, row + image.rowBytes(), out,
+                 [=](std::uint8_t byte) { return static_cast<std::uint8_t>(byte ^ flip); });
+}
+
+int WritePage(TIFF* tiff, const LockedDib& locked, bool compressed) {
+  const Pixels& image = *locked;
+  const Form form = FormFor(image, compressed);
+  if (!SetTags(tiff, locked, form)) return kFileFormatNotWritten;
+  std::vector<std::uint8_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)));
+  std::vector<Color> colors;
+  Progress progress(static_cast<std::uint64_t>(image.height));
+  for (int line = 0; line < image.height; ++line) {
+    MakeRow(image, form, image.height - 1 - line, row.data(), colors);
+    if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(line), 0) != 1) {
+      return kModuleWriteFailed;
+    }
+    if (!progress.report(static_cast<std::uint64_t>(line) + 1)) return kModuleAborted;
+  }
+  return TIFFWriteDirectory(tiff) != 0 ? kModuleSuccess : kModuleWriteFailed;
+}
+
+// Whether the chain of pages can be followed to its end, so that one more can be hung there.
+int CheckAppendable(const char* path) {
+  int faults = 0;
+  const TiffHandle tiff = OpenTiff(path, "rm", &faults);
+  if (!tiff) return kModuleBadFile;
+  (void)FollowPages(tiff.get());
+  // A chain that leads back to an earlier page never reaches its end, which the library would seek.
+  const bool ends = TIFFLastDirectory(tiff.get()) != 0;
+  return ends && faults == 0 ? kModuleSuccess : kFileFormatDamaged;
+}
+
+}  // namespace
+
+int SaveTiff(const SaveRequest& request, const LockedDib& image) {
+  // Beyond this the offsets of the usual form, 32 bits, may not reach.
+  constexpr std::size_t kMostPlainBytes = std::size_t{7} << 29;
+  const std::size_t bytes = image->stride * static_cast<std::size_t>(image->height);
+  const char* mode = bytes > kMostPlainBytes ? "w8" : "w";
+  if (request.appendPage) {
+    if (const int code = CheckAppendable(request.path); code != kModuleSuccess) return code;
+    mode = "a";
+  }
+  int faults = 0;
+  TiffHandle tiff = OpenTiff(request.path, mode, &faults);
+  if (!tiff) return kModuleFileNotOpened;
+  const int code = WritePage(tiff.get(), image, request.format == kFormatTiffCompressed);
+  tiff.reset();
+  return code == kModuleSuccess && faults > 0 ? static_cast<int>(kModuleWriteFailed) : code;
+}
+
+}  // namespace modules
