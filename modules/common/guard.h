@@ -8,11 +8,22 @@
 
 namespace modules {
 
+// Thrown where work ends with a module code that its caller shall get.
+struct ModuleError {
+  int code;
+};
+
+inline void Require(bool met, int code) {
+  if (!met) throw ModuleError{code};
+}
+
 // Runs an entry point's work and turns what it throws into a module code.
 template <class Work>
 int Guarded(Work&& work) noexcept {
   try {
     return work();
+  } catch (const ModuleError& error) {
+    return error.code;
   } catch (const std::bad_alloc&) {
     return kModuleNoMemory;
   } catch (...) {

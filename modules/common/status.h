@@ -21,10 +21,15 @@ ORVO_MODULE_API KernelStatusShare KernelSetStatusShare(KernelStatusShare share);
 
 namespace modules {
 
+// Told the percent done; false stops the work.
+using Report = bool (*)(int percent);
+
 // Counts an operation's work in any unit and reports each percent at most once, rising.
 class Progress {
  public:
-  explicit Progress(std::uint64_t total) : total_(total == 0 ? 1 : total) {}
+  // A null listener is told nothing and stops nothing.
+  explicit Progress(std::uint64_t total, Report listener = KernelReportStatus)
+      : total_(total == 0 ? 1 : total), report_(listener) {}
 
   // `done` of the total is finished. False when the callback asks to stop: the operation then ends
   // with kModuleAborted and leaves its bitmap as it was.
@@ -32,11 +37,12 @@ class Progress {
     const int percent = static_cast<int>(done >= total_ ? 100 : done * 100 / total_);
     if (percent <= last_) return true;
     last_ = percent;
-    return KernelReportStatus(percent);
+    return report_ == nullptr || report_(percent);
   }
 
  private:
   std::uint64_t total_;
+  Report report_;
   int last_ = -1;
 };
 

@@ -1,21 +1,20 @@
 #include "ltfil13n/source_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
+#include <climits>
 #include <filesystem>
 
 #include "common/kernel_services.h"
 #include "pictures/file_handle.h"
+#include "pictures/loading.h"
 #include "platform/paths.h"
 
 namespace modules {
+namespace {
 
-int TakePath(const char* path, std::string& native) {
-  if (path == nullptr) return kModuleBadParameter;
-  native = platform::NativePath(path);
-  return native.empty() || native.size() >= MAX_PATH ? kModuleFileNotOpened : kModuleSuccess;
-}
-
+// The part of a path behind its last dot, in lower case; empty when there is none.
 std::string ExtensionOf(const std::string& path) {
   const std::size_t dot = path.rfind('.');
   if (dot == std::string::npos || dot < platform::DirectoryLength(path)) return {};
@@ -26,33 +25,58 @@ std::string ExtensionOf(const std::string& path) {
   return extension;
 }
 
-int FindSource(const char* path, SourceFile& source) {
-  if (const int code = TakePath(path, source.path); code != kModuleSuccess) return code;
-  std::error_code error;
-  const auto status = std::filesystem::status(source.path, error);
-  if (status.type() == std::filesystem::file_type::not_found) return kModuleFileNotFound;
-  if (!std::filesystem::is_regular_file(status)) return kModuleFileNotOpened;
-  source.bytes = FileSize(source.path.c_str());
+}  // namespace
 
-  const FileHandle file = OpenFile(source.path.c_str(), "rb");
-  if (!file) return kModuleFileNotOpened;
-  std::array<std::uint8_t, Codec::kHeadBytes> bytes{};
-  const std::span head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get()));
-  const std::string extension = ExtensionOf(source.path);
-  for (const Codec* codec : Codecs()) {
-    if (!codec->recognises(head, extension.c_str())) continue;
-    source.codec = codec;
-    return kModuleSuccess;
-  }
-  return kFileFormatNotRead;
+std::string TakePath(const char* path) {
+  Require(path != nullptr, kModuleBadParameter);
+  std::string native = platform::NativePath(path);
+  Require(!native.empty() && native.size() < MAX_PATH, kModuleFileNotOpened);
+  return native;
 }
 
-int BringToDepth(struct_LEAD_Bitmap& bitmap, int bits) {
-  if (bits == 0 || bits == bitmap.bitsPerPixel) return kModuleSuccess;
+const Format& FormatOfFile(const std::string& path) {
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  Require(status.type() != std::filesystem::file_type::not_found, kModuleFileNotFound);
+  Require(std::filesystem::is_regular_file(status), kModuleFileNotOpened);
+  const FileHandle file = OpenToRead(path.c_str());
+  std::array<std::uint8_t, kHeadBytes> bytes{};
+  const Head head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get()));
+  const Format* const format = FormatThatReads(head, ExtensionOf(path));
+  Require(format != nullptr, kFileFormatNotRead);
+  return *format;
+}
+
+void LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame) {
+  const std::string native = TakePath(path);
+  const ReaderHandle reader = FormatOfFile(native).open(native.c_str(), KernelReportStatus);
+  Require(reader->goTo(1), kModuleBadParameter);
+  if (frame != nullptr) {
+    const bool turned = SwapsSides(reader->picture().orientation);
+    reader->shrinkTo(turned ? frame->height : frame->width, turned ? frame->width : frame->height);
+  }
+  TakeBlock(bitmap, LoadPicture(*reader));
+}
+
+LTFILEINFO DescribeFile(const char* path, int page) {
+  const std::string native = TakePath(path);
+  const ReaderHandle reader = FormatOfFile(native).open(native.c_str(), nullptr);
+  Require(reader->goTo(page), kModuleBadParameter);
+  LTFILEINFO info{};
+  DescribePicture(reader->picture(), info);
+  info.sizeOnDisk = static_cast<int>(std::min<std::uint64_t>(FileSize(native.c_str()), INT_MAX));
+  info.pageCount = reader->pageCount();
+  info.page = page;
+  return info;
+}
+
+void BringToDepth(struct_LEAD_Bitmap& bitmap, int bits) {
+  if (bits == 0 || bits == bitmap.bitsPerPixel) return;
   const unsigned flags = kColorResOptimisedPalette | KernelDefaultDithering()
                                                          << kColorResDitheringShift;
-  return L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr,
-                          nullptr);
+  const int code =
+      L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr, nullptr);
+  Require(code == kModuleSuccess, code);
 }
 
 }  // namespace modules

@@ -1,32 +1,33 @@
-// A file to read, and the codec that reads it.
+// Files to read, and what the module's entries do with them.
 #ifndef MODULES_LTFIL13N_SOURCE_FILE_H
 #define MODULES_LTFIL13N_SOURCE_FILE_H
 
-#include <cstdint>
 #include <string>
 
 #include "pictures/formats.h"
 
 namespace modules {
 
-// Checks a caller's path and gives it with the system's own separators. Module code.
-int TakePath(const char* path, std::string& native);
+// Checks a caller's path and gives it with the system's own separators.
+std::string TakePath(const char* path);
 
-// The part of a path behind its last dot, in lower case; empty when there is none.
-std::string ExtensionOf(const std::string& path);
+// The format that a file shows to be of by what it holds; path as TakePath gives it.
+const Format& FormatOfFile(const std::string& path);
 
-struct SourceFile {
-  std::string path;
-  std::uint64_t bytes = 0;
-  const Codec* codec = nullptr;
+// Reads the first page into a bitmap that holds nothing. When frame is not null the picture may be
+// shrunk, as long as it stays at least that large.
+struct Size {
+  int width;
+  int height;
 };
+void LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame = nullptr);
 
-// Finds the codec by what the file holds. Module code.
-int FindSource(const char* path, SourceFile& source);
+// Describes a page, counted from 1.
+LTFILEINFO DescribeFile(const char* path, int page);
 
-// Brings a bitmap to a depth; 0 and its own depth leave it alone. Module code; on failure the
-// bitmap is as it was.
-int BringToDepth(struct_LEAD_Bitmap& bitmap, int bits);
+// Brings a bitmap to a depth; 0 and its own depth leave it alone. On failure the bitmap is as it
+// was.
+void BringToDepth(struct_LEAD_Bitmap& bitmap, int bits);
 
 }  // namespace modules
 

@@ -15,8 +15,8 @@ struct SaveOptions {
 };
 
 // Writes a bitmap's image. On any failure, a stop by the status callback included, the target is
-// as it was before, or still absent. Module code.
-int WriteImage(const char* path, struct_LEAD_Bitmap& bitmap, const SaveOptions& options);
+// as it was before, or still absent.
+void WriteImage(const char* path, struct_LEAD_Bitmap& bitmap, const SaveOptions& options);
 
 }  // namespace modules
 

@@ -18,11 +18,6 @@ constexpr int kLoadShare = 80;
 // averaged, so that fine lines stay even.
 constexpr int kReserve = 2;
 
-struct Size {
-  int width;
-  int height;
-};
-
 // The largest size of the image's own shape inside the frame.
 Size Fitted(Size image, Size frame) {
   const double scale = std::min(static_cast<double>(frame.width) / image.width,
@@ -33,18 +28,12 @@ Size Fitted(Size image, Size frame) {
   return {scaled(image.width, frame.width), scaled(image.height, frame.height)};
 }
 
-int Load(const char* path, Size frame, struct_LEAD_Bitmap& bitmap) {
-  constexpr int kFirstPage = 1;
-  SourceFile source;
-  if (const int code = FindSource(path, source); code != kModuleSuccess) return code;
-  const StatusShare share(0, kLoadShare);
-  if (source.codec->loadAtLeast == nullptr) {
-    return source.codec->load(source.path.c_str(), kFirstPage, bitmap);
-  }
+void Load(const char* path, Size frame, struct_LEAD_Bitmap& bitmap) {
   constexpr int kMost = 1 << 20;  // no page is as large; keeps the products small
-  return source.codec->loadAtLeast(source.path.c_str(), kFirstPage,
-                                   std::min(frame.width, kMost) * kReserve,
-                                   std::min(frame.height, kMost) * kReserve, bitmap);
+  const Size least{std::min(frame.width, kMost) * kReserve,
+                   std::min(frame.height, kMost) * kReserve};
+  const StatusShare share(0, kLoadShare);
+  LoadFile(path, bitmap, &least);
 }
 
 Color BackgroundOf(const LTTHUMBNAILOPTIONS& options) {
@@ -53,24 +42,29 @@ Color BackgroundOf(const LTTHUMBNAILOPTIONS& options) {
           static_cast<std::uint8_t>(color)};
 }
 
-int ChangeDepth(struct_LEAD_Bitmap& bitmap, int bits, unsigned flags) {
-  return L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr,
-                          nullptr);
+void Check(int code) {
+  Require(code == kModuleSuccess, code);
+}
+
+void ChangeDepth(struct_LEAD_Bitmap& bitmap, int bits, unsigned flags) {
+  Check(
+      L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr, nullptr));
 }
 
 // Brings the image to tones or colours, which can be averaged and show the background.
-int ToWorkingDepth(struct_LEAD_Bitmap& bitmap, Color background) {
+void ToWorkingDepth(struct_LEAD_Bitmap& bitmap, Color background) {
   constexpr int kGrayDepth = 8;
   constexpr int kColorDepth = 24;
-  if (bitmap.bitsPerPixel >= kColorDepth) return kModuleSuccess;
+  if (bitmap.bitsPerPixel >= kColorDepth) return;
   bool isGray = false;
   bool isReady = false;
   if (const LockedDib image(bitmap.block); image) {
     isGray = PaletteIsGray(*image) && IsGray(background);
     isReady = isGray && BytesAreTones(*image);
   }
-  if (isReady) return kModuleSuccess;
-  return isGray ? L_GrayScaleBitmap(&bitmap, kGrayDepth) : ChangeDepth(bitmap, kColorDepth, 0);
+  if (isReady) return;
+  if (isGray) return Check(L_GrayScaleBitmap(&bitmap, kGrayDepth));
+  ChangeDepth(bitmap, kColorDepth, 0);
 }
 
 void FillRow(std::uint8_t* row, const Pixels& image, Color background) {
@@ -84,15 +78,15 @@ void FillRow(std::uint8_t* row, const Pixels& image, Color background) {
 }
 
 // Centres the image in a frame of the background colour.
-int Frame(struct_LEAD_Bitmap& bitmap, Size frame, Color background) {
-  if (bitmap.width == frame.width && bitmap.height == frame.height) return kModuleSuccess;
+void Frame(struct_LEAD_Bitmap& bitmap, Size frame, Color background) {
+  if (bitmap.width == frame.width && bitmap.height == frame.height) return;
   OwnedBlock block;
   {
     const LockedDib image(bitmap.block);
-    if (!image) return kModuleNoBitmap;
+    Require(static_cast<bool>(image), kModuleNoBitmap);
     block = NewDibLike(image.header(), frame.width, frame.height, image->depth);
     const LockedDib framed(block.get());
-    if (!framed) return kModuleNoMemory;
+    Require(static_cast<bool>(framed), kModuleNoMemory);
     if (framed->palette != nullptr) FillGrayPalette(*framed);
     for (int y = 0; y < frame.height; ++y) FillRow(framed->row(y), *framed, background);
     const int left = (frame.width - image->width) / 2;
@@ -104,33 +98,25 @@ int Frame(struct_LEAD_Bitmap& bitmap, Size frame, Color background) {
     }
   }
   TakeBlock(bitmap, std::move(block));
-  return kModuleSuccess;
-}
-
-int Shrink(struct_LEAD_Bitmap& bitmap, const LTTHUMBNAILOPTIONS& options) {
-  const Size frame{options.width, options.height};
-  const Color background = BackgroundOf(options);
-  const int bits = options.bitsPerPixel != 0 ? options.bitsPerPixel : bitmap.bitsPerPixel;
-  const Size size = options.keepAspect != 0 ? Fitted({bitmap.width, bitmap.height}, frame) : frame;
-  int code = ToWorkingDepth(bitmap, background);
-  if (code == kModuleSuccess) code = L_SizeBitmap(&bitmap, size.width, size.height, kSizeBest);
-  if (code == kModuleSuccess && options.forceSize != 0) code = Frame(bitmap, frame, background);
-  if (code == kModuleSuccess && bitmap.bitsPerPixel != bits) {
-    code = ChangeDepth(bitmap, bits, static_cast<unsigned>(options.colorResolutionFlags));
-  }
-  return code;
 }
 
 }  // namespace
 
-int MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options, struct_LEAD_Bitmap& bitmap) {
-  if (options.width <= 0 || options.height <= 0) return kModuleBadParameter;
-  int code = Load(path, {options.width, options.height}, bitmap);
-  if (code != kModuleSuccess) return code;
+void MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options,
+                   struct_LEAD_Bitmap& bitmap) {
+  const Size frame{options.width, options.height};
+  Require(frame.width > 0 && frame.height > 0, kModuleBadParameter);
+  Load(path, frame, bitmap);
   const StatusShare share(kLoadShare, 100 - kLoadShare);
-  code = Shrink(bitmap, options);
-  if (code != kModuleSuccess) (void)L_FreeBitmap(&bitmap);
-  return code;
+  const Color background = BackgroundOf(options);
+  const int bits = options.bitsPerPixel != 0 ? options.bitsPerPixel : bitmap.bitsPerPixel;
+  const Size size = options.keepAspect != 0 ? Fitted({bitmap.width, bitmap.height}, frame) : frame;
+  ToWorkingDepth(bitmap, background);
+  Check(L_SizeBitmap(&bitmap, size.width, size.height, kSizeBest));
+  if (options.forceSize != 0) Frame(bitmap, frame, background);
+  if (bitmap.bitsPerPixel != bits) {
+    ChangeDepth(bitmap, bits, static_cast<unsigned>(options.colorResolutionFlags));
+  }
 }
 
 }  // namespace modules

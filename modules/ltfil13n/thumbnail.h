@@ -7,8 +7,8 @@
 namespace modules {
 
 // The first page, shrunk or enlarged to the options' measures. The bitmap, which holds nothing,
-// holds the thumbnail afterwards, or still nothing. Module code.
-int MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options, struct_LEAD_Bitmap& bitmap);
+// holds the thumbnail afterwards; after a failure it may hold what was made until then.
+void MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options, struct_LEAD_Bitmap& bitmap);
 
 }  // namespace modules
 

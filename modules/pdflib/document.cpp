@@ -7,7 +7,6 @@
 
 #include "pdflib/image_object.h"
 #include "pdflib/page_content.h"
-#include "pdflib/picture_files.h"
 #include "pictures/file_handle.h"
 #include "platform/paths.h"
 
@@ -56,7 +55,7 @@ void PdfDocument::setInfo(const char* key, const char* value) {
 
 std::optional<int> PdfDocument::openImage(std::string_view type, const char* path, int page) {
   if (path == nullptr || !spool_) throw std::runtime_error("no source or no document");
-  const auto coded = modules::TakePicture(type, platform::NativePath(path), page, *spool_);
+  const auto coded = sources_.take(type, platform::NativePath(path), page, *spool_);
   if (!coded) return std::nullopt;
   images_[++lastImage_] = {coded->picture, modules::MakeImageObject(pdf_, *coded, spool_)};
   return lastImage_;
@@ -65,11 +64,11 @@ std::optional<int> PdfDocument::openImage(std::string_view type, const char* pat
 float PdfDocument::value(std::string_view key, int image) const {
   const auto found = images_.find(image);
   if (found == images_.end()) return 0;
-  const modules::Picture& picture = found->second.picture;
-  if (key == "resx") return ShownResolutionOf(picture).x;
-  if (key == "resy") return ShownResolutionOf(picture).y;
-  if (key == "imagewidth") return static_cast<float>(ShownSizeOf(picture).width);
-  if (key == "imageheight") return static_cast<float>(ShownSizeOf(picture).height);
+  const modules::Shown shown = modules::ShownOf(found->second.picture);
+  if (key == "resx") return shown.xResolution;
+  if (key == "resy") return shown.yResolution;
+  if (key == "imagewidth") return static_cast<float>(shown.width);
+  if (key == "imageheight") return static_cast<float>(shown.height);
   return 0;
 }
 

@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include "binding/module_contract.h"
-#include "pdflib/picture.h"
+#include "pdflib/picture_files.h"
 #include "pdflib/spool.h"
 
 namespace modules {
@@ -72,6 +72,7 @@ struct PdfDocument {
   bool spoiled_ = false;
   std::shared_ptr<modules::Spool> spool_;
   QPDF pdf_;
+  modules::PictureFiles sources_;
   std::map<int, Image> images_;
   int lastImage_ = -1;
   std::optional<modules::OpenPage> page_;

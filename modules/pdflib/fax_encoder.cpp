@@ -19,7 +19,7 @@ struct Discard {
 // A TIFF file of which every byte is appended to the spool.
 class SpooledTiff {
  public:
-  SpooledTiff(Spool& spool, const Picture& picture) : spool_(spool), start_(spool.size()) {
+  SpooledTiff(Spool& spool, const DocumentRows& rows) : spool_(spool), start_(spool.size()) {
     TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
     if (options == nullptr) throw std::bad_alloc();
     const auto stayQuiet = [](TIFF*, void*, const char*, const char*, va_list) { return 1; };
@@ -29,8 +29,8 @@ class SpooledTiff {
     tiff_.reset(TIFFClientOpenExt("spool", "wl8", this, Read, Write, Seek, Close, Size, nullptr,
                                   nullptr, options));
     TIFFOpenOptionsFree(options);
-    const auto width = static_cast<std::uint32_t>(picture.width);
-    const auto height = static_cast<std::uint32_t>(picture.height);
+    const auto width = static_cast<std::uint32_t>(rows.width());
+    const auto height = static_cast<std::uint32_t>(rows.height());
     TIFF* const tiff = tiff_.get();
     if (tiff == nullptr || TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width) == 0 ||
         TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height) == 0 ||
@@ -101,14 +101,9 @@ class SpooledTiff {
 
 }  // namespace
 
-Spool::Range EncodeFax(PictureReader& reader, Spool& spool) {
-  const Picture& picture = reader.picture();
-  SpooledTiff tiff(spool, picture);
-  std::vector<std::uint8_t> row(picture.rowBytes());
-  for (int y = 0; y < picture.height; ++y) {
-    reader.readRow(row.data());
-    tiff.writeRow(row.data(), y);
-  }
+Spool::Range EncodeFax(DocumentRows& rows, Spool& spool) {
+  SpooledTiff tiff(spool, rows);
+  for (int y = 0; y < rows.height(); ++y) tiff.writeRow(rows.next().data(), y);
   return tiff.finish();
 }
 

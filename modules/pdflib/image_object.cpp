@@ -19,15 +19,23 @@ class SpooledData : public Object::StreamDataProvider {
   Spool::Range range_;
 };
 
-Object ColorSpaceOf(const Picture& picture) {
-  if (!picture.palette.empty()) {
-    constexpr int kBytesPerColor = 3;
-    const auto colors = static_cast<long long>(picture.palette.size()) / kBytesPerColor;
-    return Object::newArray(
-        std::vector<Object>{Object::newName("/Indexed"), Object::newName("/DeviceRGB"),
-                            Object::newInteger(colors - 1), Object::newString(picture.palette)});
+Object PaletteOf(const Picture& picture) {
+  std::string colors;
+  for (const RGBQUAD& entry : picture.palette) {
+    const std::uint8_t alpha = picture.hasAlpha ? entry.rgbReserved : std::uint8_t{255};
+    for (const std::uint8_t tone : {entry.rgbRed, entry.rgbGreen, entry.rgbBlue}) {
+      colors.push_back(static_cast<char>(OnWhite(tone, alpha)));
+    }
   }
-  switch (picture.components) {
+  const auto last = static_cast<long long>(picture.palette.size()) - 1;
+  return Object::newArray(std::vector<Object>{Object::newName("/Indexed"),
+                                              Object::newName("/DeviceRGB"),
+                                              Object::newInteger(last), Object::newString(colors)});
+}
+
+Object ColorSpaceOf(const CodedPicture& coded) {
+  if (!coded.picture.palette.empty()) return PaletteOf(coded.picture);
+  switch (coded.components) {
     case 1:
       return Object::newName("/DeviceGray");
     case 3:
@@ -42,6 +50,7 @@ const char* FilterOf(Coding coding) {
     case Coding::kFax:
       return "/CCITTFaxDecode";
     case Coding::kJpeg:
+    case Coding::kJpegOfRgb:
       return "/DCTDecode";
     default:
       return "/FlateDecode";
@@ -54,11 +63,12 @@ Object ParametersOf(const CodedPicture& coded) {
   Object parameters = Object::newDictionary();
   switch (coded.coding) {
     case Coding::kFlate:
+    case Coding::kJpeg:
       return Object::newNull();
     case Coding::kFlateDifferences: {
       constexpr int kHorizontalDifferences = 2;
       parameters.replaceKey("/Predictor", Object::newInteger(kHorizontalDifferences));
-      parameters.replaceKey("/Colors", Object::newInteger(picture.components));
+      parameters.replaceKey("/Colors", Object::newInteger(coded.components));
       parameters.replaceKey("/Columns", Object::newInteger(picture.width));
       break;
     }
@@ -71,8 +81,7 @@ Object ParametersOf(const CodedPicture& coded) {
       parameters.replaceKey("/BlackIs1", Object::newBool(true));
       break;
     }
-    case Coding::kJpeg:
-      if (!coded.jpegIsRgb) return Object::newNull();
+    case Coding::kJpegOfRgb:
       parameters.replaceKey("/ColorTransform", Object::newInteger(0));
       break;
   }
@@ -93,10 +102,10 @@ QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
   dictionary.replaceKey("/Width", Object::newInteger(picture.width));
   dictionary.replaceKey("/Height", Object::newInteger(picture.height));
   dictionary.replaceKey("/BitsPerComponent", Object::newInteger(picture.bits));
-  dictionary.replaceKey("/ColorSpace", ColorSpaceOf(picture));
+  dictionary.replaceKey("/ColorSpace", ColorSpaceOf(coded));
   if (picture.reversed) {
     std::vector<Object> ranges;
-    for (int i = 0; i < picture.components; ++i) {
+    for (int i = 0; i < coded.components; ++i) {
       ranges.push_back(Object::newInteger(1));
       ranges.push_back(Object::newInteger(0));
     }

@@ -1,27 +1,23 @@
-// The drawing instructions of one page.
+// The drawing instructions of one page, and the measures of what is drawn.
 #ifndef MODULES_PDFLIB_PAGE_CONTENT_H
 #define MODULES_PDFLIB_PAGE_CONTENT_H
 
 #include <string>
 
-#include "pdflib/picture.h"
+#include "pictures/picture.h"
 
 namespace modules {
 
-// Width and height of the picture as shown, in pixels.
-struct ShownSize {
-  int width;
-  int height;
+// A picture as shown, in pixels and dots per inch; the resolution is zeros when the file does not
+// tell. A negative pair tells only how wide a pixel is beside its height: -1 and -2 are pixels
+// twice as high as wide.
+struct Shown {
+  int width = 0;
+  int height = 0;
+  float xResolution = 0;
+  float yResolution = 0;
 };
-inline ShownSize ShownSizeOf(const Picture& picture) {
-  return SwapsSides(picture.orientation) ? ShownSize{picture.height, picture.width}
-                                         : ShownSize{picture.width, picture.height};
-}
-// Of the picture as shown.
-inline Resolution ShownResolutionOf(const Picture& picture) {
-  const Resolution& stored = picture.resolution;
-  return SwapsSides(picture.orientation) ? Resolution{stored.y, stored.x} : stored;
-}
+Shown ShownOf(const Picture& picture);
 
 // A number as content holds it.
 std::string NumberText(double number);

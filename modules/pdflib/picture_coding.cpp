@@ -1,10 +1,17 @@
 #include "pdflib/picture_coding.h"
 
+#include <algorithm>
 #include <qpdf/Pl_Flate.hh>
-#include <vector>
+
+#include "pictures/file_handle.h"
 
 namespace modules {
 namespace {
+
+int ComponentsOf(const Picture& picture) {
+  if (picture.samples == 1 || picture.hasInks) return picture.samples;
+  return picture.isGray ? 1 : 3;
+}
 
 // Photographs shrink by a third more as differences; palette indexes and few bits would grow.
 bool GainsByDifferences(const Picture& picture) {
@@ -17,29 +24,90 @@ void TakeDifferences(std::vector<std::uint8_t>& row, std::size_t components) {
   }
 }
 
-}  // namespace
-
-CodedPicture CodeRows(PictureReader& reader, Spool& spool) {
-  const Picture& picture = reader.picture();
-  CodedPicture coded{.picture = picture};
-  if (picture.bits == 1 && picture.components == 1) {
-    coded.coding = Coding::kFax;
-    coded.data = EncodeFax(reader, spool);
-    return coded;
-  }
-  const bool differences = GainsByDifferences(picture);
-  coded.coding = differences ? Coding::kFlateDifferences : Coding::kFlate;
+Spool::Range Deflate(DocumentRows& rows, bool differences, Spool& spool) {
   const std::uint64_t start = spool.size();
   SpoolPipe pipe(spool);
   Pl_Flate deflate("deflate", &pipe, Pl_Flate::a_deflate);
-  std::vector<std::uint8_t> row(picture.rowBytes());
-  for (int y = 0; y < picture.height; ++y) {
-    reader.readRow(row.data());
-    if (differences) TakeDifferences(row, static_cast<std::size_t>(picture.components));
+  for (int y = 0; y < rows.height(); ++y) {
+    std::vector<std::uint8_t>& row = rows.next();
+    if (differences) TakeDifferences(row, static_cast<std::size_t>(rows.components()));
     deflate.write(row.data(), row.size());
   }
   deflate.finish();
-  coded.data = spool.rangeSince(start);
+  return spool.rangeSince(start);
+}
+
+Spool::Range CopyStretch(const CodedStretch& stretch, const std::string& path, Spool& spool) {
+  const std::uint64_t start = spool.size();
+  const FileHandle file = OpenToRead(path.c_str());
+  Require(
+      std::fseek(file.get(), static_cast<long>(stretch.start), SEEK_SET) == 0 && stretch.bytes > 0,
+      kModuleReadFailed);
+  std::vector<std::uint8_t> piece(std::size_t{1} << 16);
+  for (std::uint64_t left = stretch.bytes; left > 0;) {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, piece.size()));
+    Require(std::fread(piece.data(), 1, count, file.get()) == count, kModuleReadFailed);
+    spool.append(piece.data(), count);
+    left -= count;
+  }
+  return spool.rangeSince(start);
+}
+
+Coding CodingOf(const CodedStretch& stretch) {
+  switch (stretch.coding) {
+    case CodedStretch::Coding::kFax:
+      return Coding::kFax;
+    case CodedStretch::Coding::kJpegOfRgb:
+      return Coding::kJpegOfRgb;
+    default:
+      return Coding::kJpeg;
+  }
+}
+
+}  // namespace
+
+DocumentRows::DocumentRows(PictureReader& reader)
+    : reader_(reader), picture_(reader.picture()), components_(ComponentsOf(picture_)) {}
+
+std::vector<std::uint8_t>& DocumentRows::next() {
+  row_.resize(picture_.rowBytes());
+  reader_.readRow(row_.data());
+  if (picture_.samples > 1 && !picture_.hasInks) convert();
+  return row_;
+}
+
+void DocumentRows::convert() {
+  const auto step = static_cast<std::size_t>(picture_.samples);
+  std::uint8_t* out = row_.data();
+  for (std::size_t x = 0; x < static_cast<std::size_t>(picture_.width); ++x) {
+    const std::uint8_t* const from = row_.data() + step * x;
+    const std::uint8_t alpha = step == 4 ? from[3] : 255;
+    const std::uint8_t tones[] = {OnWhite(from[2], alpha), OnWhite(from[1], alpha),
+                                  OnWhite(from[0], alpha)};
+    out = std::copy_n(tones, components_, out);
+  }
+  row_.resize(static_cast<std::size_t>(out - row_.data()));
+}
+
+// What is passed through is decoded all the same: damage is met here and not in the document.
+CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& spool) {
+  reader.start();
+  const Picture& picture = reader.picture();
+  DocumentRows rows(reader);
+  CodedPicture coded{.picture = picture, .components = rows.components()};
+  if (const auto stretch = reader.codedStretch()) {
+    for (int y = 0; y < rows.height(); ++y) (void)rows.next();
+    coded.coding = CodingOf(*stretch);
+    coded.data = CopyStretch(*stretch, path, spool);
+  } else if (picture.bits == 1) {
+    coded.coding = Coding::kFax;
+    coded.data = EncodeFax(rows, spool);
+  } else {
+    const bool differences = GainsByDifferences(picture);
+    coded.coding = differences ? Coding::kFlateDifferences : Coding::kFlate;
+    coded.data = Deflate(rows, differences, spool);
+  }
+  Require(reader.isWhole(), kFileFormatDamaged);
   return coded;
 }
 

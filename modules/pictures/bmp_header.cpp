@@ -1,9 +1,10 @@
 #include "pictures/bmp_header.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <climits>
-#include <cstring>
+#include <cstdlib>
 
 namespace modules {
 namespace {
@@ -18,8 +19,8 @@ constexpr std::uint32_t kBitFieldsWithAlpha = 6;
 
 using HeaderBytes = std::array<std::uint8_t, kLongestHeaderBytes>;
 
-bool ReadExactly(std::FILE* file, void* bytes, std::size_t count) {
-  return std::fread(bytes, 1, count, file) == count;
+void Read(std::FILE* file, void* bytes, std::size_t count) {
+  Require(std::fread(bytes, 1, count, file) == count, kModuleReadFailed);
 }
 
 std::int32_t Signed32(const std::uint8_t* bytes) {
@@ -27,42 +28,42 @@ std::int32_t Signed32(const std::uint8_t* bytes) {
 }
 
 // The measures; compression and resolution where the header goes that far, its rest being zero.
-bool ReadMeasures(const HeaderBytes& bytes, std::uint32_t size, BmpHeader& header) {
-  FileImage& image = header.image;
+void ReadMeasures(const HeaderBytes& bytes, std::uint32_t size, BmpHeader& header) {
   if (size == kCoreHeaderBytes) {
-    image.width = Little16(&bytes[4]);
-    image.height = Little16(&bytes[6]);
-    image.depth = Little16(&bytes[10]);
-    return image.width > 0 && image.height > 0;
+    header.width = Little16(&bytes[4]);
+    header.height = Little16(&bytes[6]);
+    header.depth = Little16(&bytes[10]);
+    Require(header.width > 0 && header.height > 0, kFileFormatDamaged);
+    return;
   }
-  image.width = Signed32(&bytes[4]);
+  header.width = Signed32(&bytes[4]);
   const std::int32_t height = Signed32(&bytes[8]);
-  if (image.width <= 0 || height == 0 || height == INT_MIN) return false;
+  Require(header.width > 0 && height != 0 && height != INT_MIN, kFileFormatDamaged);
   header.topDown = height < 0;
-  image.height = header.topDown ? -height : height;
-  image.depth = Little16(&bytes[14]);
+  header.height = std::abs(height);
+  header.depth = Little16(&bytes[14]);
   header.compression = Little32(&bytes[16]);
-  image.xPixelsPerMetre = std::max(Signed32(&bytes[24]), 0);
-  image.yPixelsPerMetre = std::max(Signed32(&bytes[28]), 0);
-  return true;
+  header.xPixelsPerMetre = std::max(Signed32(&bytes[24]), 0);
+  header.yPixelsPerMetre = std::max(Signed32(&bytes[28]), 0);
 }
 
-// Module code: whether rows of this depth may be coded this way.
-int CheckCoding(const BmpHeader& header) {
-  const int depth = header.image.depth;
+// Whether rows of this depth may be coded this way.
+void CheckCoding(const BmpHeader& header) {
+  const int depth = header.depth;
   switch (header.compression) {
     case BI_RGB:
-      return depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32
-                 ? kModuleSuccess
-                 : kModuleDepthNotSupported;
+      return Require(
+          depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32,
+          kModuleDepthNotSupported);
     case BI_RLE8:
-      return depth == 8 && !header.topDown ? kModuleSuccess : kFileFormatDamaged;
+      return Require(depth == 8 && !header.topDown, kFileFormatDamaged);
     case BI_RLE4:
-      return depth == 4 && !header.topDown ? kModuleSuccess : kFileFormatDamaged;
+      return Require(depth == 4 && !header.topDown, kFileFormatDamaged);
     case BI_BITFIELDS:
-      return depth == 16 || depth == 32 ? kModuleSuccess : kFileFormatDamaged;
+      return Require(depth == 16 || depth == 32, kFileFormatDamaged);
     default:
-      return kFileFormatNotRead;  // a JPEG or PNG for a printer, or a fax coding of OS/2
+      throw ModuleError{
+          kFileFormatNotRead};  // a JPEG or PNG for a printer, or a fax coding of OS/2
   }
 }
 
@@ -72,7 +73,7 @@ BmpChannel ChannelOf(std::uint32_t mask) {
 
 // Each mask is one run of bits inside the pixel, and no bit serves twice.
 bool MasksAreSound(const BmpHeader& header) {
-  std::uint64_t used = ~((std::uint64_t{1} << header.image.depth) - 1);
+  std::uint64_t used = ~((std::uint64_t{1} << header.depth) - 1);
   for (const BmpChannel& channel : {header.red, header.green, header.blue, header.alpha}) {
     const std::uint64_t run = ((std::uint64_t{1} << channel.bits) - 1) << channel.shift;
     if (channel.mask != run || (used & channel.mask) != 0) return false;
@@ -82,8 +83,8 @@ bool MasksAreSound(const BmpHeader& header) {
 }
 
 // Masks stand in the header or, behind one of 40 bytes, on their own.
-bool ReadMasks(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size, BmpHeader& header) {
-  const bool wide = header.image.depth == 32;
+void ReadMasks(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size, BmpHeader& header) {
+  const bool wide = header.depth == 32;
   std::array<std::uint32_t, 4> masks{wide ? 0xFF0000U : 0x7C00U, wide ? 0xFF00U : 0x3E0U,
                                      wide ? 0xFFU : 0x1FU, 0};
   const auto plain = masks;
@@ -92,7 +93,7 @@ bool ReadMasks(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size, Bm
     const bool withAlpha = header.compression == kBitFieldsWithAlpha;
     const std::uint8_t* source = &bytes[kInfoHeaderBytes];
     if (size < kMasksInHeaderBytes) {
-      if (!ReadExactly(file, behind.data(), withAlpha ? 16 : 12)) return false;
+      Require(std::fread(behind.data(), withAlpha ? 16 : 12, 1, file) == 1, kFileFormatDamaged);
       source = behind.data();
     }
     const bool knowsAlpha = withAlpha || size >= kAlphaInHeaderBytes;
@@ -105,25 +106,25 @@ bool ReadMasks(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size, Bm
   constexpr std::uint32_t kFourthByte = 0xFF000000;
   header.isPlain = std::equal(masks.begin(), masks.begin() + 3, plain.begin()) &&
                    (!wide || masks[3] == 0 || masks[3] == kFourthByte);
-  return MasksAreSound(header);
+  Require(MasksAreSound(header), kFileFormatDamaged);
 }
 
 // As many entries as the depth has, the file claims and the room before the pixels holds.
-bool ReadPalette(std::FILE* file, std::uint32_t claimed, std::size_t entryBytes,
+void ReadPalette(std::FILE* file, std::uint32_t claimed, std::size_t entryBytes,
                  std::uint64_t pixelOffset, BmpHeader& header) {
-  const std::uint32_t full = 1U << header.image.depth;
+  const std::uint32_t full = 1U << header.depth;
   std::uint32_t count = claimed == 0 ? full : std::min(claimed, full);
   const auto at = static_cast<std::uint64_t>(std::ftell(file));
   if (pixelOffset > at) {
     count =
         static_cast<std::uint32_t>(std::min<std::uint64_t>(count, (pixelOffset - at) / entryBytes));
   }
+  header.palette.resize(full);
   std::array<std::uint8_t, 4> entry{};
   for (std::uint32_t i = 0; i < count; ++i) {
-    if (!ReadExactly(file, entry.data(), entryBytes)) return false;
+    Read(file, entry.data(), entryBytes);
     header.palette[i] = RGBQUAD{entry[0], entry[1], entry[2], 0};
   }
-  return true;
 }
 
 }  // namespace
@@ -137,40 +138,38 @@ std::uint8_t BmpChannel::tone(std::uint32_t pixel) const {
   return static_cast<std::uint8_t>((value * 255 + most / 2) / most);
 }
 
-int ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes, BmpHeader& header) {
+BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes) {
+  BmpHeader header;
   std::array<std::uint8_t, kBmpFileHeaderBytes> fileHeader{};
   HeaderBytes bytes{};
-  if (!ReadExactly(file, fileHeader.data(), fileHeader.size())) return kModuleReadFailed;
-  if (!ReadExactly(file, bytes.data(), 4)) return kModuleReadFailed;
+  Read(file, fileHeader.data(), fileHeader.size());
+  Read(file, bytes.data(), 4);
   const std::uint32_t size = Little32(bytes.data());
-  if (size != kCoreHeaderBytes && (size < kShortestHeaderBytes || size > kLongestHeaderBytes)) {
-    return kFileFormatDamaged;
-  }
-  if (!ReadExactly(file, &bytes[4], size - 4)) return kModuleReadFailed;
-  if (!ReadMeasures(bytes, size, header)) return kFileFormatDamaged;
+  Require(size == kCoreHeaderBytes || (size >= kShortestHeaderBytes && size <= kLongestHeaderBytes),
+          kFileFormatDamaged);
+  Read(file, &bytes[4], size - 4);
+  ReadMeasures(bytes, size, header);
 
   const bool hasMasks =
       header.compression == BI_BITFIELDS || header.compression == kBitFieldsWithAlpha;
-  if (header.image.depth == 16 || header.image.depth == 32) {
-    if (!ReadMasks(file, bytes, size, header)) return kFileFormatDamaged;
+  if (header.depth == 16 || header.depth == 32) {
+    ReadMasks(file, bytes, size, header);
     if (hasMasks) header.compression = BI_BITFIELDS;
   }
-  if (const int code = CheckCoding(header); code != kModuleSuccess) return code;
+  CheckCoding(header);
 
   header.pixelOffset = Little32(&fileHeader[10]);
-  if (header.image.depth <= 8) {
+  if (header.depth <= 8) {
     const bool isCore = size == kCoreHeaderBytes;
     const std::uint32_t claimed = isCore ? 0 : Little32(&bytes[32]);
-    if (!ReadPalette(file, claimed, isCore ? 3 : 4, header.pixelOffset, header)) {
-      return kModuleReadFailed;
-    }
+    ReadPalette(file, claimed, isCore ? 3 : 4, header.pixelOffset, header);
   }
   // An offset into the headers is wrong: the pixels then follow them.
   const auto behindHeaders = static_cast<std::uint64_t>(std::ftell(file));
   if (header.pixelOffset < kBmpFileHeaderBytes + size) header.pixelOffset = behindHeaders;
-  if (header.pixelOffset > fileBytes) return kModuleReadFailed;
+  Require(header.pixelOffset <= fileBytes, kModuleReadFailed);
   header.pixelBytes = fileBytes - header.pixelOffset;
-  return kModuleSuccess;
+  return header;
 }
 
 }  // namespace modules

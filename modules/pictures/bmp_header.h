@@ -1,11 +1,11 @@
-// What stands in a BMP file before its pixels.
+// What stands in a BMP file before its pixels, and its run-length codings.
 #ifndef MODULES_PICTURES_BMP_HEADER_H
 #define MODULES_PICTURES_BMP_HEADER_H
 
-#include <array>
 #include <cstdint>
+#include <cstdio>
+#include <span>
 
-#include "pictures/file_handle.h"
 #include "pictures/picture.h"
 
 namespace modules {
@@ -30,23 +30,51 @@ struct BmpChannel {
 };
 
 struct BmpHeader {
-  FileImage image;
+  int width = 0;
+  int height = 0;
+  int depth = 0;
+  std::int32_t xPixelsPerMetre = 0;
+  std::int32_t yPixelsPerMetre = 0;
   std::uint32_t compression = BI_RGB;  // BI_RGB, BI_RLE8, BI_RLE4 or BI_BITFIELDS
   bool topDown = false;                // the top line of the picture comes first
   std::uint64_t pixelOffset = 0;       // bytes from the start of the file
   std::uint64_t pixelBytes = 0;        // bytes of the file from there on
-  std::array<RGBQUAD, 256> palette{};  // black where the file has no entry
+  std::vector<RGBQUAD> palette;        // all that the depth has; black where the file has no entry
   BmpChannel red, green, blue, alpha;  // 16 and 32 bits
 
   // Whether pixels of 16 and 32 bits lie in the file just as an image in memory has them.
   bool isPlain = true;
+  [[nodiscard]] bool hasRuns() const { return compression == BI_RLE8 || compression == BI_RLE4; }
 };
 
-// Reads and checks all that stands before the pixels. Module code.
-int ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes, BmpHeader& header);
+// Reads and checks all that stands before the pixels.
+BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes);
 
-// Paints a BI_RLE4 or BI_RLE8 picture from the compressed bytes. Module code.
-int DecodeBmpRuns(const std::uint8_t* data, std::size_t bytes, const Pixels& image);
+// Decodes the runs of a picture row by row from the lowest: pairs of a count and a colour, and
+// escapes that begin with 0.
+class BmpRuns {
+ public:
+  BmpRuns(const BmpHeader& header, std::span<const std::uint8_t> data)
+      : header_(header), data_(data) {}
+
+  void readRow(std::uint8_t* row);
+
+ private:
+  int take();  // the next byte
+  void step(std::uint8_t* row);
+  void put(std::uint8_t* row, int value);
+  void paint(std::uint8_t* row, int count, int value);
+  void paintLiterally(std::uint8_t* row, int count);
+  void jump();
+  [[nodiscard]] int valueAt(int byte, int position) const;
+
+  const BmpHeader& header_;
+  std::span<const std::uint8_t> data_;
+  int x_ = 0;
+  int y_ = 0;           // row that the runs are at
+  int next_ = 0;        // row that readRow gives
+  bool ended_ = false;  // by its mark
+};
 
 }  // namespace modules
 

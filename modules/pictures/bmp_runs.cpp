@@ -1,8 +1,5 @@
-// The run-length codings of BMP: pairs of a count and a colour, and escapes that begin with 0.
 #include <algorithm>
-#include <cstring>
 
-#include "common/status.h"
 #include "pictures/bmp_header.h"
 
 namespace modules {
@@ -12,104 +9,85 @@ constexpr int kEndOfRow = 0;
 constexpr int kEndOfPicture = 1;
 constexpr int kJump = 2;
 
-class RunDecoder {
- public:
-  RunDecoder(const std::uint8_t* data, std::size_t bytes, const Pixels& image)
-      : next_(data),
-        end_(data + bytes),
-        image_(image),
-        progress_(static_cast<std::uint64_t>(image.height)) {}
-
-  int decode() {
-    while (left() >= 2) {
-      const int count = *next_++;
-      const int value = *next_++;
-      if (count > 0) {
-        if (!paintRun(count, value)) return kFileFormatDamaged;
-      } else if (value == kEndOfPicture) {
-        return finish();
-      } else if (value == kEndOfRow) {
-        if (!progress_.report(static_cast<std::uint64_t>(++y_))) return kModuleAborted;
-        x_ = 0;
-      } else if (const int code = value == kJump ? jump() : paintLiterally(value);
-                 code != kModuleSuccess) {
-        return code;
-      }
-    }
-    // Some writers leave the end mark out.
-    const bool complete = y_ >= image_.height || (y_ == image_.height - 1 && x_ >= image_.width);
-    return complete ? finish() : kModuleReadFailed;
-  }
-
- private:
-  [[nodiscard]] std::ptrdiff_t left() const { return end_ - next_; }
-
-  int finish() {
-    return progress_.report(static_cast<std::uint64_t>(image_.height)) ? kModuleSuccess
-                                                                       : kModuleAborted;
-  }
-
-  int jump() {
-    if (left() < 2) return kModuleReadFailed;
-    x_ += *next_++;
-    y_ += *next_++;
-    return x_ <= image_.width && y_ <= image_.height ? kModuleSuccess : kFileFormatDamaged;
-  }
-
-  // Pixels beyond the end of a row are dropped, as the run may fill up a byte.
-  void put(int value) {
-    if (x_ >= image_.width) return;
-    std::uint8_t* const row = image_.row(y_);
-    if (image_.depth == 8) {
-      row[x_] = static_cast<std::uint8_t>(value);
-    } else {
-      const int shift = x_ % 2 == 0 ? 4 : 0;
-      row[x_ / 2] = static_cast<std::uint8_t>((row[x_ / 2] & ~(15 << shift)) | value << shift);
-    }
-    ++x_;
-  }
-
-  // Of the two values in a byte of 4 bits each the first is the higher.
-  [[nodiscard]] int valueAt(int byte, int position) const {
-    if (image_.depth == 8) return byte;
-    return position % 2 == 0 ? byte >> 4 : byte & 15;
-  }
-
-  bool paintRun(int count, int value) {
-    if (y_ >= image_.height) return false;
-    if (image_.depth == 8) {
-      const int fitting = std::min(count, image_.width - x_);
-      std::memset(image_.row(y_) + x_, value, static_cast<std::size_t>(fitting));
-      x_ += fitting;
-    } else {
-      for (int i = 0; i < count; ++i) put(valueAt(value, i));
-    }
-    return true;
-  }
-
-  // Literal pixels fill up an even number of bytes.
-  int paintLiterally(int count) {
-    const int bytes = image_.depth == 8 ? count : (count + 1) / 2;
-    const int padded = (bytes + 1) / 2 * 2;
-    if (left() < bytes) return kModuleReadFailed;
-    if (y_ >= image_.height) return kFileFormatDamaged;
-    for (int i = 0; i < count; ++i) put(valueAt(next_[image_.depth == 8 ? i : i / 2], i));
-    next_ += std::min<std::ptrdiff_t>(padded, left());
-    return kModuleSuccess;
-  }
-
-  const std::uint8_t* next_;
-  const std::uint8_t* end_;
-  const Pixels& image_;
-  Progress progress_;
-  int x_ = 0;
-  int y_ = 0;  // stored rows
-};
-
 }  // namespace
 
-int DecodeBmpRuns(const std::uint8_t* data, std::size_t bytes, const Pixels& image) {
-  return RunDecoder(data, bytes, image).decode();
+// What no run paints stays 0.
+void BmpRuns::readRow(std::uint8_t* row) {
+  const int pixelsInByte = 8 / header_.depth;
+  std::fill_n(row, (header_.width + pixelsInByte - 1) / pixelsInByte, std::uint8_t{0});
+  const bool isLast = next_ == header_.height - 1;
+  while (y_ == next_ && !(isLast && x_ >= header_.width && data_.size() < 2)) step(row);
+  // Nothing but the end mark may follow, and some writers leave that out.
+  while (isLast && !ended_ && data_.size() >= 2) step(row);
+  ++next_;
+}
+
+int BmpRuns::take() {
+  Require(!data_.empty(), kModuleReadFailed);
+  const int byte = data_.front();
+  data_ = data_.subspan(1);
+  return byte;
+}
+
+void BmpRuns::step(std::uint8_t* row) {
+  const int count = take();
+  const int value = take();
+  if (count > 0) return paint(row, count, value);
+  switch (value) {
+    case kEndOfPicture:
+      y_ = header_.height;
+      ended_ = true;
+      return;
+    case kEndOfRow:
+      x_ = 0;
+      ++y_;
+      return;
+    case kJump:
+      return jump();
+    default:
+      return paintLiterally(row, value);
+  }
+}
+
+void BmpRuns::jump() {
+  x_ += take();
+  y_ += take();
+  Require(x_ <= header_.width && y_ <= header_.height, kFileFormatDamaged);
+}
+
+// Pixels beyond the end of a row are dropped, as the run may fill up a byte.
+void BmpRuns::put(std::uint8_t* row, int value) {
+  if (x_ >= header_.width) return;
+  if (header_.depth == 8) {
+    row[x_] = static_cast<std::uint8_t>(value);
+  } else {
+    const int shift = x_ % 2 == 0 ? 4 : 0;
+    row[x_ / 2] = static_cast<std::uint8_t>((row[x_ / 2] & ~(15 << shift)) | value << shift);
+  }
+  ++x_;
+}
+
+// Of the two values in a byte of 4 bits each the first is the higher.
+int BmpRuns::valueAt(int byte, int position) const {
+  if (header_.depth == 8) return byte;
+  return position % 2 == 0 ? byte >> 4 : byte & 15;
+}
+
+void BmpRuns::paint(std::uint8_t* row, int count, int value) {
+  Require(y_ < header_.height, kFileFormatDamaged);
+  for (int i = 0; i < count; ++i) put(row, valueAt(value, i));
+}
+
+// Literal pixels fill up an even number of bytes.
+void BmpRuns::paintLiterally(std::uint8_t* row, int count) {
+  const auto bytes = static_cast<std::size_t>(header_.depth == 8 ? count : (count + 1) / 2);
+  Require(data_.size() >= bytes, kModuleReadFailed);
+  Require(y_ < header_.height, kFileFormatDamaged);
+  for (int i = 0; i < count; ++i) {
+    const int byte = data_[static_cast<std::size_t>(header_.depth == 8 ? i : i / 2)];
+    put(row, valueAt(byte, i));
+  }
+  data_ = data_.subspan(std::min(bytes + bytes % 2, data_.size()));
 }
 
 }  // namespace modules

@@ -1,22 +1,66 @@
-// The codecs of the module, each in its own file.
+// The readers and writers, each in files of its own.
 #ifndef MODULES_PICTURES_CODECS_H
 #define MODULES_PICTURES_CODECS_H
 
-#include <string>
+#include <span>
 
-#include "pictures/formats.h"
+#include "pictures/picture.h"
 
 namespace modules {
 
-extern const Codec kBmpCodec;
-extern const Codec kJpegCodec;
-extern const Codec kPngCodec;
-extern const Codec kTiffCodec;
-extern const Codec kPsdCodec;
-extern const Codec kMagickCodec;
+// The first bytes of a file, kHeadBytes of them when it is that long.
+using Head = std::span<const std::uint8_t>;
+constexpr std::size_t kHeadBytes = 512;
 
-// Name and version of each library in use, separated by ", ".
-std::string CodecNames();
+struct SaveRequest {
+  const char* path;  // where a file may stand already; after a failure it is of no use
+  int format;        // a FileFormat
+  int quality;       // 1..100, for the formats that know it
+  bool appendPage;   // the file at path holds earlier pages: add one
+  Report report;
+};
+
+bool IsBmp(Head head);
+ReaderHandle OpenBmp(const char* path, Report report);
+// The fourth byte of 32-bit pixels is written as it is.
+void SaveBmp(const SaveRequest& request, const LockedDib& image);
+
+bool IsJpeg(Head head);
+ReaderHandle OpenJpeg(const char* path, Report report);
+void SaveJpeg(const SaveRequest& request, const LockedDib& image);
+
+bool IsPng(Head head);
+ReaderHandle OpenPng(const char* path, Report report);
+// 16 bits are written as 24; PNG has no such depth.
+void SavePng(const SaveRequest& request, const LockedDib& image);
+
+bool IsTiff(Head head);
+ReaderHandle OpenTiff(const char* path, Report report);
+void SaveTiff(const SaveRequest& request, const LockedDib& image);
+
+bool IsPsd(Head head);
+ReaderHandle OpenPsd(const char* path, Report report);
+void SavePsd(const SaveRequest& request, const LockedDib& image);
+
+// The first frame.
+ReaderHandle OpenGif(const char* path, Report report);
+
+// The rare formats, by GraphicsMagick.
+bool IsPcx(Head head);
+bool IsDcx(Head head);
+bool IsTga(Head head);
+bool IsRas(Head head);
+bool IsWpg(Head head);
+bool IsWmf(Head head);
+ReaderHandle OpenPcx(const char* path, Report report);
+ReaderHandle OpenDcx(const char* path, Report report);
+ReaderHandle OpenTga(const char* path, Report report);
+ReaderHandle OpenRas(const char* path, Report report);
+ReaderHandle OpenPct(const char* path, Report report);
+ReaderHandle OpenPcd(const char* path, Report report);
+ReaderHandle OpenWpg(const char* path, Report report);
+ReaderHandle OpenWmf(const char* path, Report report);
+void SaveRare(const SaveRequest& request, const LockedDib& image);
 
 }  // namespace modules
 

@@ -1,4 +1,4 @@
-// Files as the codecs open them, and what a file of some size can hold.
+// Files as the readers and writers open them, and what a file of some size can hold.
 #ifndef MODULES_PICTURES_FILE_HANDLE_H
 #define MODULES_PICTURES_FILE_HANDLE_H
 
@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <memory>
 #include <system_error>
+
+#include "common/guard.h"
 
 namespace modules {
 
@@ -18,11 +20,25 @@ using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 inline FileHandle OpenFile(const char* path, const char* mode) {
   return FileHandle(std::fopen(path, mode));
 }
+inline FileHandle OpenToRead(const char* path) {
+  FileHandle file = OpenFile(path, "rb");
+  Require(file != nullptr, kModuleFileNotOpened);
+  return file;
+}
 
 // Ends a file that was written; false when any byte of it did not reach the system.
 inline bool CloseWritten(FileHandle file) {
   const bool intact = std::ferror(file.get()) == 0;
   return std::fclose(file.release()) == 0 && intact;
+}
+
+// Makes the file, lets write(std::FILE*) fill it, and sees to it that every byte is written.
+template <class Write>
+void WriteFile(const char* path, const Write& write) {
+  FileHandle file = OpenFile(path, "wb");
+  Require(file != nullptr, kModuleFileNotOpened);
+  write(file.get());
+  Require(CloseWritten(std::move(file)), kModuleWriteFailed);
 }
 
 // In bytes; 0 when it cannot be told.

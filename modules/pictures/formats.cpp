@@ -1,6 +1,6 @@
-#include <array>
+#include "pictures/formats.h"
 
-#include "pictures/codecs.h"
+#include <algorithm>
 
 #if defined(ORVO_HAVE_JPEG)
 #include "pictures/jpeg_session.h"
@@ -12,55 +12,88 @@
 namespace modules {
 namespace {
 
-#define ORVO_AS_TEXT(name) #name
-#define ORVO_VALUE_AS_TEXT(name) ORVO_AS_TEXT(name)
-
 // Kinds with a mark of their own come before those that are told by the extension.
-constexpr std::array kCodecs {
+constexpr Format kFormats[] = {
 #if defined(ORVO_HAVE_JPEG)
-  &kJpegCodec,
+    {"JPEG", kFormatJpeg, "jpg jpeg jpe", OpenJpeg, SaveJpeg, IsJpeg},
 #endif
 #if defined(ORVO_HAVE_PNG)
-      &kPngCodec,
+    {"PNG", kFormatPng, "png", OpenPng, SavePng, IsPng},
 #endif
 #if defined(ORVO_HAVE_TIFF)
-      &kTiffCodec,
+    {"TIFF", kFormatTiff, "tif tiff", OpenTiff, SaveTiff, IsTiff},
+    {"TIFF, compressed", kFormatTiffCompressed, "tif tiff", OpenTiff, SaveTiff, IsTiff},
 #endif
-#if defined(ORVO_HAVE_PSD)
-      &kPsdCodec,
-#endif
-      &kBmpCodec,
+    {"PSD", kFormatPsd, "psd", OpenPsd, SavePsd, IsPsd},
+    {"BMP", kFormatBmp, "bmp jff", OpenBmp, SaveBmp, IsBmp},
 #if defined(ORVO_HAVE_MAGICK)
-      &kMagickCodec,
+    {"PCX", kFormatPcx, "pcx", OpenPcx, SaveRare, IsPcx},
+    {"DCX", kFormatPcx, "dcx", OpenDcx, nullptr, IsDcx},
+    {"Sun raster", kFormatRas, "ras", OpenRas, SaveRare, IsRas},
+    {"WordPerfect graphics", kFormatWpg, "wpg", OpenWpg, nullptr, IsWpg},
+    {"Windows metafile", kFormatWmf, "wmf", OpenWmf, nullptr, IsWmf},
+    {"TGA", kFormatTga, "tga", OpenTga, SaveRare, IsTga, true},
+    {"PICT", kFormatPct, "pct pict", OpenPct, SaveRare, nullptr, true},
+    {"Photo CD", kFormatPcd, "pcd", OpenPcd, nullptr, nullptr, true},
+    {"EPS", kFormatEps, "eps", nullptr, SaveRare},
 #endif
 };
 
+bool HasWord(std::string_view words, std::string_view word) {
+  while (!words.empty()) {
+    const std::size_t end = std::min(words.find(' '), words.size());
+    if (words.substr(0, end) == word) return true;
+    words.remove_prefix(std::min(end + 1, words.size()));
+  }
+  return false;
+}
+
+bool Reads(const Format& format, Head head, std::string_view extension) {
+  return format.open != nullptr && (format.begins == nullptr || format.begins(head)) &&
+         (!format.needsExtension || HasWord(format.extensions, extension));
+}
+
+#define ORVO_AS_TEXT(name) #name
+#define ORVO_VALUE_AS_TEXT(name) ORVO_AS_TEXT(name)
+
+constexpr const char* kLibraries[] = {
+#if defined(ORVO_HAVE_JPEG) && defined(LIBJPEG_TURBO_VERSION)
+    "libjpeg-turbo " ORVO_VALUE_AS_TEXT(LIBJPEG_TURBO_VERSION),
+#elif defined(ORVO_HAVE_JPEG)
+    "libjpeg " ORVO_VALUE_AS_TEXT(JPEG_LIB_VERSION),
+#endif
+#if defined(ORVO_HAVE_PNG)
+    "libpng " PNG_LIBPNG_VER_STRING,
+#endif
+#if defined(ORVO_HAVE_TIFF)
+    "libtiff " ORVO_TIFF_VERSION,
+#endif
+#if defined(ORVO_HAVE_MAGICK)
+    "GraphicsMagick " ORVO_MAGICK_VERSION,
+#endif
+    nullptr,  // so that the list is never empty
+};
+
+const Format* Find(const auto& fits) {
+  const auto* const found = std::ranges::find_if(kFormats, fits);
+  return found == std::end(kFormats) ? nullptr : found;
+}
+
 }  // namespace
 
-std::span<const Codec* const> Codecs() {
-  return kCodecs;
+const Format* FormatThatReads(Head head, std::string_view extension) {
+  return Find([&](const Format& format) { return Reads(format, head, extension); });
+}
+
+const Format* FormatThatWrites(int number) {
+  return Find([=](const Format& format) { return format.number == number && format.save; });
 }
 
 std::string CodecNames() {
   std::string names;
-#if defined(ORVO_HAVE_JPEG)
-#if defined(LIBJPEG_TURBO_VERSION)
-  names += "libjpeg-turbo " ORVO_VALUE_AS_TEXT(LIBJPEG_TURBO_VERSION) ", ";
-#else
-  names += "libjpeg " ORVO_VALUE_AS_TEXT(JPEG_LIB_VERSION) ", ";
-#endif
-#endif
-#if defined(ORVO_HAVE_PNG)
-  names += "libpng " PNG_LIBPNG_VER_STRING ", ";
-#endif
-#if defined(ORVO_HAVE_TIFF)
-  names += "libtiff " ORVO_TIFF_VERSION ", ";
-#endif
-#if defined(ORVO_HAVE_MAGICK)
-  names += "GraphicsMagick " ORVO_MAGICK_VERSION ", ";
-#endif
-  constexpr std::size_t kSeparator = 2;
-  names.resize(names.size() < kSeparator ? 0 : names.size() - kSeparator);
+  for (const char* const* name = kLibraries; *name != nullptr; ++name) {
+    names += names.empty() ? *name : std::string(", ") + *name;
+  }
   return names;
 }
 

@@ -1,36 +1,27 @@
 #include <algorithm>
 #include <bit>
-#include <memory>
 
+#include "pictures/codecs.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
-#include "pictures/jpeg_codec.h"
 #include "pictures/jpeg_session.h"
-#include "pictures/library_calls.h"
 
 namespace modules {
 namespace {
 
-// No coding of the library needs less than a few bits for a block of 64 samples.
-constexpr std::uint64_t kMostRatio = 2048;
-constexpr unsigned kDotsPerInchUnit = 1;
-constexpr unsigned kDotsPerCentimetreUnit = 2;
 constexpr int kExifMarker = JPEG_APP0 + 1;
 
-class JpegReader {
+class JpegReader : public PictureReader {
  public:
-  JpegReader() { PrepareJpeg(session_, common()); }
-  ~JpegReader() { jpeg_destroy_decompress(&codec_); }
-  JpegReader(const JpegReader&) = delete;
-  JpegReader& operator=(const JpegReader&) = delete;
+  JpegReader(const char* path, Report report) : PictureReader(path, report), session_(report) {
+    PrepareJpeg(session_, common());
+  }
+  ~JpegReader() override { jpeg_destroy_decompress(&codec_); }
 
-  // Reads what stands before the pixels. Module code.
-  int open(const char* path, int page) {
-    if (page != 1) return kModuleBadParameter;
-    file_ = OpenFile(path, "rb");
-    if (!file_) return kModuleFileNotOpened;
-    fileBytes_ = FileSize(path);
-    return attempt([this] {
+  bool goTo(int page) override {
+    if (page != 1) return false;
+    file_ = OpenToRead(path_);
+    session_.run([this] {
       constexpr unsigned kWholeMarker = 0xFFFF;
       jpeg_create_decompress(&codec_);
       WatchJpeg(session_, common());
@@ -40,67 +31,46 @@ class JpegReader {
       chooseColors();
       jpeg_calc_output_dimensions(&codec_);
     });
+    describe();
+    return true;
   }
 
-  // Lets the library shrink the image by 2, 4 or 8 while it stays at least this large as stored.
-  int shrinkTo(int width, int height) {
+  // By 2, 4 or 8, as the library can.
+  void shrinkTo(int width, int height) override {
     constexpr unsigned kMostShrinking = 8;
     const unsigned room = std::min(codec_.image_width / static_cast<unsigned>(width),
                                    codec_.image_height / static_cast<unsigned>(height));
     codec_.scale_denom = std::bit_floor(std::clamp(room, 1U, kMostShrinking));
-    return attempt([this] { jpeg_calc_output_dimensions(&codec_); });
+    session_.run([this] { jpeg_calc_output_dimensions(&codec_); });
+    takeMeasures();
   }
 
-  [[nodiscard]] FileImage image() const {
-    const Exif exif = exifTags();
-    FileImage image{.width = static_cast<int>(codec_.output_width),
-                    .height = static_cast<int>(codec_.output_height),
-                    .depth = codec_.out_color_space == JCS_GRAYSCALE ? 8 : 24,
-                    .xPixelsPerMetre = exif.xPixelsPerMetre,
-                    .yPixelsPerMetre = exif.yPixelsPerMetre,
-                    .orientation = exif.orientation};
-    const bool inches = codec_.density_unit == kDotsPerInchUnit;
-    if (codec_.saw_JFIF_marker != 0 && (inches || codec_.density_unit == kDotsPerCentimetreUnit)) {
-      const double metres = inches ? orvo::kMetresPerInch : 0.01;
-      image.xPixelsPerMetre = PixelsPerMetreOf(codec_.X_density, metres);
-      image.yPixelsPerMetre = PixelsPerMetreOf(codec_.Y_density, metres);
-    }
-    return image;
-  }
-
-  [[nodiscard]] bool isPlausible() const {
+  void start() override {
+    // Whole blocks of one tone can take less than a bit.
+    constexpr std::uint64_t kMostRatio = 4096;
     const std::uint64_t bytes = std::uint64_t{codec_.image_width} * codec_.image_height *
                                 static_cast<std::uint64_t>(codec_.num_components);
-    return IsPlausible(bytes, fileBytes_, kMostRatio);
+    Require(IsPlausible(bytes, FileSize(path_), kMostRatio), kModuleReadFailed);
+    session_.run([this] { (void)jpeg_start_decompress(&codec_); });
   }
 
-  int read(const Pixels& image) {
-    if (image.palette != nullptr) FillGrayPalette(image);
-    std::unique_ptr<std::uint8_t[]> inks;
-    if (codec_.out_color_space == JCS_CMYK) {
-      inks = std::make_unique_for_overwrite<std::uint8_t[]>(std::size_t{codec_.output_width} * 4);
-    }
-    std::uint8_t* const inkRow = inks.get();
-    return attempt([&, this] {
-      (void)jpeg_start_decompress(&codec_);
-      while (codec_.output_scanline < codec_.output_height) {
-        std::uint8_t* const line = LineFromTop(image, static_cast<int>(codec_.output_scanline));
-        JSAMPROW row = inkRow != nullptr ? inkRow : line;
-        (void)jpeg_read_scanlines(&codec_, &row, 1);
-        if (inkRow != nullptr) mixInks(inkRow, line);
-      }
-      // The end mark is not asked for: all pixels are there.
-      if (!session_.progress.report(100)) LeaveJpeg(common(), kModuleAborted);
-    });
+  // The end mark is not asked for: all pixels are there without it.
+  void readRow(std::uint8_t* row) override {
+    session_.run([this, &row] { (void)jpeg_read_scanlines(&codec_, &row, 1); });
+    if (codec_.output_scanline == codec_.output_height) session_.finish();
+  }
+
+  // Arithmetic coding is outside of what documents may hold.
+  [[nodiscard]] std::optional<CodedStretch> codedStretch() const override {
+    using Coding = CodedStretch::Coding;
+    if (codec_.arith_code != 0) return std::nullopt;
+    return CodedStretch{
+        .coding = codec_.jpeg_color_space == JCS_RGB ? Coding::kJpegOfRgb : Coding::kJpeg,
+        .bytes = FileSize(path_)};
   }
 
  private:
   j_common_ptr common() { return reinterpret_cast<j_common_ptr>(&codec_); }
-
-  template <class Calls>
-  int attempt(const Calls& calls) {
-    return Attempt(session_.jump, calls) ? kModuleSuccess : session_.code;
-  }
 
   void chooseColors() {
     switch (codec_.jpeg_color_space) {
@@ -117,6 +87,38 @@ class JpegReader {
     }
   }
 
+  void takeMeasures() {
+    picture_.width = static_cast<int>(codec_.output_width);
+    picture_.height = static_cast<int>(codec_.output_height);
+  }
+
+  void describe() {
+    takeMeasures();
+    picture_.format = kFormatJpeg;
+    picture_.compression = "JPEG";
+    picture_.hasInks = codec_.out_color_space == JCS_CMYK;
+    picture_.samples = picture_.hasInks ? 4 : codec_.out_color_space == JCS_GRAYSCALE ? 1 : 3;
+    // Files with the Adobe mark hold the paper left white, plain ones the ink.
+    picture_.reversed = picture_.hasInks && codec_.saw_Adobe_marker != 0;
+    const Exif exif = exifTags();
+    picture_.orientation = exif.orientation;
+    picture_.xPixelsPerMetre = exif.xPixelsPerMetre;
+    picture_.yPixelsPerMetre = exif.yPixelsPerMetre;
+    if (codec_.saw_JFIF_marker != 0) takeDensity();
+  }
+
+  void takeDensity() {
+    enum : UINT8 { kNoUnit = 0, kInch = 1, kCentimetre = 2 };
+    if (codec_.density_unit == kNoUnit) {
+      picture_.xDensity = codec_.X_density;
+      picture_.yDensity = codec_.Y_density;
+    } else if (codec_.density_unit == kInch || codec_.density_unit == kCentimetre) {
+      const double metres = codec_.density_unit == kInch ? orvo::kMetresPerInch : 0.01;
+      picture_.xPixelsPerMetre = PixelsPerMetreOf(codec_.X_density, metres);
+      picture_.yPixelsPerMetre = PixelsPerMetreOf(codec_.Y_density, metres);
+    }
+  }
+
   [[nodiscard]] Exif exifTags() const {
     constexpr std::uint8_t kName[] = {'E', 'x', 'i', 'f', 0, 0};
     for (auto marker = codec_.marker_list; marker != nullptr; marker = marker->next) {
@@ -128,50 +130,19 @@ class JpegReader {
     return {};
   }
 
-  // Files with the Adobe mark hold the paper left white, plain ones the ink.
-  void mixInks(const std::uint8_t* inks, std::uint8_t* line) const {
-    const int flip = codec_.saw_Adobe_marker != 0 ? 0 : 255;
-    for (JDIMENSION x = 0; x < codec_.output_width; ++x, inks += 4) {
-      const int black = inks[3] ^ flip;
-      for (int ink = 2; ink >= 0; --ink) {
-        *line++ = static_cast<std::uint8_t>(((inks[ink] ^ flip) * black + 127) / 255);
-      }
-    }
-  }
-
   FileHandle file_;
-  std::uint64_t fileBytes_ = 0;
   jpeg_decompress_struct codec_{};
   JpegSession session_;
 };
 
-int Load(JpegReader& reader, struct_LEAD_Bitmap& bitmap) {
-  if (!reader.isPlausible()) return kModuleReadFailed;
-  return LoadImage(reader.image(), bitmap,
-                   [&](const Pixels& pixels) { return reader.read(pixels); });
-}
-
 }  // namespace
 
-int DescribeJpeg(const char* path, int page, LTFILEINFO& info) {
-  JpegReader reader;
-  const int code = reader.open(path, page);
-  if (code == kModuleSuccess) DescribeImage(reader.image(), kFormatJpeg, "JPEG", info);
-  return code;
+bool IsJpeg(Head head) {
+  return head.size() > 3 && head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF;
 }
 
-int LoadJpeg(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
-  JpegReader reader;
-  const int code = reader.open(path, page);
-  return code == kModuleSuccess ? Load(reader, bitmap) : code;
-}
-
-int LoadJpegAtLeast(const char* path, int page, int width, int height, struct_LEAD_Bitmap& bitmap) {
-  JpegReader reader;
-  if (const int code = reader.open(path, page); code != kModuleSuccess) return code;
-  if (SwapsSides(reader.image().orientation)) std::swap(width, height);
-  const int code = reader.shrinkTo(width, height);
-  return code == kModuleSuccess ? Load(reader, bitmap) : code;
+ReaderHandle OpenJpeg(const char* path, Report report) {
+  return std::make_unique<JpegReader>(path, report);
 }
 
 }  // namespace modules

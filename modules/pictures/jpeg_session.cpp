@@ -14,6 +14,13 @@ JpegSession& SessionOf(j_common_ptr codec) {
   return *static_cast<JpegSession*>(codec->client_data);
 }
 
+// Leaves the library with a module code.
+[[noreturn]] void LeaveJpeg(j_common_ptr codec, int code) {
+  JpegSession& session = SessionOf(codec);
+  session.code = code;
+  std::longjmp(session.jump, 1);
+}
+
 int ModuleCodeOf(int message) {
   switch (message) {
     case JERR_OUT_OF_MEMORY:
@@ -81,12 +88,6 @@ void PrepareJpeg(JpegSession& session, j_common_ptr codec) {
 void WatchJpeg(JpegSession& session, j_common_ptr codec) {
   session.monitor.progress_monitor = OnPass;
   codec->progress = &session.monitor;
-}
-
-void LeaveJpeg(j_common_ptr codec, int code) {
-  JpegSession& session = SessionOf(codec);
-  session.code = code;
-  std::longjmp(session.jump, 1);
 }
 
 }  // namespace modules

@@ -10,25 +10,35 @@
 #include <jpeglib.h>
 // clang-format on
 
+#include "common/guard.h"
 #include "common/status.h"
+#include "pictures/library_calls.h"
 
 namespace modules {
 
 // Stays where it is while the library uses it: the library keeps pointers to it.
 struct JpegSession {
+  explicit JpegSession(Report report) : progress(100, report) {}
+
   jpeg_error_mgr errors{};
   jpeg_progress_mgr monitor{};
   std::jmp_buf jump{};
   int code = 0;  // module code of the error that was met
-  Progress progress{100};
+  Progress progress;
+
+  // Runs calls into the library, which may leave.
+  template <class Calls>
+  void run(const Calls& calls) {
+    if (!Attempt(jump, calls)) throw ModuleError{code};
+  }
+  // Told once all is done: passes end at 99 percent.
+  void finish() { Require(progress.report(100), kModuleAborted); }
 };
 
 // To be called before the library makes its object, which then reports to the session.
 void PrepareJpeg(JpegSession& session, j_common_ptr codec);
 // To be called once the object is made: its passes are reported as progress.
 void WatchJpeg(JpegSession& session, j_common_ptr codec);
-// Leaves the library with a module code.
-[[noreturn]] void LeaveJpeg(j_common_ptr codec, int code);
 
 }  // namespace modules
 

@@ -1,19 +1,12 @@
-#include <array>
 #include <memory>
 
 #include "common/color_rows.h"
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
-#include "pictures/jpeg_codec.h"
 #include "pictures/jpeg_session.h"
-#include "pictures/library_calls.h"
 
 namespace modules {
 namespace {
-
-bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
-  return head.size() > 3 && head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF;
-}
 
 // How the rows of an image go to the library: as they are, or through a row of colours whose first
 // channel is the tone of a gray image.
@@ -40,17 +33,17 @@ RowForm FormOf(const Pixels& image) {
 
 class JpegWriter {
  public:
-  JpegWriter() { PrepareJpeg(session_, common()); }
+  explicit JpegWriter(Report report) : session_(report) { PrepareJpeg(session_, common()); }
   ~JpegWriter() { jpeg_destroy_compress(&codec_); }
   JpegWriter(const JpegWriter&) = delete;
   JpegWriter& operator=(const JpegWriter&) = delete;
 
-  int write(std::FILE* file, const LockedDib& image, int quality) {
+  void write(std::FILE* file, const LockedDib& image, int quality) {
     const RowForm form = FormOf(*image);
     std::unique_ptr<Color[]> colors;
     if (!form.asStored) colors = std::make_unique<Color[]>(static_cast<std::size_t>(image->width));
     Color* const scratch = colors.get();
-    const bool written = Attempt(session_.jump, [&, this] {
+    session_.run([&, this] {
       jpeg_create_compress(&codec_);
       WatchJpeg(session_, common());
       jpeg_stdio_dest(&codec_, file);
@@ -62,9 +55,8 @@ class JpegWriter {
         (void)jpeg_write_scanlines(&codec_, &row, 1);
       }
       jpeg_finish_compress(&codec_);
-      if (!session_.progress.report(100)) LeaveJpeg(common(), kModuleAborted);
     });
-    return written ? kModuleSuccess : session_.code;
+    session_.finish();
   }
 
  private:
@@ -112,26 +104,14 @@ class JpegWriter {
   JpegSession session_;
 };
 
-constexpr std::array<int, 1> kFormats{kFormatJpeg};
-
 }  // namespace
 
-int SaveJpeg(const SaveRequest& request, const LockedDib& image) {
-  if (image->width > JPEG_MAX_DIMENSION || image->height > JPEG_MAX_DIMENSION) {
-    return kFileFormatNotWritten;
-  }
-  FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kModuleFileNotOpened;
-  const int code = JpegWriter().write(file.get(), image, request.quality);
-  if (code != kModuleSuccess) return code;
-  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
+void SaveJpeg(const SaveRequest& request, const LockedDib& image) {
+  Require(image->width <= JPEG_MAX_DIMENSION && image->height <= JPEG_MAX_DIMENSION,
+          kFileFormatNotWritten);
+  WriteFile(request.path, [&](std::FILE* file) {
+    JpegWriter(request.report).write(file, image, request.quality);
+  });
 }
-
-const Codec kJpegCodec{.recognises = Recognises,
-                       .describe = DescribeJpeg,
-                       .load = LoadJpeg,
-                       .formats = kFormats,
-                       .save = SaveJpeg,
-                       .loadAtLeast = LoadJpegAtLeast};
 
 }  // namespace modules

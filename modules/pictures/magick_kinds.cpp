@@ -1,9 +1,8 @@
 #include "pictures/magick_kinds.h"
 
 #include <algorithm>
-#include <array>
 
-#include "binding/module_contract.h"
+#include "pictures/codecs.h"
 
 namespace modules {
 namespace {
@@ -21,6 +20,10 @@ int DepthThatHolds(int bits) {
   return 24;
 }
 
+// Beyond the end of a file its bytes read as 0.
+int ByteAt(Bytes file, std::size_t offset) {
+  return offset < file.size() ? file[offset] : 0;
+}
 // Little-endian.
 int Little16(Bytes file, std::size_t offset) {
   return offset + 2 <= file.size() ? file[offset] | file[offset + 1] << 8 : 0;
@@ -36,28 +39,14 @@ bool HasMark(Bytes file, std::size_t offset, std::initializer_list<std::uint8_t>
 
 // --- PCX, and DCX, which strings up to 1023 of them together -------------------------------------
 
-constexpr std::size_t kPcxHeaderBytes = 128;
-
-bool IsPcx(Bytes head, std::string_view /*extension*/) {
-  if (head.size() < kPcxHeaderBytes || head[0] != 0x0A) return false;
-  const std::uint8_t version = head[1];
-  const std::uint8_t bits = head[3];
-  return version <= 5 && version != 1 && head[2] <= 1 &&
-         (bits == 1 || bits == 2 || bits == 4 || bits == 8);
-}
-
-int PcxDepth(Bytes head) {
-  const int bits = head[3];
-  const int planes = head[65];
+int PcxDepth(Bytes file) {
+  const int bits = ByteAt(file, 3);
+  const int planes = ByteAt(file, 65);
   return DepthThatHolds(bits * planes);
 }
 
 FileResolution PcxResolution(Bytes file, int /*page*/) {
   return {Little16(file, 12), Little16(file, 14)};
-}
-
-bool IsDcx(Bytes head, std::string_view /*extension*/) {
-  return StartsWith(head, {0xB1, 0x68, 0xDE, 0x3A});
 }
 
 // Where a page begins stands in a list that a 0 ends.
@@ -79,45 +68,20 @@ FileResolution DcxResolution(Bytes file, int page) {
   return start < file.size() ? PcxResolution(file.subspan(start), page) : FileResolution{};
 }
 
-// --- TGA: no mark of its own, so the name counts and the header has to make sense ----------------
+// --- TGA and Sun raster
+// ---------------------------------------------------------------------------
 
-constexpr std::size_t kTgaHeaderBytes = 18;
-enum TgaType : std::uint8_t { kTgaPalette = 1, kTgaColor = 2, kTgaGray = 3, kTgaRuns = 8 };
-
-int TgaKind(Bytes head) {
-  return head[2] & ~kTgaRuns;
-}
-
-bool IsTga(Bytes head, std::string_view extension) {
-  if (extension != "tga" || head.size() < kTgaHeaderBytes || head[1] > 1) return false;
-  const int kind = TgaKind(head);
-  const int bits = head[16];
-  if (kind == kTgaPalette) return head[1] == 1 && bits == 8;
-  if (kind == kTgaGray) return bits == 8;
-  return kind == kTgaColor && (bits == 15 || bits == 16 || bits == 24 || bits == 32);
-}
-
-int TgaDepth(Bytes head) {
-  const int bits = head[16];
+int TgaDepth(Bytes file) {
+  const int bits = ByteAt(file, 16);
   return bits == 15 ? 16 : bits;
 }
 
-// --- Sun raster ----------------------------------------------------------------------------------
-
-bool IsRas(Bytes head, std::string_view /*extension*/) {
-  constexpr std::size_t kHeaderBytes = 32;
-  return head.size() >= kHeaderBytes && StartsWith(head, {0x59, 0xA6, 0x6A, 0x95});
+int RasDepth(Bytes file) {
+  return DepthThatHolds(ByteAt(file, 15));
 }
 
-int RasDepth(Bytes head) {
-  return DepthThatHolds(head[15]);
-}
-
-// --- PICT and Photo CD: the mark lies beyond a head, so the name counts --------------------------
-
-bool IsPct(Bytes /*head*/, std::string_view extension) {
-  return extension == "pct" || extension == "pict";
-}
+// --- PICT and Photo CD: the mark lies beyond the first bytes
+// --------------------------------------
 
 // 512 bytes that programs fill as they like come first, then 10 of size and frame.
 bool IsSoundPct(Bytes file) {
@@ -132,57 +96,62 @@ FileResolution PctResolution(Bytes file, int /*page*/) {
   return {WholeOfFixed(file, kMarkAt + 10), WholeOfFixed(file, kMarkAt + 14)};
 }
 
-bool IsPcd(Bytes /*head*/, std::string_view extension) {
-  return extension == "pcd";
-}
-
 // In the second sector of the disc.
 bool IsSoundPcd(Bytes file) {
   constexpr std::size_t kMarkAt = 2048;
   return HasMark(file, kMarkAt, {'P', 'C', 'D', '_'});
 }
 
-// --- WordPerfect graphics and Windows metafiles --------------------------------------------------
+}  // namespace
 
-bool IsWpg(Bytes head, std::string_view /*extension*/) {
+bool IsPcx(Head head) {
+  constexpr std::size_t kHeaderBytes = 128;
+  if (head.size() < kHeaderBytes || head[0] != 0x0A) return false;
+  const std::uint8_t version = head[1];
+  const std::uint8_t bits = head[3];
+  return version <= 5 && version != 1 && head[2] <= 1 &&
+         (bits == 1 || bits == 2 || bits == 4 || bits == 8);
+}
+
+bool IsDcx(Head head) {
+  return StartsWith(head, {0xB1, 0x68, 0xDE, 0x3A});
+}
+
+bool IsTga(Head head) {
+  constexpr std::size_t kHeaderBytes = 18;
+  enum : std::uint8_t { kPalette = 1, kColor = 2, kGray = 3, kRuns = 8 };
+  if (head.size() < kHeaderBytes || head[1] > 1) return false;
+  const int kind = head[2] & ~kRuns;
+  const int bits = head[16];
+  if (kind == kPalette) return head[1] == 1 && bits == 8;
+  if (kind == kGray) return bits == 8;
+  return kind == kColor && (bits == 15 || bits == 16 || bits == 24 || bits == 32);
+}
+
+bool IsRas(Head head) {
+  constexpr std::size_t kHeaderBytes = 32;
+  return head.size() >= kHeaderBytes && StartsWith(head, {0x59, 0xA6, 0x6A, 0x95});
+}
+
+bool IsWpg(Head head) {
   return StartsWith(head, {0xFF, 'W', 'P', 'C'});
 }
 
-bool IsWmf(Bytes head, std::string_view /*extension*/) {
+bool IsWmf(Head head) {
   const bool placeable = StartsWith(head, {0xD7, 0xCD, 0xC6, 0x9A});
   return placeable || StartsWith(head, {1, 0, 9, 0, 0, 1}) || StartsWith(head, {1, 0, 9, 0, 0, 3});
 }
 
-constexpr std::array kKinds{
-    MagickKind{.magick = "PCX",
-               .format = kFormatPcx,
-               .matches = IsPcx,
-               .depth = PcxDepth,
-               .resolution = PcxResolution},
-    MagickKind{.magick = "DCX",
-               .format = kFormatPcx,
-               .matches = IsDcx,
-               .resolution = DcxResolution,
-               .pages = DcxPages},
-    MagickKind{.magick = "SUN", .format = kFormatRas, .matches = IsRas, .depth = RasDepth},
-    MagickKind{.magick = "WPG", .format = kFormatWpg, .matches = IsWpg},
-    MagickKind{.magick = "WMF", .format = kFormatWmf, .matches = IsWmf, .isSound = IsSoundMetafile},
-    MagickKind{.magick = "TGA", .format = kFormatTga, .matches = IsTga, .depth = TgaDepth},
-    MagickKind{.magick = "PICT",
-               .format = kFormatPct,
-               .matches = IsPct,
-               .isSound = IsSoundPct,
-               .resolution = PctResolution},
-    MagickKind{.magick = "PCD", .format = kFormatPcd, .matches = IsPcd, .isSound = IsSoundPcd},
-};
-
-}  // namespace
-
-const MagickKind* MagickKindOf(std::span<const std::uint8_t> head, std::string_view extension) {
-  const auto* const kind = std::find_if(kKinds.begin(), kKinds.end(), [&](const MagickKind& each) {
-    return each.matches(head, extension);
-  });
-  return kind == kKinds.end() ? nullptr : kind;
-}
+const MagickKind kPcxKind{
+    .magick = "PCX", .format = kFormatPcx, .depth = PcxDepth, .resolution = PcxResolution};
+const MagickKind kDcxKind{
+    .magick = "DCX", .format = kFormatPcx, .resolution = DcxResolution, .pages = DcxPages};
+const MagickKind kTgaKind{.magick = "TGA", .format = kFormatTga, .depth = TgaDepth};
+const MagickKind kRasKind{.magick = "SUN", .format = kFormatRas, .depth = RasDepth};
+const MagickKind kPctKind{
+    .magick = "PICT", .format = kFormatPct, .isSound = IsSoundPct, .resolution = PctResolution};
+const MagickKind kPcdKind{.magick = "PCD", .format = kFormatPcd, .isSound = IsSoundPcd};
+const MagickKind kWpgKind{.magick = "WPG", .format = kFormatWpg};
+const MagickKind kWmfKind{.magick = "WMF", .format = kFormatWmf, .isSound = IsSoundMetafile};
 
 }  // namespace modules

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <span>
-#include <string_view>
 
 namespace modules {
 
@@ -20,10 +19,8 @@ struct MagickKind {
 
   const char* magick;  // the library's name
   int format;          // a FileFormat
-  // head: the first bytes of the file, as many as a codec may count on.
-  bool (*matches)(Bytes head, std::string_view extension);
 
-  // The rest is asked of a file that matches, in memory from end to end, and may be null.
+  // These are asked of a whole file in memory that begins as its kind does, and may be null.
 
   // Whether it is worth showing to the library.
   bool (*isSound)(Bytes file) = nullptr;
@@ -34,8 +31,14 @@ struct MagickKind {
   int (*pages)(Bytes file) = nullptr;
 };
 
-// Null when no kind matches. extension: lower case, without dot.
-const MagickKind* MagickKindOf(std::span<const std::uint8_t> head, std::string_view extension);
+extern const MagickKind kPcxKind;
+extern const MagickKind kDcxKind;
+extern const MagickKind kTgaKind;
+extern const MagickKind kRasKind;
+extern const MagickKind kPctKind;
+extern const MagickKind kPcdKind;
+extern const MagickKind kWpgKind;
+extern const MagickKind kWmfKind;
 
 // Whether the records of a Windows metafile follow each other from its header to its end mark and
 // keep to what the header promises. The library under the library tells what it dislikes on

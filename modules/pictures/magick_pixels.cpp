@@ -1,8 +1,6 @@
 #include "pictures/magick_pixels.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <vector>
 
 #include "common/color_rows.h"
 #include "pictures/index_rows.h"
@@ -40,42 +38,6 @@ PixelPacket PixelOf(Color color) {
   return pixel;
 }
 
-// One row of an image, as indexes or as colours.
-class RowToDib {
- public:
-  RowToDib(const Image& image, const Pixels& target)
-      : target_(target), colors_(image.columns), indexes_(image.columns), matte_(image.matte != 0) {
-    for (unsigned i = 0; target.palette != nullptr && i < image.colors; ++i) {
-      target.palette[i] = EntryOf(PlainColor(image.colormap[i]));
-    }
-  }
-
-  void copy(const PixelPacket* pixels, const IndexPacket* indexes, int y) {
-    if (target_.palette != nullptr) {
-      const auto last = static_cast<IndexPacket>(target_.paletteSize() - 1);
-      std::transform(indexes, indexes + indexes_.size(), indexes_.begin(), [=](IndexPacket index) {
-        return static_cast<std::uint8_t>(std::min(index, last));
-      });
-      return WriteIndexes(target_, y, indexes_.data());
-    }
-    const bool keepsAlpha = target_.depth == 32;
-    const auto color = matte_ && !keepsAlpha ? ColorOverWhite : PlainColor;
-    std::transform(pixels, pixels + colors_.size(), colors_.begin(), color);
-    WriteColors(target_, y, colors_.data());
-    if (!keepsAlpha || !matte_) return;
-    std::uint8_t* const row = target_.row(y);
-    for (std::size_t x = 0; x < colors_.size(); ++x) {
-      row[4 * x + 3] = ToneOf(kMost - pixels[x].opacity);
-    }
-  }
-
- private:
-  const Pixels& target_;
-  std::vector<Color> colors_;
-  std::vector<std::uint8_t> indexes_;
-  bool matte_;
-};
-
 void CopyIndexes(const Pixels& source, int y, std::vector<std::uint8_t>& indexes,
                  const Image& image, PixelPacket* pixels, IndexPacket* packets) {
   ReadIndexes(source, y, indexes.data());
@@ -95,17 +57,17 @@ void CopyColors(const Pixels& source, int y, bool withAlpha, std::vector<Color>&
   }
 }
 
-bool MakePalette(const Pixels& source, Image& image) {
+void MakePalette(const Pixels& source, Image& image) {
   if (source.palette == nullptr) {
     image.storage_class = DirectClass;
-    return true;
+    return;
   }
   const int count = source.paletteSize();
-  if (AllocateImageColormap(&image, static_cast<unsigned long>(count)) != MagickPass) return false;
+  Require(AllocateImageColormap(&image, static_cast<unsigned long>(count)) == MagickPass,
+          kModuleNoMemory);
   for (int i = 0; i < count; ++i) {
     image.colormap[i] = PixelOf(ColorOf(source.palette[i]));
   }
-  return true;
 }
 
 }  // namespace
@@ -114,44 +76,60 @@ bool FitsPalette(const Image& image, int depth) {
   return depth <= 8 && image.storage_class == PseudoClass && image.colors <= 1U << depth;
 }
 
-int CopyFromMagick(const Image& image, const Pixels& target, MagickProgress& progress) {
-  MagickReport report;
-  RowToDib row(image, target);
-  for (int line = 0; line < target.height; ++line) {
-    const PixelPacket* const pixels =
-        AcquireImagePixels(&image, 0, line, image.columns, 1, report.get());
-    const IndexPacket* const indexes = AccessImmutableIndexes(&image);
-    if (pixels == nullptr || (target.palette != nullptr && indexes == nullptr)) {
-      return kModuleNoMemory;
-    }
-    row.copy(pixels, indexes, target.height - 1 - line);
-    if (!progress.reportRows(line + 1, target.height)) return kModuleAborted;
-  }
-  return kModuleSuccess;
+std::vector<RGBQUAD> PaletteOf(const Image& image) {
+  std::vector<RGBQUAD> palette(image.colors);
+  std::transform(image.colormap, image.colormap + image.colors, palette.begin(),
+                 [](const PixelPacket& entry) { return EntryOf(PlainColor(entry)); });
+  return palette;
 }
 
-int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress) {
+void MagickLines::copy(long line, std::uint8_t* row) {
+  MagickReport report;
+  const PixelPacket* const pixels =
+      AcquireImagePixels(&image_, 0, line, image_.columns, 1, report.get());
+  const IndexPacket* const packets = AccessImmutableIndexes(&image_);
+  Require(pixels != nullptr && (depth_ > 8 || packets != nullptr), kModuleNoMemory);
+  const Pixels target{
+      .width = static_cast<int>(image_.columns), .height = 1, .depth = depth_, .bits = row};
+  if (depth_ <= 8) {
+    const auto last = static_cast<IndexPacket>((1 << depth_) - 1);
+    std::transform(packets, packets + indexes_.size(), indexes_.begin(), [=](IndexPacket index) {
+      return static_cast<std::uint8_t>(std::min(index, last));
+    });
+    return WriteIndexes(target, 0, indexes_.data());
+  }
+  const bool matte = image_.matte != 0;
+  const bool keepsAlpha = depth_ == 32;
+  const auto color = matte && !keepsAlpha ? ColorOverWhite : PlainColor;
+  std::transform(pixels, pixels + colors_.size(), colors_.begin(), color);
+  WriteColors(target, 0, colors_.data());
+  if (!keepsAlpha || !matte) return;
+  for (std::size_t x = 0; x < colors_.size(); ++x) {
+    row[4 * x + 3] = ToneOf(kMost - pixels[x].opacity);
+  }
+}
+
+void CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress) {
   image.columns = static_cast<unsigned long>(source.width);
   image.rows = static_cast<unsigned long>(source.height);
   image.depth = 8;
   image.matte = withAlpha ? MagickTrue : MagickFalse;
-  if (!MakePalette(source, image)) return kModuleNoMemory;
+  MakePalette(source, image);
 
   std::vector<Color> colors(image.columns);
   std::vector<std::uint8_t> indexes(image.columns);
   for (int line = 0; line < source.height; ++line) {
     const int y = source.height - 1 - line;
     PixelPacket* const pixels = SetImagePixels(&image, 0, line, image.columns, 1);
-    if (pixels == nullptr) return kModuleNoMemory;
+    Require(pixels != nullptr, kModuleNoMemory);
     if (source.palette == nullptr) {
       CopyColors(source, y, withAlpha, colors, pixels);
     } else {
       CopyIndexes(source, y, indexes, image, pixels, AccessMutableIndexes(&image));
     }
-    if (SyncImagePixels(&image) != MagickPass) return kModuleNoMemory;
-    if (!progress.reportRows(line + 1, source.height)) return kModuleAborted;
+    Require(SyncImagePixels(&image) == MagickPass, kModuleNoMemory);
+    Require(progress.reportRows(line + 1, source.height), kModuleAborted);
   }
-  return kModuleSuccess;
 }
 
 }  // namespace modules

@@ -2,6 +2,9 @@
 #ifndef MODULES_PICTURES_MAGICK_PIXELS_H
 #define MODULES_PICTURES_MAGICK_PIXELS_H
 
+#include <vector>
+
+#include "common/color.h"
 #include "common/dib_image.h"
 #include "pictures/magick_session.h"
 
@@ -10,13 +13,27 @@ namespace modules {
 // Whether the rows of the image can be stored as indexes of `depth` bits.
 bool FitsPalette(const Image& image, int depth);
 
-// Fills palette and rows of a DIB of the same measures. To 32 bits the fourth byte is the opacity;
-// otherwise transparent parts show white. Depths to 8 ask for FitsPalette. Module code.
-int CopyFromMagick(const Image& image, const Pixels& target, MagickProgress& progress);
+// The colours of the image's palette.
+std::vector<RGBQUAD> PaletteOf(const Image& image);
+
+// Copies the line of an image to a bitmap's row. To 32 bits the fourth byte is the opacity;
+// otherwise transparent parts show white. Depths to 8 ask for FitsPalette.
+class MagickLines {
+ public:
+  MagickLines(const Image& image, int depth)
+      : image_(image), depth_(depth), colors_(image.columns), indexes_(image.columns) {}
+  void copy(long line, std::uint8_t* row);
+
+ private:
+  const Image& image_;
+  int depth_;
+  std::vector<Color> colors_;
+  std::vector<std::uint8_t> indexes_;
+};
 
 // Gives an image that has no pixels yet those of a DIB: with a palette for depths to 8; with
-// opacity for 32 bits when withAlpha. Module code.
-int CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress);
+// opacity for 32 bits when withAlpha.
+void CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress);
 
 }  // namespace modules
 

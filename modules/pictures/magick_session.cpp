@@ -67,18 +67,18 @@ bool Start() {
   return true;
 }
 
-// Starts the library, once for the process, and runs calls into it. False when either fails.
+// Starts the library, once for the process, and runs calls into it. What fails is memory.
 template <class Calls>
-[[nodiscard]] bool CallMagick(MagickProgress* progress, const Calls& calls) {
+void CallMagick(MagickProgress* progress, const Calls& calls) {
   static const bool started = Start();
-  if (!started) return false;
+  Require(started, kModuleNoMemory);
   std::jmp_buf jump;
   fatalExit = &jump;
   callProgress = progress;
   const bool finished = Attempt(jump, calls);
   fatalExit = nullptr;
   callProgress = nullptr;
-  return finished;
+  Require(finished, kModuleNoMemory);
 }
 
 }  // namespace
@@ -116,7 +116,7 @@ bool MagickProgress::report(bool firstHalf, std::uint64_t done, std::uint64_t to
 
 MagickImageInfo NewMagickInfo(const char* magick) {
   ImageInfo* info = nullptr;
-  if (!CallMagick(nullptr, [&] { info = CloneImageInfo(nullptr); })) return nullptr;
+  CallMagick(nullptr, [&] { info = CloneImageInfo(nullptr); });
   std::string(magick).copy(info->magick, sizeof info->magick - 1);
   // What is in the file does not change the decoder's mind.
   info->affirm = MagickTrue;
@@ -125,40 +125,36 @@ MagickImageInfo NewMagickInfo(const char* magick) {
 
 MagickImage NewMagickImage(const ImageInfo& info) {
   Image* image = nullptr;
-  if (!CallMagick(nullptr, [&] { image = AllocateImage(&info); })) return nullptr;
+  CallMagick(nullptr, [&] { image = AllocateImage(&info); });
   std::copy(std::begin(info.magick), std::end(info.magick), std::begin(image->magick));
   return MagickImage(image);
 }
 
-int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
-                 MagickProgress* progress, MagickImage& image) {
+MagickImage DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
+                         MagickProgress* progress) {
   MagickReport report;
   Image* decoded = nullptr;
   const auto decode = progress == nullptr ? PingBlob : BlobToImage;
-  if (!CallMagick(progress,
-                  [&] { decoded = decode(&info, file.data(), file.size(), report.get()); })) {
-    return kModuleNoMemory;
-  }
-  image.reset(decoded);
-  if (progress != nullptr && progress->stopped()) return kModuleAborted;
-  if (const int code = report.code(); code != kModuleSuccess) return code;
-  if (!image) return kFileFormatDamaged;
-  return progress == nullptr || progress->reportLibrary(1, 1) ? kModuleSuccess : kModuleAborted;
+  CallMagick(progress, [&] { decoded = decode(&info, file.data(), file.size(), report.get()); });
+  MagickImage image(decoded);
+  Require(progress == nullptr || !progress->stopped(), kModuleAborted);
+  Require(report.code() == kModuleSuccess, report.code());
+  Require(image != nullptr, kFileFormatDamaged);
+  Require(progress == nullptr || progress->reportLibrary(1, 1), kModuleAborted);
+  return image;
 }
 
-int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file) {
+void EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file) {
   MagickReport report;
   void* bytes = nullptr;
   std::size_t count = 0;
-  if (!CallMagick(&progress, [&] { bytes = ImageToBlob(&info, &image, &count, report.get()); })) {
-    return kModuleNoMemory;
-  }
+  CallMagick(&progress, [&] { bytes = ImageToBlob(&info, &image, &count, report.get()); });
   const bool written = bytes != nullptr && std::fwrite(bytes, 1, count, file) == count;
   MagickFree(bytes);
-  if (progress.stopped()) return kModuleAborted;
-  if (report.code() == kModuleNoMemory) return kModuleNoMemory;
-  if (!written || report.code() != kModuleSuccess) return kModuleWriteFailed;
-  return progress.reportLibrary(1, 1) ? kModuleSuccess : kModuleAborted;
+  Require(!progress.stopped(), kModuleAborted);
+  Require(report.code() != kModuleNoMemory, kModuleNoMemory);
+  Require(written && report.code() == kModuleSuccess, kModuleWriteFailed);
+  Require(progress.reportLibrary(1, 1), kModuleAborted);
 }
 
 }  // namespace modules

@@ -10,6 +10,7 @@
 #include <memory>
 #include <span>
 
+#include "common/guard.h"
 #include "common/status.h"
 
 namespace modules {
@@ -45,7 +46,7 @@ class MagickProgress {
  public:
   // The library's part lies above or below the rows' part.
   enum class Order : std::uint8_t { kLibraryFirst, kRowsFirst };
-  explicit MagickProgress(Order order) : order_(order) {}
+  MagickProgress(Order order, Report listener) : order_(order), progress_(2 * kHalf, listener) {}
 
   // False when the callback asks to stop; it is not asked again.
   bool reportLibrary(std::uint64_t done, std::uint64_t total);
@@ -53,25 +54,24 @@ class MagickProgress {
   [[nodiscard]] bool stopped() const { return stopped_; }
 
  private:
+  static constexpr std::uint64_t kHalf = 100;
   bool report(bool firstHalf, std::uint64_t done, std::uint64_t total);
 
   Order order_;
   bool stopped_ = false;
-  Progress progress_{2 * kHalf};
-  static constexpr std::uint64_t kHalf = 100;
+  Progress progress_;
 };
 
 // Options of one call, for a format by the library's name; starts the library when it is the first.
-// Empty when it cannot start.
 MagickImageInfo NewMagickInfo(const char* magick);
-// An image without pixels for the format of the options; empty when out of memory.
+// An image without pixels for the format of the options.
 MagickImage NewMagickImage(const ImageInfo& info);
 
-// The first image of a file in memory, without its pixels when progress is null. Module code.
-int DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
-                 MagickProgress* progress, MagickImage& image);
-// Writes the bytes of a file that holds the image. Module code.
-int EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file);
+// The images of a file in memory, without their pixels when progress is null.
+MagickImage DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> file,
+                         MagickProgress* progress);
+// Writes the bytes of a file that holds the image.
+void EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress, std::FILE* file);
 
 }  // namespace modules
 

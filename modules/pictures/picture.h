@@ -1,58 +1,109 @@
-// An image as a file describes it, and its way into a file information or a bitmap.
+// A page of a picture file: what it is, and its rows. All readers of files give pages in this form,
+// for bitmaps as for documents.
 #ifndef MODULES_PICTURES_PICTURE_H
 #define MODULES_PICTURES_PICTURE_H
 
 #include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
 
-#include "binding/module_contract.h"
-#include "common/dib_image.h"
+#include "common/guard.h"
+#include "common/status.h"
 #include "pictures/orientation.h"
 
 namespace modules {
 
-// Measures as stored, before the orientation is applied.
-struct FileImage {
+// Measures and resolution as stored, before the orientation is applied.
+struct Picture {
   int width = 0;
   int height = 0;
-  int depth = 0;  // that the image has when loaded
+  int samples =
+      1;         // of a pixel: 1 tone or index; 3 blue, green, red; 4 alpha too, or the four inks
+  int bits = 8;  // of a sample: 8; of a tone or index also 1, 2, 4 and, high byte first, 16; 5 for
+                 // colours in a pixel of 16 bits
+  bool isGray = false;                // the colours are tones
+  bool hasInks = false;               // cyan, magenta, yellow and black
+  bool reversed = false;              // the highest value shows dark, or no ink
+  bool hasAlpha = false;              // a single sample has it from its palette
+  std::vector<RGBQUAD> palette = {};  // of the indexes; with alpha, that is the fourth byte
+  bool bottomUp = false;              // the lowest row comes first
+  int orientation = kUpright;
+  // 0 when the file does not tell.
   std::int32_t xPixelsPerMetre = 0;
   std::int32_t yPixelsPerMetre = 0;
-  int orientation = kUpright;
+  // Pixels in each direction on a length of its own that no unit tells; 0 for none.
+  double xDensity = 0;
+  double yDensity = 0;
+  int format = 0;  // a FileFormat
+  const char* compression = "none";
+
+  [[nodiscard]] std::size_t rowBytes() const;
+  // Of a bitmap that takes the picture.
+  [[nodiscard]] int depth() const;
 };
+
+// A stretch of the file that documents can hold as it is.
+struct CodedStretch {
+  enum class Coding : std::uint8_t {
+    kJpeg,
+    kJpegOfRgb,  // the components are red, green and blue themselves
+    kFax,        // group 4, highest bit first
+  };
+  Coding coding{};
+  std::uint64_t start = 0;  // in bytes, as is the length
+  std::uint64_t bytes = 0;
+};
+
+// Reads one file, in this order: goTo, start, then each row once. Failures throw, as a rule a
+// ModuleError.
+class PictureReader {
+ public:
+  // Touches no file yet. path outlives the reader; a null report is told nothing.
+  PictureReader(const char* path, Report report) : path_(path), report_(report) {}
+  virtual ~PictureReader() = default;
+  PictureReader(const PictureReader&) = delete;
+  PictureReader& operator=(const PictureReader&) = delete;
+
+  // Reads what stands before the rows of a page, counted from 1. False when there is no such page.
+  virtual bool goTo(int page) = 0;
+  [[nodiscard]] const Picture& picture() const { return picture_; }
+  // Counts the pages. No row can be read afterwards.
+  virtual int pageCount() { return 1; }
+  // Lets the picture shrink as long as it stays at least this large as stored.
+  virtual void shrinkTo(int /*width*/, int /*height*/) {}
+
+  // Makes ready for the rows. Refuses pictures that the file is too short to hold.
+  virtual void start() = 0;
+  // Fills in the next row: rowBytes, and up to three bytes more.
+  // The report stops it with kModuleAborted.
+  virtual void readRow(std::uint8_t* row) = 0;
+  // Whether the rows read hold none that was made up for want of sound data.
+  [[nodiscard]] virtual bool isWhole() const { return true; }
+  [[nodiscard]] virtual std::optional<CodedStretch> codedStretch() const { return std::nullopt; }
+
+ protected:
+  // Progress of the work that start begins, in steps of any kind.
+  void expectSteps(std::uint64_t steps) { progress_ = Progress(steps, report_); }
+  void endStep() { Require(progress_.report(++step_), kModuleAborted); }
+
+  const char* path_;
+  Report report_;
+  Picture picture_;
+
+ private:
+  Progress progress_{1, nullptr};
+  std::uint64_t step_ = 0;
+};
+using ReaderHandle = std::unique_ptr<PictureReader>;
 
 // Pixels per metre, rounded; 0 for what no header can hold.
 std::int32_t PixelsPerMetreOf(double dots, double metres);
 
-// Describes a page of one-page kinds, upright; sizeOnDisk stays.
-void DescribeImage(const FileImage& image, int format, const char* compression, LTFILEINFO& info);
-
-// An empty image with these measures, not yet turned upright; empty when out of memory.
-OwnedBlock BlockFor(const FileImage& image);
-
-// Turns a painted block upright and hands it to the bitmap. Module code.
-int HandOver(OwnedBlock block, const FileImage& image, struct_LEAD_Bitmap& bitmap);
-
-// Makes the image, lets paint (Pixels to module code) fill its rows and hands it to the bitmap,
-// which holds nothing unless all went well.
-template <class Paint>
-int LoadImage(const FileImage& image, struct_LEAD_Bitmap& bitmap, const Paint& paint) {
-  OwnedBlock block = BlockFor(image);
-  {
-    const LockedDib locked(block.get());
-    if (!locked) return kModuleNoMemory;
-    if (const int code = paint(*locked); code != kModuleSuccess) return code;
-  }
-  return HandOver(std::move(block), image, bitmap);
+// A tone of 16 bits, rounded to nearest.
+constexpr std::uint8_t Narrowed16(std::uint32_t tone) {
+  return static_cast<std::uint8_t>((tone * 255 + 32767) / 65535);
 }
-
-// The stored row that shows line y, counted from the top.
-inline std::uint8_t* LineFromTop(const Pixels& image, int y) {
-  return image.row(image.height - 1 - y);
-}
-
-// Spreads 2-bit values over 4-bit ones, multiplied by `factor`. May work in place. Writes whole
-// bytes: an even number of them for every four values begun.
-void WidenTwoBits(const std::uint8_t* values, int count, int factor, std::uint8_t* out);
 
 }  // namespace modules
 

@@ -1,136 +1,136 @@
-#include <cstring>
+#include <algorithm>
 
-#include "common/status.h"
+#include "pictures/codecs.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
 #include "pictures/library_calls.h"
-#include "pictures/png_codec.h"
+#include "pictures/png_session.h"
 
 namespace modules {
 namespace {
 
-constexpr std::uint64_t kMostDeflateRatio = 1032;
-
-class PngReader {
+class PngReader : public PictureReader {
  public:
-  PngReader()
-      : png_(png_create_read_struct(PNG_LIBPNG_VER_STRING, &jump_, OnPngError, OnPngWarning)),
+  PngReader(const char* path, Report report)
+      : PictureReader(path, report),
+        png_(png_create_read_struct(PNG_LIBPNG_VER_STRING, &jump_, OnPngError, OnPngWarning)),
         info_(png_ == nullptr ? nullptr : png_create_info_struct(png_)) {}
-  ~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
-  PngReader(const PngReader&) = delete;
-  PngReader& operator=(const PngReader&) = delete;
+  ~PngReader() override { png_destroy_read_struct(&png_, &info_, nullptr); }
 
-  // Reads what stands before the pixels and decides what the image becomes. Module code.
-  int open(const char* path, int page) {
-    if (page != 1) return kModuleBadParameter;
-    if (info_ == nullptr) return kModuleNoMemory;
-    file_ = OpenFile(path, "rb");
-    if (!file_) return kModuleFileNotOpened;
-    fileBytes_ = FileSize(path);
-    return attempt([this] {
-      constexpr png_uint_32 kMostChunks = 1000;
-      constexpr png_alloc_size_t kMostChunkBytes = png_alloc_size_t{16} << 20;
-      png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-      png_set_chunk_cache_max(png_, kMostChunks);
-      png_set_chunk_malloc_max(png_, kMostChunkBytes);
+  bool goTo(int page) override {
+    if (page != 1) return false;
+    Require(info_ != nullptr, kModuleNoMemory);
+    file_ = OpenToRead(path_);
+    run([this] {
+      LimitPng(png_);
       png_init_io(png_, file_.get());
       png_read_info(png_, info_);
-      describe();
     });
+    describe();
+    return true;
   }
 
-  [[nodiscard]] const FileImage& image() const { return image_; }
-  [[nodiscard]] bool isPlausible() const {
-    return IsPlausible(
-        std::uint64_t{png_get_rowbytes(png_, info_)} * static_cast<std::uint64_t>(image_.height),
-        fileBytes_, kMostDeflateRatio);
-  }
-
-  int read(const Pixels& image) {
-    fillPalette(image);
-    bool stopped = false;
-    const int code = attempt([&, this] {
-      const int passes = png_set_interlace_handling(png_);
+  void start() override {
+    constexpr std::uint64_t kMostDeflateRatio = 1032;
+    const auto height = static_cast<std::uint64_t>(picture_.height);
+    Require(IsPlausible(std::uint64_t{png_get_rowbytes(png_, info_)} * height, FileSize(path_),
+                        kMostDeflateRatio),
+            kModuleReadFailed);
+    int passes = 1;
+    run([&, this] {
       transform();
+      passes = png_set_interlace_handling(png_);
       png_read_update_info(png_, info_);
-      Progress progress(static_cast<std::uint64_t>(passes) *
-                        static_cast<std::uint64_t>(image.height));
-      std::uint64_t done = 0;
-      for (int pass = 0; pass < passes && !stopped; ++pass) {
-        for (int y = 0; y < image.height && !stopped; ++y) {
-          png_read_row(png_, LineFromTop(image, y), nullptr);
-          stopped = !progress.report(++done);
-        }
-      }
     });
-    if (stopped) return kModuleAborted;
-    if (code == kModuleSuccess && bits_ == 2 && image.depth == 4) widenRows(image);
-    return code;
+    expectSteps(height * static_cast<std::uint64_t>(passes));
+    if (passes > 1) readAllBut(passes - 1);
+  }
+
+  // Of an interlaced picture the last pass fills in the row that earlier ones began.
+  void readRow(std::uint8_t* row) override {
+    if (!interlaced_.empty()) {
+      std::copy_n(interlaced_.data() + rowBytes_ * nextRow_++, rowBytes_, row);
+    }
+    run([this, row] { png_read_row(png_, row, nullptr); });
+    endStep();
   }
 
  private:
   template <class Calls>
-  int attempt(const Calls& calls) {
-    if (Attempt(jump_, calls)) return kModuleSuccess;
-    return std::feof(file_.get()) != 0 ? kModuleReadFailed : kFileFormatDamaged;
+  void run(const Calls& calls) {
+    if (Attempt(jump_, calls)) return;
+    throw ModuleError{std::feof(file_.get()) != 0 ? kModuleReadFailed : kFileFormatDamaged};
   }
 
   void describe() {
-    image_.width = static_cast<int>(png_get_image_width(png_, info_));
-    image_.height = static_cast<int>(png_get_image_height(png_, info_));
-    bits_ = png_get_bit_depth(png_, info_);
-    color_ = png_get_color_type(png_, info_);
-    const bool transparent = png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
-    if ((color_ & PNG_COLOR_MASK_ALPHA) != 0 || transparent) {
-      image_.depth = 32;
-    } else if (color_ == PNG_COLOR_TYPE_RGB) {
-      image_.depth = 24;
-    } else {
-      image_.depth = bits_ == 2 ? 4 : bits_ < 8 ? bits_ : 8;
+    picture_.format = kFormatPng;
+    picture_.compression = "deflate";
+    picture_.width = static_cast<int>(png_get_image_width(png_, info_));
+    picture_.height = static_cast<int>(png_get_image_height(png_, info_));
+    const int color = png_get_color_type(png_, info_);
+    picture_.hasAlpha =
+        (color & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+    picture_.isGray = (color & PNG_COLOR_MASK_COLOR) == 0;
+    if (color == PNG_COLOR_TYPE_PALETTE) {
+      takePalette();
+    } else if (picture_.hasAlpha || !picture_.isGray) {
+      picture_.samples = picture_.hasAlpha ? 4 : 3;
     }
-    png_uint_32 x = 0;
-    png_uint_32 y = 0;
-    int unit = PNG_RESOLUTION_UNKNOWN;
-    if (png_get_pHYs(png_, info_, &x, &y, &unit) != 0 && unit == PNG_RESOLUTION_METER) {
-      image_.xPixelsPerMetre = PixelsPerMetreOf(x, 1);
-      image_.yPixelsPerMetre = PixelsPerMetreOf(y, 1);
-    }
+    if (picture_.samples == 1) picture_.bits = png_get_bit_depth(png_, info_);
+    takeResolution();
     png_uint_32 exifBytes = 0;
     png_bytep exif = nullptr;
     if (png_get_eXIf_1(png_, info_, &exifBytes, &exif) != 0) {
-      image_.orientation = ReadExif({exif, exifBytes}).orientation;
+      picture_.orientation = ReadExif({exif, exifBytes}).orientation;
     }
   }
 
-  // Asks the library for rows as the image has them.
+  void takeResolution() {
+    png_uint_32 x = 0;
+    png_uint_32 y = 0;
+    int unit = PNG_RESOLUTION_UNKNOWN;
+    if (png_get_pHYs(png_, info_, &x, &y, &unit) == 0) return;
+    if (unit == PNG_RESOLUTION_METER) {
+      picture_.xPixelsPerMetre = PixelsPerMetreOf(x, 1);
+      picture_.yPixelsPerMetre = PixelsPerMetreOf(y, 1);
+    } else {
+      picture_.xDensity = x;
+      picture_.yDensity = y;
+    }
+  }
+
+  void takePalette() {
+    png_colorp colors = nullptr;
+    int count = 0;
+    (void)png_get_PLTE(png_, info_, &colors, &count);
+    png_bytep alphas = nullptr;
+    int alphaCount = 0;
+    (void)png_get_tRNS(png_, info_, &alphas, &alphaCount, nullptr);
+    for (int i = 0; i < count; ++i) {
+      std::uint8_t fourth = 0;
+      if (picture_.hasAlpha) fourth = i < alphaCount ? alphas[i] : 255;
+      picture_.palette.push_back({colors[i].blue, colors[i].green, colors[i].red, fourth});
+    }
+  }
+
+  // Indexes and plain tones stay as they are; all else becomes colours of 8 bits, blue first.
   void transform() {
+    if (picture_.samples == 1) return;
     png_set_scale_16(png_);
-    if (image_.depth <= 8) return;
     png_set_expand(png_);
     png_set_gray_to_rgb(png_);
     png_set_bgr(png_);
   }
 
-  // A gray of 2 bits becomes every fifth of the 16 grays of 4 bits.
-  void widenRows(const Pixels& image) const {
-    constexpr int kGrayStep = 5;
-    const int factor = color_ == PNG_COLOR_TYPE_PALETTE ? 1 : kGrayStep;
-    for (int y = 0; y < image.height; ++y) {
-      WidenTwoBits(image.row(y), image.width, factor, image.row(y));
-    }
-  }
-
-  void fillPalette(const Pixels& image) const {
-    if (image.palette == nullptr) return;
-    if (color_ != PNG_COLOR_TYPE_PALETTE) {
-      FillGrayPalette(image);
-      return;
-    }
-    png_colorp entries = nullptr;
-    int count = 0;
-    (void)png_get_PLTE(png_, info_, &entries, &count);
-    for (int i = 0; i < count && i < image.paletteSize(); ++i) {
-      image.palette[i] = RGBQUAD{entries[i].blue, entries[i].green, entries[i].red, 0};
+  // An interlaced picture has no whole row before its last pass.
+  void readAllBut(int passes) {
+    rowBytes_ = png_get_rowbytes(png_, info_);
+    interlaced_.resize(rowBytes_ * static_cast<std::size_t>(picture_.height));
+    for (int pass = 0; pass < passes; ++pass) {
+      for (std::size_t y = 0; y < static_cast<std::size_t>(picture_.height); ++y) {
+        run([this, y] { png_read_row(png_, interlaced_.data() + y * rowBytes_, nullptr); });
+        endStep();
+      }
     }
   }
 
@@ -138,33 +138,20 @@ class PngReader {
   png_structp png_;
   png_infop info_;
   FileHandle file_;
-  std::uint64_t fileBytes_ = 0;
-  FileImage image_;
-  int bits_ = 0;   // of a sample in the file
-  int color_ = 0;  // colour type of the file
+  std::vector<std::uint8_t> interlaced_;  // all rows, for interlaced files only
+  std::size_t rowBytes_ = 0;
+  std::size_t nextRow_ = 0;
 };
 
 }  // namespace
 
-void OnPngError(png_structp png, png_const_charp /*message*/) {
-  std::longjmp(*static_cast<std::jmp_buf*>(png_get_error_ptr(png)), 1);
+bool IsPng(Head head) {
+  constexpr std::size_t kMarkBytes = 8;
+  return head.size() >= kMarkBytes && png_sig_cmp(head.data(), 0, kMarkBytes) == 0;
 }
 
-void OnPngWarning(png_structp /*png*/, png_const_charp /*message*/) {}
-
-int DescribePng(const char* path, int page, LTFILEINFO& info) {
-  PngReader reader;
-  const int code = reader.open(path, page);
-  if (code == kModuleSuccess) DescribeImage(reader.image(), kFormatPng, "deflate", info);
-  return code;
-}
-
-int LoadPng(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
-  PngReader reader;
-  if (const int code = reader.open(path, page); code != kModuleSuccess) return code;
-  if (!reader.isPlausible()) return kModuleReadFailed;
-  return LoadImage(reader.image(), bitmap,
-                   [&](const Pixels& pixels) { return reader.read(pixels); });
+ReaderHandle OpenPng(const char* path, Report report) {
+  return std::make_unique<PngReader>(path, report);
 }
 
 }  // namespace modules

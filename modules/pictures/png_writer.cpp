@@ -1,23 +1,16 @@
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <memory>
+#include <vector>
 
 #include "common/color_rows.h"
-#include "common/status.h"
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
 #include "pictures/library_calls.h"
 #include "pictures/pixel_kinds.h"
-#include "pictures/png_codec.h"
+#include "pictures/png_session.h"
 
 namespace modules {
 namespace {
-
-bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
-  constexpr std::size_t kMarkBytes = 8;
-  return head.size() >= kMarkBytes && png_sig_cmp(head.data(), 0, kMarkBytes) == 0;
-}
 
 class PngWriter {
  public:
@@ -28,16 +21,10 @@ class PngWriter {
   PngWriter(const PngWriter&) = delete;
   PngWriter& operator=(const PngWriter&) = delete;
 
-  int write(std::FILE* file, const LockedDib& image) {
-    if (info_ == nullptr) return kModuleNoMemory;
+  void write(std::FILE* file, const LockedDib& image, Report report) {
+    Require(info_ != nullptr, kModuleNoMemory);
     const int colorType = colorTypeOf(*image);
-    std::unique_ptr<Color[]> colors;
-    if (image->depth == 16) {
-      colors = std::make_unique<Color[]>(static_cast<std::size_t>(image->width));
-    }
-    Color* const scratch = colors.get();
-    bool stopped = false;
-    const bool written = Attempt(jump_, [&, this] {
+    run([&, this] {
       png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
       png_init_io(png_, file);
       describe(image, colorType);
@@ -46,14 +33,17 @@ class PngWriter {
       if (image->depth == 32 && colorType == PNG_COLOR_TYPE_RGB) {
         png_set_filler(png_, 0, PNG_FILLER_AFTER);
       }
-      stopped = !writeRows(*image, scratch);
-      if (!stopped) png_write_end(png_, nullptr);
     });
-    if (stopped) return kModuleAborted;
-    return written ? kModuleSuccess : kModuleWriteFailed;
+    writeRows(*image, report);
+    run([this] { png_write_end(png_, nullptr); });
   }
 
  private:
+  template <class Calls>
+  void run(const Calls& calls) {
+    Require(Attempt(jump_, calls), kModuleWriteFailed);
+  }
+
   static int colorTypeOf(const Pixels& image) {
     if (image.depth <= 8) {
       return HasGrayRamp(image) ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_PALETTE;
@@ -82,19 +72,18 @@ class PngWriter {
     }
   }
 
-  // False when the status callback asks to stop.
-  bool writeRows(const Pixels& image, Color* scratch) {
-    Progress progress(static_cast<std::uint64_t>(image.height));
+  void writeRows(const Pixels& image, Report report) {
+    Progress progress(static_cast<std::uint64_t>(image.height), report);
+    std::vector<Color> colors(image.depth == 16 ? static_cast<std::size_t>(image.width) : 0);
     for (int y = image.height - 1; y >= 0; --y) {
       const std::uint8_t* row = image.row(y);
-      if (scratch != nullptr) {
-        ReadColors(image, y, scratch);
-        row = reinterpret_cast<const std::uint8_t*>(scratch);
+      if (!colors.empty()) {
+        ReadColors(image, y, colors.data());
+        row = reinterpret_cast<const std::uint8_t*>(colors.data());
       }
-      png_write_row(png_, row);
-      if (!progress.report(static_cast<std::uint64_t>(image.height - y))) return false;
+      run([this, row] { png_write_row(png_, row); });
+      Require(progress.report(static_cast<std::uint64_t>(image.height - y)), kModuleAborted);
     }
-    return true;
   }
 
   std::jmp_buf jump_{};
@@ -102,19 +91,10 @@ class PngWriter {
   png_infop info_;
 };
 
-constexpr std::array<int, 1> kFormats{kFormatPng};
-
 }  // namespace
 
-// 16 bits are written as 24; PNG has no such depth.
-int SavePng(const SaveRequest& request, const LockedDib& image) {
-  FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kModuleFileNotOpened;
-  const int code = PngWriter().write(file.get(), image);
-  if (code != kModuleSuccess) return code;
-  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
+void SavePng(const SaveRequest& request, const LockedDib& image) {
+  WriteFile(request.path, [&](std::FILE* file) { PngWriter().write(file, image, request.report); });
 }
-
-const Codec kPngCodec{Recognises, DescribePng, LoadPng, kFormats, SavePng};
 
 }  // namespace modules

@@ -14,8 +14,6 @@
 #include <span>
 #include <vector>
 
-#include "pictures/formats.h"
-
 namespace modules {
 
 enum class PsdMode : std::uint16_t {
@@ -36,10 +34,6 @@ constexpr std::size_t kPsdResolutionBytes = 16;  // 16.16 dots per inch at 0 and
 constexpr std::size_t kPsdHeaderBytes = 26;
 constexpr std::size_t kPsdPaletteBytes = 768;
 constexpr int kPsdMostSide = 30000;
-
-int DescribePsd(const char* path, int page, LTFILEINFO& info);
-int LoadPsd(const char* path, int page, struct_LEAD_Bitmap& bitmap);
-int SavePsd(const SaveRequest& request, const LockedDib& image);
 
 // Runs of the kind named PackBits: a count byte n, then n + 1 bytes as they are for 0..127, or one
 // byte that stands for 257 - n for 129..255; 128 means nothing.

@@ -1,8 +1,8 @@
 #include <algorithm>
+#include <cstdio>
 
-#include "common/status.h"
+#include "pictures/codecs.h"
 #include "pictures/file_handle.h"
-#include "pictures/picture.h"
 #include "pictures/psd.h"
 
 namespace modules {
@@ -15,36 +15,8 @@ std::uint32_t Big32(const std::uint8_t* bytes) {
   return Big16(bytes) << 16 | Big16(bytes + 2);
 }
 
-struct PsdHeader {
-  FileImage image;
-  PsdMode mode{};
-  int channels = 0;      // in the file
-  int usedChannels = 0;  // that make the picture; what follows is transparency and masks
-  int bits = 0;          // of a sample
-  PsdCompression compression{};
-  std::array<std::uint8_t, kPsdPaletteBytes> palette{};
-
-  [[nodiscard]] std::size_t rowBytes() const {
-    return (static_cast<std::size_t>(image.width) * static_cast<std::size_t>(bits) + 7) / 8;
-  }
-};
-
-bool Read(std::FILE* file, std::span<std::uint8_t> bytes) {
-  return std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size();
-}
-
-bool ReadNumber(std::FILE* file, std::uint32_t& number) {
-  std::array<std::uint8_t, 4> bytes{};
-  if (!Read(file, bytes)) return false;
-  number = Big32(bytes.data());
-  return true;
-}
-
-bool Skip(std::FILE* file, std::uint32_t bytes) {
-  return std::fseek(file, static_cast<long>(bytes), SEEK_CUR) == 0;
-}
-
-// Channels that make a picture of this mode; 0 for modes and sample sizes that are not read.
+// Channels that make a picture of this mode, what follows is transparency and masks; 0 for modes
+// and sample sizes that are not read.
 int ChannelsOf(PsdMode mode, int bits) {
   if (mode == PsdMode::kBitmap) return bits == 1 ? 1 : 0;
   if (mode == PsdMode::kIndexed) return bits == 8 ? 1 : 0;
@@ -62,188 +34,210 @@ int ChannelsOf(PsdMode mode, int bits) {
   }
 }
 
-int ReadMeasures(std::FILE* file, PsdHeader& header) {
-  constexpr unsigned kMostChannels = 56;
-  std::array<std::uint8_t, kPsdHeaderBytes> bytes{};
-  if (!Read(file, bytes)) return kModuleReadFailed;
-  const unsigned channels = Big16(&bytes[12]);
-  const std::uint32_t height = Big32(&bytes[14]);
-  const std::uint32_t width = Big32(&bytes[18]);
-  const bool fits = channels >= 1 && channels <= kMostChannels && width >= 1 &&
-                    width <= kPsdMostSide && height >= 1 && height <= kPsdMostSide;
-  if (!fits) return kFileFormatDamaged;
-
-  header.channels = static_cast<int>(channels);
-  header.bits = static_cast<int>(Big16(&bytes[22]));
-  header.mode = static_cast<PsdMode>(Big16(&bytes[24]));
-  header.usedChannels = ChannelsOf(header.mode, header.bits);
-  if (header.usedChannels == 0) return kFileFormatNotRead;
-  if (header.usedChannels > header.channels) return kFileFormatDamaged;
-  header.image.width = static_cast<int>(width);
-  header.image.height = static_cast<int>(height);
-  header.image.depth = std::min(8, header.bits);
-  if (header.usedChannels > 1) header.image.depth = 24;
-  return kModuleSuccess;
+// Rounded to nearest, in place.
+void NarrowTo8(std::span<std::uint8_t> row) {
+  for (std::size_t i = 0; 2 * i + 1 < row.size(); ++i) row[i] = Narrowed16(Big16(&row[2 * i]));
 }
 
-bool ReadPalette(std::FILE* file, PsdHeader& header) {
-  std::uint32_t length = 0;
-  if (!ReadNumber(file, length)) return false;
-  if (header.mode != PsdMode::kIndexed) return Skip(file, length);
-  return length >= kPsdPaletteBytes && Read(file, header.palette) &&
-         Skip(file, length - static_cast<std::uint32_t>(kPsdPaletteBytes));
-}
+class PsdReader : public PictureReader {
+ public:
+  using PictureReader::PictureReader;
 
-// Stands at a resource and moves past it. Names and contents are padded to even lengths.
-bool ReadResource(std::FILE* file, FileImage& image) {
-  std::array<std::uint8_t, 7> start{};  // mark, number, length of the name
-  std::uint32_t length = 0;
-  if (!Read(file, start) || !Skip(file, start[6] | 1U) || !ReadNumber(file, length)) return false;
-  if (!std::equal(kPsdResourceMark.begin(), kPsdResourceMark.end(), start.begin())) return false;
-  if (Big16(&start[4]) == kPsdResolutionResource && length == kPsdResolutionBytes) {
-    constexpr double kFixedOne = 65536;
-    std::array<std::uint8_t, kPsdResolutionBytes> resolution{};
-    if (!Read(file, resolution)) return false;
-    image.xPixelsPerMetre =
-        PixelsPerMetreOf(Big32(resolution.data()) / kFixedOne, orvo::kMetresPerInch);
-    image.yPixelsPerMetre =
-        PixelsPerMetreOf(Big32(&resolution[8]) / kFixedOne, orvo::kMetresPerInch);
+  bool goTo(int page) override {
+    if (page != 1) return false;
+    file_ = OpenToRead(path_);
+    readMeasures();
+    readPalette();
+    readResources();
+    skip(readNumber());  // layers
+    std::array<std::uint8_t, 2> compression{};
+    read(compression);
+    compression_ = static_cast<PsdCompression>(Big16(compression.data()));
+    Require(compression_ == PsdCompression::kNone || hasRuns(), kFileFormatNotRead);
+    picture_.format = kFormatPsd;
+    if (hasRuns()) picture_.compression = "RLE";
     return true;
   }
-  return Skip(file, length + length % 2);
-}
 
-// A resource that makes no sense ends the list; the picture behind it may still be whole.
-bool ReadResources(std::FILE* file, PsdHeader& header) {
-  std::uint32_t length = 0;
-  if (!ReadNumber(file, length)) return false;
-  const long end = std::ftell(file) + static_cast<long>(length);
-  while (std::ftell(file) < end && ReadResource(file, header.image)) {
-  }
-  return std::fseek(file, end, SEEK_SET) == 0;
-}
-
-// Opens a file and leaves it at the picture's rows.
-int Open(const char* path, int page, FileHandle& file, PsdHeader& header) {
-  if (page != 1) return kModuleBadParameter;
-  file = OpenFile(path, "rb");
-  if (!file) return kModuleFileNotOpened;
-  if (const int code = ReadMeasures(file.get(), header); code != kModuleSuccess) return code;
-  std::uint32_t layerBytes = 0;
-  std::array<std::uint8_t, 2> compression{};
-  const bool complete = ReadPalette(file.get(), header) && ReadResources(file.get(), header) &&
-                        ReadNumber(file.get(), layerBytes) && Skip(file.get(), layerBytes) &&
-                        Read(file.get(), compression);
-  if (!complete) return kModuleReadFailed;
-  header.compression = static_cast<PsdCompression>(Big16(compression.data()));
-  const bool known =
-      header.compression == PsdCompression::kNone || header.compression == PsdCompression::kRuns;
-  return known ? kModuleSuccess : kFileFormatNotRead;
-}
-
-// Gives the rows of the picture's channels in the order of the file.
-class RowReader {
- public:
-  RowReader(std::FILE* file, const PsdHeader& header)
-      : file_(file), hasRuns_(header.compression == PsdCompression::kRuns) {
-    if (!hasRuns_) return;
-    counts_.resize(2 * static_cast<std::size_t>(header.channels * header.image.height));
-    hasCounts_ = Read(file, counts_);
+  void start() override {
+    constexpr std::uint64_t kMostRunRatio = 64;
+    const auto layout = orvo::DibLayoutFor(picture_.width, picture_.height, picture_.depth());
+    Require(
+        layout && IsPlausible(layout->totalBytes, FileSize(path_), hasRuns() ? kMostRunRatio : 1),
+        kModuleReadFailed);
+    findChannels();
+    expectSteps(static_cast<std::uint64_t>(picture_.height));
   }
 
-  int read(std::span<std::uint8_t> row) {
-    if (!hasRuns_) return Read(file_, row) ? kModuleSuccess : kModuleReadFailed;
-    if (!hasCounts_) return kModuleReadFailed;
-    runs_.resize(Big16(&counts_[next_]));
-    next_ += 2;
-    if (!Read(file_, runs_)) return kModuleReadFailed;
-    return UnpackRuns(runs_, row) ? kModuleSuccess : kFileFormatDamaged;
+  // Takes the row from each channel: they lie one behind the other in the file.
+  void readRow(std::uint8_t* row) override {
+    for (std::size_t channel = 0; channel < channelStarts_.size(); ++channel) {
+      readSamples(channel);
+      if (bits_ == 16) NarrowTo8(samples_);
+      storeChannel(channel, row);
+    }
+    ++nextRow_;
+    endStep();
   }
 
  private:
-  std::FILE* file_;
-  bool hasRuns_;
-  bool hasCounts_ = false;
-  std::vector<std::uint8_t> counts_;  // bytes of each row's runs, big-endian
-  std::size_t next_ = 0;
-  std::vector<std::uint8_t> runs_;
-};
+  [[nodiscard]] bool hasRuns() const { return compression_ == PsdCompression::kRuns; }
 
-// Rounded to nearest.
-void NarrowTo8(std::span<std::uint8_t> row) {
-  for (std::size_t i = 0; 2 * i + 1 < row.size(); ++i) {
-    row[i] = static_cast<std::uint8_t>((Big16(&row[2 * i]) * 255 + 32767) / 65535);
+  bool tryRead(std::span<std::uint8_t> bytes) {
+    return std::fread(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
   }
-}
+  void read(std::span<std::uint8_t> bytes) { Require(tryRead(bytes), kModuleReadFailed); }
+  std::uint32_t readNumber() {
+    std::array<std::uint8_t, 4> bytes{};
+    read(bytes);
+    return Big32(bytes.data());
+  }
+  void skip(std::uint32_t bytes) {
+    Require(std::fseek(file_.get(), static_cast<long>(bytes), SEEK_CUR) == 0, kModuleReadFailed);
+  }
+  void seek(long offset) {
+    Require(std::fseek(file_.get(), offset, SEEK_SET) == 0, kModuleReadFailed);
+  }
 
-// Stores one channel's samples of a line. Red, green and blue fill a pixel from its end; cyan,
-// magenta and yellow, 255 where there is no ink, are their tones before black darkens all three.
-void StoreChannel(const std::uint8_t* samples, int channel, const Pixels& image,
-                  std::uint8_t* line) {
-  if (image.depth <= 8) {
-    std::copy_n(samples, image.rowBytes(), line);
-  } else if (channel < 3) {
-    for (int x = 0; x < image.width; ++x) line[3 * x + 2 - channel] = samples[x];
-  } else {
-    for (int i = 0; i < 3 * image.width; ++i) {
-      line[i] = static_cast<std::uint8_t>((line[i] * samples[i / 3] + 127) / 255);
+  void readMeasures() {
+    constexpr unsigned kMostChannels = 56;
+    std::array<std::uint8_t, kPsdHeaderBytes> bytes{};
+    read(bytes);
+    const unsigned channels = Big16(&bytes[12]);
+    const std::uint32_t height = Big32(&bytes[14]);
+    const std::uint32_t width = Big32(&bytes[18]);
+    Require(channels >= 1 && channels <= kMostChannels && width >= 1 && width <= kPsdMostSide &&
+                height >= 1 && height <= kPsdMostSide,
+            kFileFormatDamaged);
+    bits_ = static_cast<int>(Big16(&bytes[22]));
+    mode_ = static_cast<PsdMode>(Big16(&bytes[24]));
+    const int used = ChannelsOf(mode_, bits_);
+    Require(used > 0, kFileFormatNotRead);
+    Require(used <= static_cast<int>(channels), kFileFormatDamaged);
+    channels_ = channels;
+    channelStarts_.resize(static_cast<std::size_t>(used));
+    picture_.width = static_cast<int>(width);
+    picture_.height = static_cast<int>(height);
+    picture_.samples = used == 1 ? 1 : 3;
+    picture_.bits = std::min(8, bits_);
+    picture_.reversed = mode_ == PsdMode::kBitmap;
+  }
+
+  void readPalette() {
+    const std::uint32_t length = readNumber();
+    if (mode_ != PsdMode::kIndexed) return skip(length);
+    std::array<std::uint8_t, kPsdPaletteBytes> tones{};
+    Require(length >= tones.size(), kModuleReadFailed);
+    read(tones);
+    skip(length - static_cast<std::uint32_t>(tones.size()));
+    constexpr std::size_t kEntries = kPsdPaletteBytes / 3;
+    for (std::size_t i = 0; i < kEntries; ++i) {
+      picture_.palette.push_back({tones[2 * kEntries + i], tones[kEntries + i], tones[i], 0});
     }
   }
-}
 
-void FillPalette(const PsdHeader& header, const Pixels& image) {
-  if (image.palette == nullptr) return;
-  FillGrayPalette(image);
-  if (header.mode == PsdMode::kBitmap) std::swap(image.palette[0], image.palette[1]);
-  if (header.mode != PsdMode::kIndexed) return;
-  for (std::size_t i = 0; i < 256; ++i) {
-    image.palette[i] =
-        RGBQUAD{header.palette[512 + i], header.palette[256 + i], header.palette[i], 0};
+  // A resource that makes no sense ends the list; the picture behind it may still be whole.
+  void readResources() {
+    const std::uint32_t length = readNumber();
+    const long end = std::ftell(file_.get()) + static_cast<long>(length);
+    while (std::ftell(file_.get()) < end && readResource()) {
+    }
+    seek(end);
   }
-}
 
-int ReadPicture(std::FILE* file, const PsdHeader& header, const Pixels& image) {
-  FillPalette(header, image);
-  const int rows = header.usedChannels * image.height;
-  Progress progress(static_cast<std::uint64_t>(rows));
-  RowReader reader(file, header);
-  std::vector<std::uint8_t> row(header.rowBytes());
-  for (int i = 0; i < rows; ++i) {
-    if (const int code = reader.read(row); code != kModuleSuccess) return code;
-    if (header.bits == 16) NarrowTo8(row);
-    StoreChannel(row.data(), i / image.height, image, LineFromTop(image, i % image.height));
-    if (!progress.report(static_cast<std::uint64_t>(i) + 1)) return kModuleAborted;
+  // Stands at a resource and moves past it. Names and contents are padded to even lengths.
+  bool readResource() {
+    constexpr std::size_t kNameBytesAt = 6;
+    std::array<std::uint8_t, 7> start{};  // mark, number, length of the name
+    std::array<std::uint8_t, 4> lengthBytes{};
+    if (!tryRead(start)) return false;
+    skip(start[kNameBytesAt] | 1U);
+    if (!tryRead(lengthBytes) ||
+        !std::equal(kPsdResourceMark.begin(), kPsdResourceMark.end(), start.begin())) {
+      return false;
+    }
+    const std::uint32_t length = Big32(lengthBytes.data());
+    if (Big16(&start[4]) != kPsdResolutionResource || length != kPsdResolutionBytes) {
+      skip(length + length % 2);
+      return true;
+    }
+    constexpr double kFixedOne = 65536;
+    std::array<std::uint8_t, kPsdResolutionBytes> resolution{};
+    if (!tryRead(resolution)) return false;
+    picture_.xPixelsPerMetre =
+        PixelsPerMetreOf(Big32(resolution.data()) / kFixedOne, orvo::kMetresPerInch);
+    picture_.yPixelsPerMetre =
+        PixelsPerMetreOf(Big32(&resolution[8]) / kFixedOne, orvo::kMetresPerInch);
+    return true;
   }
-  return kModuleSuccess;
-}
 
-// Whether the file is long enough for the picture that it claims.
-bool HoldsPicture(const char* path, const PsdHeader& header) {
-  constexpr std::uint64_t kMostRunRatio = 64;
-  const FileImage& image = header.image;
-  const auto layout = orvo::DibLayoutFor(image.width, image.height, image.depth);
-  const bool hasRuns = header.compression == PsdCompression::kRuns;
-  return layout && IsPlausible(layout->totalBytes, FileSize(path), hasRuns ? kMostRunRatio : 1);
-}
+  // Where the rows of each channel begin, by the table of their lengths when they are runs.
+  void findChannels() {
+    const auto height = static_cast<std::size_t>(picture_.height);
+    samples_.resize(
+        (static_cast<std::size_t>(picture_.width) * static_cast<std::size_t>(bits_) + 7) / 8);
+    if (hasRuns()) {
+      counts_.resize(2 * channels_ * height);
+      read(counts_);
+    }
+    long at = std::ftell(file_.get());
+    for (std::size_t channel = 0; channel < channelStarts_.size(); ++channel) {
+      channelStarts_[channel] = at;
+      for (std::size_t y = 0; y < height; ++y) at += static_cast<long>(codedBytes(channel, y));
+    }
+  }
+
+  [[nodiscard]] std::size_t codedBytes(std::size_t channel, std::size_t y) const {
+    if (!hasRuns()) return samples_.size();
+    return Big16(&counts_[2 * (channel * static_cast<std::size_t>(picture_.height) + y)]);
+  }
+
+  void readSamples(std::size_t channel) {
+    const std::size_t bytes = codedBytes(channel, nextRow_);
+    if (channelStarts_.size() > 1) seek(channelStarts_[channel]);
+    channelStarts_[channel] += static_cast<long>(bytes);
+    if (!hasRuns()) return read(samples_);
+    runs_.resize(bytes);
+    read(runs_);
+    Require(UnpackRuns(runs_, samples_), kFileFormatDamaged);
+  }
+
+  // Red, green and blue fill a pixel from its end; cyan, magenta and yellow, 255 where there is no
+  // ink, are their tones before black darkens all three.
+  void storeChannel(std::size_t channel, std::uint8_t* row) const {
+    const auto width = static_cast<std::size_t>(picture_.width);
+    if (picture_.samples == 1) {
+      std::copy_n(samples_.begin(), picture_.rowBytes(), row);
+    } else if (channel < 3) {
+      for (std::size_t x = 0; x < width; ++x) row[3 * x + 2 - channel] = samples_[x];
+    } else {
+      for (std::size_t i = 0; i < 3 * width; ++i) {
+        row[i] = static_cast<std::uint8_t>((row[i] * samples_[i / 3] + 127) / 255);
+      }
+    }
+  }
+
+  FileHandle file_;
+  PsdMode mode_{};
+  PsdCompression compression_{};
+  std::size_t channels_ = 0;           // in the file
+  int bits_ = 0;                       // of a sample in the file
+  std::vector<long> channelStarts_;    // of the next row of each channel that makes the picture
+  std::vector<std::uint8_t> counts_;   // bytes of each row's runs, big-endian
+  std::vector<std::uint8_t> runs_;     // of the row at work
+  std::vector<std::uint8_t> samples_;  // of one channel in the row at work
+  std::size_t nextRow_ = 0;
+};
 
 }  // namespace
 
-int DescribePsd(const char* path, int page, LTFILEINFO& info) {
-  FileHandle file;
-  PsdHeader header;
-  if (const int code = Open(path, page, file, header); code != kModuleSuccess) return code;
-  const bool hasRuns = header.compression == PsdCompression::kRuns;
-  DescribeImage(header.image, kFormatPsd, hasRuns ? "RLE" : "none", info);
-  return kModuleSuccess;
+bool IsPsd(Head head) {
+  return head.size() >= kPsdHeaderBytes &&
+         std::equal(kPsdMark.begin(), kPsdMark.end(), head.begin());
 }
 
-int LoadPsd(const char* path, int page, struct_LEAD_Bitmap& bitmap) {
-  FileHandle file;
-  PsdHeader header;
-  if (const int code = Open(path, page, file, header); code != kModuleSuccess) return code;
-  if (!HoldsPicture(path, header)) return kModuleReadFailed;
-  return LoadImage(header.image, bitmap,
-                   [&](const Pixels& image) { return ReadPicture(file.get(), header, image); });
+ReaderHandle OpenPsd(const char* path, Report report) {
+  return std::make_unique<PsdReader>(path, report);
 }
 
 }  // namespace modules

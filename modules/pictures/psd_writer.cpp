@@ -3,7 +3,6 @@
 
 #include "common/color.h"
 #include "common/color_rows.h"
-#include "common/status.h"
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
 #include "pictures/index_rows.h"
@@ -11,11 +10,6 @@
 
 namespace modules {
 namespace {
-
-bool Recognises(std::span<const std::uint8_t> head, const char* /*extension*/) {
-  return head.size() >= kPsdHeaderBytes &&
-         std::equal(kPsdMark.begin(), kPsdMark.end(), head.begin());
-}
 
 using Buffer = std::vector<std::uint8_t>;
 
@@ -136,16 +130,16 @@ class Samples {
   std::vector<Color> colors_;
 };
 
-bool Write(std::FILE* file, const Buffer& bytes) {
-  return std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+void Write(std::FILE* file, const Buffer& bytes) {
+  Require(std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size(), kModuleWriteFailed);
 }
 
 // The table of row lengths stands before the rows, so it is written twice: empty, then filled.
-int WritePicture(std::FILE* file, const Pixels& image, PsdMode mode, int channels) {
+void WritePicture(std::FILE* file, const Pixels& image, PsdMode mode, int channels, Report report) {
   const int rows = channels * image.height;
-  Progress progress(static_cast<std::uint64_t>(rows));
+  Progress progress(static_cast<std::uint64_t>(rows), report);
   const long tableAt = std::ftell(file);
-  if (!Write(file, Buffer(2 * static_cast<std::size_t>(rows)))) return kModuleWriteFailed;
+  Write(file, Buffer(2 * static_cast<std::size_t>(rows)));
   Samples samples(image, mode);
   Buffer counts;
   Buffer runs;
@@ -153,35 +147,23 @@ int WritePicture(std::FILE* file, const Pixels& image, PsdMode mode, int channel
     runs.clear();
     PackRuns(samples.of(i / image.height, image.height - 1 - i % image.height), runs);
     Add16(counts, static_cast<unsigned>(runs.size()));
-    if (!Write(file, runs)) return kModuleWriteFailed;
-    if (!progress.report(static_cast<std::uint64_t>(i) + 1)) return kModuleAborted;
+    Write(file, runs);
+    Require(progress.report(static_cast<std::uint64_t>(i) + 1), kModuleAborted);
   }
-  const bool written = std::fseek(file, tableAt, SEEK_SET) == 0 && Write(file, counts);
-  return written ? kModuleSuccess : kModuleWriteFailed;
+  Require(std::fseek(file, tableAt, SEEK_SET) == 0, kModuleWriteFailed);
+  Write(file, counts);
 }
-
-constexpr std::array<int, 1> kFormats{kFormatPsd};
 
 }  // namespace
 
-int SavePsd(const SaveRequest& request, const LockedDib& image) {
-  if (std::max(image->width, image->height) > kPsdMostSide) return kFileFormatNotWritten;
-  FileHandle file = OpenFile(request.path, "wb");
-  if (!file) return kModuleFileNotOpened;
+void SavePsd(const SaveRequest& request, const LockedDib& image) {
+  Require(std::max(image->width, image->height) <= kPsdMostSide, kFileFormatNotWritten);
   const PsdMode mode = ModeFor(*image);
   const int channels = mode == PsdMode::kRgb ? 3 : 1;
-  if (!Write(file.get(), StartOf(image, mode, static_cast<unsigned>(channels)))) {
-    return kModuleWriteFailed;
-  }
-  const int code = WritePicture(file.get(), *image, mode, channels);
-  if (code != kModuleSuccess) return code;
-  return CloseWritten(std::move(file)) ? kModuleSuccess : kModuleWriteFailed;
+  WriteFile(request.path, [&](std::FILE* file) {
+    Write(file, StartOf(image, mode, static_cast<unsigned>(channels)));
+    WritePicture(file, *image, mode, channels, request.report);
+  });
 }
-
-const Codec kPsdCodec{.recognises = Recognises,
-                      .describe = DescribePsd,
-                      .load = LoadPsd,
-                      .formats = kFormats,
-                      .save = SavePsd};
 
 }  // namespace modules

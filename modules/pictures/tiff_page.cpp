@@ -7,7 +7,7 @@ namespace {
 
 int OnError(TIFF* /*tiff*/, void* faults, const char* /*module*/, const char* /*format*/,
             va_list /*arguments*/) {
-  if (faults != nullptr) ++*static_cast<int*>(faults);
+  ++*static_cast<int*>(faults);
   return 1;  // dealt with: nothing is printed
 }
 
@@ -27,17 +27,21 @@ bool IsFax(std::uint16_t compression) {
          compression == COMPRESSION_CCITTFAX3 || compression == COMPRESSION_CCITTFAX4;
 }
 
-void ReadResolution(TIFF* tiff, FileImage& image) {
+void ReadResolution(TIFF* tiff, Picture& picture) {
   const std::uint16_t unit = Tag16(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-  if (unit != RESUNIT_INCH && unit != RESUNIT_CENTIMETER) return;
-  const double metres = unit == RESUNIT_INCH ? orvo::kMetresPerInch : 0.01;
-  float x = 0;
-  float y = 0;
-  if (TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &x) != 0) {
-    image.xPixelsPerMetre = PixelsPerMetreOf(static_cast<double>(x), metres);
-  }
-  if (TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &y) != 0) {
-    image.yPixelsPerMetre = PixelsPerMetreOf(static_cast<double>(y), metres);
+  float tagX = 0;
+  float tagY = 0;
+  (void)TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &tagX);
+  (void)TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &tagY);
+  const auto x = static_cast<double>(tagX);
+  const auto y = static_cast<double>(tagY);
+  if (unit == RESUNIT_NONE) {
+    picture.xDensity = x;
+    picture.yDensity = y;
+  } else if (unit == RESUNIT_INCH || unit == RESUNIT_CENTIMETER) {
+    const double metres = unit == RESUNIT_INCH ? orvo::kMetresPerInch : 0.01;
+    picture.xPixelsPerMetre = PixelsPerMetreOf(x, metres);
+    picture.yPixelsPerMetre = PixelsPerMetreOf(y, metres);
   }
 }
 
@@ -71,12 +75,13 @@ TiffPage::Kind KindOf(TIFF* tiff, TiffPage& page) {
       page.whiteIsZero = true;
       [[fallthrough]];
     case PHOTOMETRIC_MINISBLACK:
-      if (page.samples == 1 && page.bits < 8 && IsWholeByteOrLess(page.bits)) return Kind::kIndexes;
+      if (page.samples == 1 && page.bits < 8 && IsWholeByteOrLess(page.bits))
+        return Kind::kAsStored;
       return page.samples >= 2 && hasAlpha ? Kind::kGrayAlpha : Kind::kGray;
     case PHOTOMETRIC_PALETTE:
       if (page.samples != 1 || !IsWholeByteOrLess(page.bits)) return Kind::kByLibrary;
       page.hasPalette = true;
-      return Kind::kIndexes;
+      return Kind::kAsStored;
     case PHOTOMETRIC_YCBCR:
       // The JPEG decoder inside the library knows the way to RGB.
       if (page.compression != COMPRESSION_JPEG || page.planar || page.samples != 3 ||
@@ -96,35 +101,70 @@ TiffPage::Kind KindOf(TIFF* tiff, TiffPage& page) {
   }
 }
 
-int DepthOf(const TiffPage& page) {
+// What the rows become.
+void DescribeRows(TiffPage& page) {
+  using Kind = TiffPage::Kind;
+  Picture& picture = page.picture;
+  picture.isGray = page.kind == Kind::kGray || page.kind == Kind::kGrayAlpha;
   switch (page.kind) {
-    case TiffPage::Kind::kIndexes:
-      return page.bits == 2 ? 4 : page.bits;
-    case TiffPage::Kind::kGray:
-      return 8;
-    case TiffPage::Kind::kGrayAlpha:
-    case TiffPage::Kind::kRgba:
-      return 32;
+    case Kind::kAsStored:
+      picture.bits = page.bits;
+      picture.reversed = page.whiteIsZero;
+      break;
+    case Kind::kGray:
+      break;
+    case Kind::kGrayAlpha:
+    case Kind::kRgba:
+      picture.hasAlpha = true;
+      picture.samples = 4;
+      break;
     default:
-      return 24;
+      picture.samples = 3;
+  }
+}
+
+const char* CompressionName(std::uint16_t compression) {
+  switch (compression) {
+    case COMPRESSION_NONE:
+      return "none";
+    case COMPRESSION_CCITTRLE:
+    case COMPRESSION_CCITTRLEW:
+    case COMPRESSION_CCITTFAX3:
+      return "CCITT G3";
+    case COMPRESSION_CCITTFAX4:
+      return "CCITT G4";
+    case COMPRESSION_LZW:
+      return "LZW";
+    case COMPRESSION_OJPEG:
+    case COMPRESSION_JPEG:
+      return "JPEG";
+    case COMPRESSION_ADOBE_DEFLATE:
+    case COMPRESSION_DEFLATE:
+      return "deflate";
+    case COMPRESSION_PACKBITS:
+      return "PackBits";
+    default: {
+      const TIFFCodec* const codec = TIFFFindCODEC(compression);
+      return codec == nullptr ? "unknown" : codec->name;
+    }
   }
 }
 
 // A fax row that repeats the one above takes a bit, however wide it is.
 std::uint64_t MostRatioOf(const TiffPage& page) {
   constexpr std::uint64_t kMostDictionaryRatio = 4096;
-  return IsFax(page.compression) ? static_cast<std::uint64_t>(page.image.width)
+  return IsFax(page.compression) ? static_cast<std::uint64_t>(page.picture.width)
                                  : kMostDictionaryRatio;
 }
 
 }  // namespace
 
-TiffHandle OpenTiff(const char* path, const char* mode, int* faults) {
+TiffHandle OpenTiffFile(const char* path, const char* mode, int& faults) {
   constexpr tmsize_t kMostAllocation = tmsize_t{1} << 30;
   TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
   if (options == nullptr) return nullptr;
   TIFFOpenOptionsSetMaxSingleMemAlloc(options, kMostAllocation);
-  TIFFOpenOptionsSetErrorHandlerExtR(options, OnError, faults);
+  TIFFOpenOptionsSetErrorHandlerExtR(options, OnError, &faults);
   TIFFOpenOptionsSetWarningHandlerExtR(options, OnWarning, nullptr);
   TiffHandle tiff(TIFFOpenExt(path, mode, options));
   TIFFOpenOptionsFree(options);
@@ -137,36 +177,37 @@ int FollowPages(TIFF* tiff, int most) {
   return pages;
 }
 
-int ReadTiffPage(TIFF* tiff, TiffPage& page) {
+TiffPage ReadTiffPage(TIFF* tiff) {
   constexpr int kMostBits = 16;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
-  if (TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width) == 0 ||
-      TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height) == 0 || width == 0 || height == 0 ||
-      width > INT_MAX || height > INT_MAX) {
-    return kFileFormatDamaged;
-  }
-  page.image.width = static_cast<int>(width);
-  page.image.height = static_cast<int>(height);
+  (void)TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
+  (void)TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height);
+  Require(width > 0 && height > 0 && width <= INT_MAX && height <= INT_MAX, kFileFormatDamaged);
+  TiffPage page;
+  Picture& picture = page.picture;
+  picture.width = static_cast<int>(width);
+  picture.height = static_cast<int>(height);
   page.compression = Tag16(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-  if (TIFFIsCODECConfigured(page.compression) == 0) return kFileFormatNotRead;
+  Require(TIFFIsCODECConfigured(page.compression) != 0, kFileFormatNotRead);
+  picture.format = page.compression == COMPRESSION_NONE ? kFormatTiff : kFormatTiffCompressed;
+  picture.compression = CompressionName(page.compression);
   page.bits = Tag16(tiff, TIFFTAG_BITSPERSAMPLE, 1);
   page.samples = Tag16(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
   page.planar = page.samples > 1 &&
                 Tag16(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_SEPARATE;
   page.mostRatio = MostRatioOf(page);
-  page.image.orientation = OrientationOf(Tag16(tiff, TIFFTAG_ORIENTATION, kUpright));
-  ReadResolution(tiff, page.image);
+  picture.orientation = OrientationOf(Tag16(tiff, TIFFTAG_ORIENTATION, kUpright));
+  ReadResolution(tiff, picture);
 
   page.kind = KindOf(tiff, page);
   const std::uint16_t format = Tag16(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
   const bool isPlainNumber = format == SAMPLEFORMAT_UINT || format == SAMPLEFORMAT_VOID;
-  if (page.kind != TiffPage::Kind::kByLibrary &&
-      (page.bits < 1 || page.bits > kMostBits || page.samples < 1 || !isPlainNumber)) {
-    return kModuleDepthNotSupported;
-  }
-  page.image.depth = DepthOf(page);
-  return kModuleSuccess;
+  Require(page.kind == TiffPage::Kind::kByLibrary ||
+              (page.bits >= 1 && page.bits <= kMostBits && page.samples >= 1 && isPlainNumber),
+          kModuleDepthNotSupported);
+  DescribeRows(page);
+  return page;
 }
 
 }  // namespace modules

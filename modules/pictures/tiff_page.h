@@ -16,15 +16,16 @@ struct TiffCloser {
 };
 using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
 
-// Opens with the library silent and no single allocation above a gibibyte. When `faults` is not
-// null it stays valid as long as the file and counts the errors that the library meets.
-TiffHandle OpenTiff(const char* path, const char* mode, int* faults = nullptr);
+// Opens with the library silent and no single allocation above a gibibyte; never mapped, since a
+// file that shrinks under a mapping kills the process. `faults` stays valid as long as the file and
+// counts the errors that the library meets. Null when it cannot be opened.
+TiffHandle OpenTiffFile(const char* path, const char* mode, int& faults);
 
 struct TiffPage {
   // How samples become pixels.
   enum class Kind {
-    kIndexes,  // rows as they are, of 1, 2, 4 or 8 bits: palettes, and gray below 8 bits
-    kGray,     // one tone, more samples left out
+    kAsStored,  // rows of 1, 2, 4 or 8 bits: indexes, and gray below 8 bits
+    kGray,      // one tone, more samples left out
     kGrayAlpha,
     kRgb,  // more samples left out
     kRgba,
@@ -32,10 +33,10 @@ struct TiffPage {
     kByLibrary,  // anything else: the library's own conversion
   };
 
-  FileImage image;
+  Picture picture;  // palette left out
   Kind kind = Kind::kByLibrary;
-  int bits = 0;         // of a sample, 1 to 16
-  int samples = 0;      // of a pixel
+  int bits = 0;         // of a sample in the file, 1 to 16
+  int samples = 0;      // of a pixel in the file
   bool planar = false;  // a plane for each sample
   bool whiteIsZero = false;
   bool premultiplied = false;  // colours are multiplied by the alpha
@@ -50,8 +51,8 @@ struct TiffPage {
 constexpr int kMostTiffPages = 65535;
 int FollowPages(TIFF* tiff, int most = kMostTiffPages);
 
-// Reads the tags of the directory at which the file stands. Module code.
-int ReadTiffPage(TIFF* tiff, TiffPage& page);
+// Reads the tags of the directory at which the file stands.
+TiffPage ReadTiffPage(TIFF* tiff);
 
 }  // namespace modules
 

@@ -6,8 +6,6 @@
 namespace modules {
 namespace {
 
-constexpr std::uint32_t kMost16 = 0xFFFF;
-
 std::uint8_t ByteOf(std::uint32_t value, std::uint32_t most) {
   return static_cast<std::uint8_t>((value * 255 + most / 2) / most);
 }
@@ -23,7 +21,7 @@ const std::uint8_t* TiffRows::bytesOf(const std::uint8_t* packed, std::size_t sa
     for (std::size_t i = 0; i < samples; ++i) {
       std::uint16_t value = 0;  // in this machine's byte order
       std::memcpy(&value, packed + 2 * i, sizeof value);
-      out[i] = ByteOf(value, kMost16);
+      out[i] = Narrowed16(value);
     }
     return out.data();
   }
@@ -52,20 +50,6 @@ const std::uint8_t* TiffRows::samplesOf(const std::uint8_t* const* planes, std::
   return samples_.data();
 }
 
-// Tiles of indexes begin at a multiple of 16 pixels, so always with a whole byte.
-void TiffRows::storeIndexes(const std::uint8_t* packed, int left, int count,
-                            std::uint8_t* row) const {
-  const auto start = static_cast<std::size_t>(left);
-  const auto pixels = static_cast<std::size_t>(count);
-  if (page_.bits == 2) {
-    constexpr int kGrayStep = 5;  // a gray of 2 bits is every fifth of the 16 grays of 4 bits
-    WidenTwoBits(packed, count, page_.hasPalette ? 1 : kGrayStep, row + start / 2);
-    return;
-  }
-  const auto bits = static_cast<std::size_t>(page_.bits);
-  std::memcpy(row + start * bits / 8, packed, (pixels * bits + 7) / 8);
-}
-
 std::uint8_t TiffRows::plainTone(std::uint8_t tone, std::uint8_t alpha) const {
   if (!page_.premultiplied || alpha == 0 || alpha == 255) return tone;
   return static_cast<std::uint8_t>(std::min((tone * 255 + alpha / 2) / alpha, 255));
@@ -73,13 +57,18 @@ std::uint8_t TiffRows::plainTone(std::uint8_t tone, std::uint8_t alpha) const {
 
 void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std::uint8_t* row) {
   using Kind = TiffPage::Kind;
-  if (page_.kind == Kind::kIndexes) return storeIndexes(planes[0], left, count, row);
+  const auto start = static_cast<std::size_t>(left);
   const auto pixels = static_cast<std::size_t>(count);
+  if (page_.kind == Kind::kAsStored) {
+    // Tiles begin at a multiple of 16 pixels, so always with a whole byte.
+    const auto bits = static_cast<std::size_t>(page_.bits);
+    std::memcpy(row + start * bits / 8, planes[0], (pixels * bits + 7) / 8);
+    return;
+  }
   const auto step = static_cast<std::size_t>(page_.samples);
   const std::uint8_t* from = samplesOf(planes, pixels);
   const std::uint8_t* const end = from + pixels * step;
-  std::uint8_t* out =
-      row + static_cast<std::size_t>(left) * (static_cast<std::size_t>(page_.image.depth) / 8);
+  std::uint8_t* out = row + start * static_cast<std::size_t>(page_.picture.samples);
   switch (page_.kind) {
     case Kind::kGray:
       if (step == 1 && !page_.whiteIsZero) {

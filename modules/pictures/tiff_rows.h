@@ -23,7 +23,6 @@ class TiffRows {
   const std::uint8_t* bytesOf(const std::uint8_t* packed, std::size_t samples,
                               std::vector<std::uint8_t>& out) const;
   const std::uint8_t* samplesOf(const std::uint8_t* const* planes, std::size_t count);
-  void storeIndexes(const std::uint8_t* packed, int left, int count, std::uint8_t* row) const;
   [[nodiscard]] std::uint8_t toneOf(std::uint8_t sample) const {
     return page_.whiteIsZero ? static_cast<std::uint8_t>(255 - sample) : sample;
   }

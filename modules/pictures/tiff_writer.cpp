@@ -4,10 +4,9 @@
 
 #include "common/color.h"
 #include "common/color_rows.h"
-#include "common/status.h"
-#include "pictures/file_handle.h"
+#include "pictures/codecs.h"
 #include "pictures/pixel_kinds.h"
-#include "pictures/tiff_codec.h"
+#include "pictures/tiff_page.h"
 
 namespace modules {
 namespace {
@@ -61,7 +60,7 @@ Form FormFor(const Pixels& image, bool compressed) {
   return form;
 }
 
-bool SetPalette(TIFF* tiff, const Pixels& image) {
+void SetPalette(TIFF* tiff, const Pixels& image) {
   constexpr std::uint16_t kByteTo16 = 257;
   std::array<std::array<std::uint16_t, 256>, 3> tones{};
   for (int i = 0; i < image.paletteSize(); ++i) {
@@ -70,8 +69,9 @@ bool SetPalette(TIFF* tiff, const Pixels& image) {
     tones[1][entry] = static_cast<std::uint16_t>(image.palette[i].rgbGreen * kByteTo16);
     tones[2][entry] = static_cast<std::uint16_t>(image.palette[i].rgbBlue * kByteTo16);
   }
-  return TIFFSetField(tiff, TIFFTAG_COLORMAP, tones[0].data(), tones[1].data(), tones[2].data()) !=
-         0;
+  Require(
+      TIFFSetField(tiff, TIFFTAG_COLORMAP, tones[0].data(), tones[1].data(), tones[2].data()) != 0,
+      kFileFormatNotWritten);
 }
 
 // In whole dots per inch, as people count, where that gives the same pixels per metre again; else
@@ -93,27 +93,27 @@ void SetResolution(TIFF* tiff, const BITMAPINFOHEADER& header) {
   TIFFSetField(tiff, TIFFTAG_YRESOLUTION, inches ? orvo::DotsPerInch(y) : y / kCentimetresPerMetre);
 }
 
-bool SetTags(TIFF* tiff, const LockedDib& image, const Form& form) {
-  const auto set = [=](std::uint32_t tag, auto value) {
-    return TIFFSetField(tiff, tag, value) != 0;
+void SetTags(TIFF* tiff, const LockedDib& image, const Form& form) {
+  const auto set = [=](std::uint32_t tag, auto... value) {
+    Require(TIFFSetField(tiff, tag, value...) != 0, kFileFormatNotWritten);
   };
-  bool sound =
-      set(TIFFTAG_IMAGEWIDTH, image->width) && set(TIFFTAG_IMAGELENGTH, image->height) &&
-      set(TIFFTAG_BITSPERSAMPLE, form.bits) && set(TIFFTAG_SAMPLESPERPIXEL, form.samples) &&
-      set(TIFFTAG_PHOTOMETRIC, form.photometric) && set(TIFFTAG_COMPRESSION, form.compression) &&
-      set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
-      set(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) && set(TIFFTAG_ROWSPERSTRIP, form.rowsPerStrip);
-  if (sound && form.samples == 4) {
-    const std::uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
-    sound = TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha) != 0;
-  }
-  if (sound && form.photometric == PHOTOMETRIC_PALETTE) sound = SetPalette(tiff, *image);
+  set(TIFFTAG_IMAGEWIDTH, image->width);
+  set(TIFFTAG_IMAGELENGTH, image->height);
+  set(TIFFTAG_BITSPERSAMPLE, form.bits);
+  set(TIFFTAG_SAMPLESPERPIXEL, form.samples);
+  set(TIFFTAG_PHOTOMETRIC, form.photometric);
+  set(TIFFTAG_COMPRESSION, form.compression);
+  set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  set(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+  set(TIFFTAG_ROWSPERSTRIP, form.rowsPerStrip);
+  constexpr std::uint16_t kAlpha = EXTRASAMPLE_UNASSALPHA;
+  if (form.samples == 4) set(TIFFTAG_EXTRASAMPLES, 1, &kAlpha);
   const bool areTones = form.bits == 8 && form.photometric != PHOTOMETRIC_PALETTE;
-  if (sound && form.compression == COMPRESSION_LZW && areTones) {
-    sound = set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+  if (form.photometric == PHOTOMETRIC_PALETTE) SetPalette(tiff, *image);
+  if (form.compression == COMPRESSION_LZW && areTones) {
+    set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
   }
   SetResolution(tiff, image.header());
-  return sound;
 }
 
 // Pixels of `step` bytes, blue first, as `samples` bytes of them, red first.
@@ -150,51 +150,49 @@ void MakeRow(const Pixels& image, const Form& form, int y, std::uint8_t* out,
                  [=](std::uint8_t byte) { return static_cast<std::uint8_t>(byte ^ flip); });
 }
 
-int WritePage(TIFF* tiff, const LockedDib& locked, bool compressed) {
+void WritePage(TIFF* tiff, const LockedDib& locked, const SaveRequest& request) {
   const Pixels& image = *locked;
-  const Form form = FormFor(image, compressed);
-  if (!SetTags(tiff, locked, form)) return kFileFormatNotWritten;
+  const Form form = FormFor(image, request.format == kFormatTiffCompressed);
+  SetTags(tiff, locked, form);
   std::vector<std::uint8_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)));
   std::vector<Color> colors;
-  Progress progress(static_cast<std::uint64_t>(image.height));
+  Progress progress(static_cast<std::uint64_t>(image.height), request.report);
   for (int line = 0; line < image.height; ++line) {
     MakeRow(image, form, image.height - 1 - line, row.data(), colors);
-    if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(line), 0) != 1) {
-      return kModuleWriteFailed;
-    }
-    if (!progress.report(static_cast<std::uint64_t>(line) + 1)) return kModuleAborted;
+    Require(TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(line), 0) == 1,
+            kModuleWriteFailed);
+    Require(progress.report(static_cast<std::uint64_t>(line) + 1), kModuleAborted);
   }
-  return TIFFWriteDirectory(tiff) != 0 ? kModuleSuccess : kModuleWriteFailed;
+  Require(TIFFWriteDirectory(tiff) != 0, kModuleWriteFailed);
 }
 
 // Whether the chain of pages can be followed to its end, so that one more can be hung there.
-int CheckAppendable(const char* path) {
+void CheckAppendable(const char* path) {
   int faults = 0;
-  const TiffHandle tiff = OpenTiff(path, "rm", &faults);
-  if (!tiff) return kModuleBadFile;
+  const TiffHandle tiff = OpenTiffFile(path, "rm", faults);
+  Require(tiff != nullptr, kModuleBadFile);
   (void)FollowPages(tiff.get());
   // A chain that leads back to an earlier page never reaches its end, which the library would seek.
-  const bool ends = TIFFLastDirectory(tiff.get()) != 0;
-  return ends && faults == 0 ? kModuleSuccess : kFileFormatDamaged;
+  Require(TIFFLastDirectory(tiff.get()) != 0 && faults == 0, kFileFormatDamaged);
 }
 
 }  // namespace
 
-int SaveTiff(const SaveRequest& request, const LockedDib& image) {
+void SaveTiff(const SaveRequest& request, const LockedDib& image) {
   // Beyond this the offsets of the usual form, 32 bits, may not reach.
   constexpr std::size_t kMostPlainBytes = std::size_t{7} << 29;
   const std::size_t bytes = image->stride * static_cast<std::size_t>(image->height);
   const char* mode = bytes > kMostPlainBytes ? "w8" : "w";
   if (request.appendPage) {
-    if (const int code = CheckAppendable(request.path); code != kModuleSuccess) return code;
+    CheckAppendable(request.path);
     mode = "a";
   }
   int faults = 0;
-  TiffHandle tiff = OpenTiff(request.path, mode, &faults);
-  if (!tiff) return kModuleFileNotOpened;
-  const int code = WritePage(tiff.get(), image, request.format == kFormatTiffCompressed);
+  TiffHandle tiff = OpenTiffFile(request.path, mode, faults);
+  Require(tiff != nullptr, kModuleFileNotOpened);
+  WritePage(tiff.get(), image, request);
   tiff.reset();
-  return code == kModuleSuccess && faults > 0 ? static_cast<int>(kModuleWriteFailed) : code;
+  Require(faults == 0, kModuleWriteFailed);
 }
 
 }  // namespace modules

@@ -1,34 +1,19 @@
-#include "pdflib/tiff_bands.h"
+#include "pictures/tiff_bands.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
-#include "pdflib/picture.h"
 #include "pictures/file_handle.h"
 
 namespace modules {
-namespace {
-
-using Kind = TiffPage::Kind;
-
-int DepthOf(const TiffPage& page) {
-  return page.kind == Kind::kIndexes ? page.bits : page.image.depth;
-}
-
-void Check(bool sound) {
-  if (!sound) throw UnreadablePicture("TIFF");
-}
-
-}  // namespace
 
 TiffBands::TiffBands(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes)
     : tiff_(tiff),
       page_(page),
       rows_(page),
-      width_(static_cast<std::uint32_t>(page.image.width)),
-      height_(static_cast<std::uint32_t>(page.image.height)),
-      row_((static_cast<std::size_t>(width_) * static_cast<std::size_t>(DepthOf(page)) + 7) / 8),
+      width_(static_cast<std::uint32_t>(page.picture.width)),
+      height_(static_cast<std::uint32_t>(page.picture.height)),
+      byLibrary_(page.kind == TiffPage::Kind::kByLibrary),
       planes_(page.planar ? static_cast<std::size_t>(page.samples) : 1),
       planeRows_(planes_) {
   measure();
@@ -48,46 +33,37 @@ void TiffBands::measure() {
   }
   const tmsize_t bytes = tiled_ ? TIFFTileSize(tiff_) : TIFFStripSize(tiff_);
   const tmsize_t rowBytes = tiled_ ? TIFFTileRowSize(tiff_) : TIFFScanlineSize(tiff_);
-  Check(bytes > 0 && rowBytes > 0 && partWidth_ > 0 && partHeight_ > 0);
+  Require(bytes > 0 && rowBytes > 0 && partWidth_ > 0 && partHeight_ > 0, kFileFormatDamaged);
   partBytes_ = static_cast<std::size_t>(bytes);
   partRowBytes_ = static_cast<std::size_t>(rowBytes);
   parts_ = (width_ - 1) / partWidth_ + 1;
 }
 
 void TiffBands::checkSize(std::uint64_t fileBytes) const {
-  const bool byLibrary = page_.kind == Kind::kByLibrary;
-  const std::uint64_t bandBytes = byLibrary
+  const std::uint64_t bandBytes = byLibrary_
                                       ? std::uint64_t{width_} * partHeight_ * sizeof(std::uint32_t)
                                       : std::uint64_t{partBytes_} * planes_ * parts_;
-  Check(IsPlausible(bandBytes, fileBytes, page_.mostRatio));
-  if (byLibrary) return;
+  Require(IsPlausible(bandBytes, fileBytes, page_.mostRatio), kFileFormatDamaged);
+  if (byLibrary_) return;
   // Rows must be as long as their samples: the library has its own idea for subsampled colours.
   const std::uint64_t samples =
       std::uint64_t{partWidth_} * static_cast<std::uint64_t>(page_.planar ? 1 : page_.samples);
-  Check(partRowBytes_ == (samples * static_cast<std::uint64_t>(page_.bits) + 7) / 8);
-  // Indexes of several tiles are joined byte by byte.
+  // Tiles of several pixels to a byte are joined byte by byte.
   constexpr std::uint32_t kTileUnit = 16;
-  Check(!tiled_ || partWidth_ % kTileUnit == 0);
+  const bool joins = !tiled_ || page_.kind != TiffPage::Kind::kAsStored;
+  Require(partRowBytes_ == (samples * static_cast<std::uint64_t>(page_.bits) + 7) / 8 &&
+              (joins || partWidth_ % kTileUnit == 0),
+          kFileFormatDamaged);
 }
 
-const std::uint8_t* TiffBands::nextRow() {
-  const bool byLibrary = page_.kind == Kind::kByLibrary;
+void TiffBands::readRow(std::uint8_t* row) {
   if (next_ >= bandTop_ + bandRows_) {
     bandTop_ += bandRows_;
     bandRows_ = std::min(partHeight_, height_ - bandTop_);
-    if (byLibrary) {
-      readBandByLibrary();
-    } else {
-      readBand();
-    }
+    byLibrary_ ? readBandByLibrary() : readBand();
   }
   const std::uint32_t inBand = next_++ - bandTop_;
-  if (byLibrary) {
-    convertRasterRow(inBand);
-  } else {
-    convertRow(inBand);
-  }
-  return row_.data();
+  byLibrary_ ? storeRasterRow(inBand, row) : storeRow(inBand, row);
 }
 
 void TiffBands::readBand() {
@@ -107,24 +83,19 @@ void TiffBands::decode(std::uint32_t left, std::uint8_t* target) {
                                      target, wanted)
                : TIFFReadEncodedStrip(tiff_, TIFFComputeStrip(tiff_, bandTop_, sample), target,
                                       wanted);
-    Check(got >= static_cast<tmsize_t>(partRowBytes_ * bandRows_));
+    Require(got >= static_cast<tmsize_t>(partRowBytes_ * bandRows_), kModuleReadFailed);
   }
 }
 
-void TiffBands::convertRow(std::uint32_t y) {
-  const auto bits = static_cast<std::size_t>(page_.bits);
+void TiffBands::storeRow(std::uint32_t y, std::uint8_t* row) {
   const std::uint8_t* from = band_.data() + y * partRowBytes_;
   for (std::uint32_t left = 0; left < width_; left += std::min(partWidth_, width_ - left)) {
-    const std::uint32_t count = std::min(partWidth_, width_ - left);
     for (const std::uint8_t*& plane : planeRows_) {
       plane = from;
       from += partBytes_;
     }
-    if (page_.kind == Kind::kIndexes) {
-      std::memcpy(row_.data() + left * bits / 8, planeRows_[0], (count * bits + 7) / 8);
-    } else {
-      rows_.store(planeRows_.data(), static_cast<int>(left), static_cast<int>(count), row_.data());
-    }
+    const std::uint32_t count = std::min(partWidth_, width_ - left);
+    rows_.store(planeRows_.data(), static_cast<int>(left), static_cast<int>(count), row);
   }
 }
 
@@ -134,21 +105,23 @@ void TiffBands::readBandByLibrary() {
   std::array<char, 1024> message{};
   TIFFRGBAImage conversion{};
   constexpr int kStopAtErrors = 1;
-  Check(TIFFRGBAImageBegin(&conversion, tiff_, kStopAtErrors, message.data()) != 0);
-  // Rows as stored, top first: the page is turned upright where it is drawn.
+  Require(TIFFRGBAImageBegin(&conversion, tiff_, kStopAtErrors, message.data()) != 0,
+          kFileFormatNotRead);
+  // Rows as stored, top first: the picture is turned upright later, as all are.
   conversion.orientation = conversion.req_orientation = ORIENTATION_TOPLEFT;
   conversion.row_offset = static_cast<int>(bandTop_);
   const int read = TIFFRGBAImageGet(&conversion, raster_.data(), width_, bandRows_);
   TIFFRGBAImageEnd(&conversion);
-  Check(read != 0);
+  Require(read != 0, kModuleReadFailed);
 }
 
-void TiffBands::convertRasterRow(std::uint32_t y) {
+// The alpha is left out.
+void TiffBands::storeRasterRow(std::uint32_t y, std::uint8_t* row) const {
   const std::uint32_t* from = raster_.data() + std::size_t{y} * width_;
-  for (std::size_t i = 0; i + 3 <= row_.size(); i += 3, ++from) {
-    row_[i] = static_cast<std::uint8_t>(TIFFGetB(*from));
-    row_[i + 1] = static_cast<std::uint8_t>(TIFFGetG(*from));
-    row_[i + 2] = static_cast<std::uint8_t>(TIFFGetR(*from));
+  for (std::uint32_t x = 0; x < width_; ++x, ++from) {
+    *row++ = static_cast<std::uint8_t>(TIFFGetB(*from));
+    *row++ = static_cast<std::uint8_t>(TIFFGetG(*from));
+    *row++ = static_cast<std::uint8_t>(TIFFGetR(*from));
   }
 }
 

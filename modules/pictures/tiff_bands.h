@@ -1,22 +1,18 @@
 // The rows of a TIFF page from the top, whatever parts they are stored in.
-#ifndef MODULES_PDFLIB_TIFF_BANDS_H
-#define MODULES_PDFLIB_TIFF_BANDS_H
+#ifndef MODULES_PICTURES_TIFF_BANDS_H
+#define MODULES_PICTURES_TIFF_BANDS_H
 
-#include <vector>
-
-#include "pictures/tiff_page.h"
 #include "pictures/tiff_rows.h"
 
 namespace modules {
 
-// Keeps one band of the page at a time: a strip, or the tiles side by side. Throws
-// UnreadablePicture when the page is damaged.
+// Keeps one band of the page at a time: a strip, or the tiles side by side.
 class TiffBands {
  public:
+  // Refuses a page whose bands the file is too short to hold.
   TiffBands(TIFF* tiff, const TiffPage& page, std::uint64_t fileBytes);
 
-  // The next row: indexes as they are stored, else pixels as in a packed DIB of the page's depth.
-  const std::uint8_t* nextRow();
+  void readRow(std::uint8_t* row);
 
  private:
   void measure();
@@ -24,17 +20,17 @@ class TiffBands {
   void readBand();
   void readBandByLibrary();
   void decode(std::uint32_t left, std::uint8_t* target);
-  void convertRow(std::uint32_t y);
-  void convertRasterRow(std::uint32_t y);
+  void storeRow(std::uint32_t y, std::uint8_t* row);
+  void storeRasterRow(std::uint32_t y, std::uint8_t* row) const;
 
   TIFF* tiff_;
   const TiffPage& page_;
   TiffRows rows_;
   std::uint32_t width_;
   std::uint32_t height_;
-  std::vector<std::uint8_t> row_;
+  bool byLibrary_;
 
-  std::uint32_t next_ = 0;             // row of the page that nextRow() gives
+  std::uint32_t next_ = 0;             // row of the page that readRow gives
   std::uint32_t bandTop_ = 0;          // first row of the band at hand
   std::uint32_t bandRows_ = 0;         // rows at hand
   std::vector<std::uint8_t> band_;     // its decoded parts from left to right, each with all planes
@@ -52,4 +48,4 @@ class TiffBands {
 
 }  // namespace modules
 
-#endif  // MODULES_PDFLIB_TIFF_BANDS_H
+#endif  // MODULES_PICTURES_TIFF_BANDS_H
