@@ -13,7 +13,9 @@ struct ModuleError {
   int code;
 };
 
-inline void Require(bool met, int code) {
+// met: anything that an if takes.
+template <class Condition>
+void Require(const Condition& met, int code) {
   if (!met) throw ModuleError{code};
 }
 

@@ -35,7 +35,7 @@ class OwnBitmap {
 
 void Save(const char* path, struct_LEAD_Bitmap* bitmap, int bits,
           const modules::SaveOptions& options) {
-  Require(bitmap != nullptr, kModuleNoBitmap);
+  Require(bitmap, kModuleNoBitmap);
   if (bits == 0 || bits == bitmap->bitsPerPixel) {
     return modules::WriteImage(path, *bitmap, options);
   }

@@ -28,7 +28,7 @@ std::string ExtensionOf(const std::string& path) {
 }  // namespace
 
 std::string TakePath(const char* path) {
-  Require(path != nullptr, kModuleBadParameter);
+  Require(path, kModuleBadParameter);
   std::string native = platform::NativePath(path);
   Require(!native.empty() && native.size() < MAX_PATH, kModuleFileNotOpened);
   return native;
@@ -43,7 +43,7 @@ const Format& FormatOfFile(const std::string& path) {
   std::array<std::uint8_t, kHeadBytes> bytes{};
   const Head head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get()));
   const Format* const format = FormatThatReads(head, ExtensionOf(path));
-  Require(format != nullptr, kFileFormatNotRead);
+  Require(format, kFileFormatNotRead);
   return *format;
 }
 

@@ -14,12 +14,12 @@ std::string TakePath(const char* path);
 // The format that a file shows to be of by what it holds; path as TakePath gives it.
 const Format& FormatOfFile(const std::string& path);
 
-// Reads the first page into a bitmap that holds nothing. When frame is not null the picture may be
-// shrunk, as long as it stays at least that large.
 struct Size {
   int width;
   int height;
 };
+// Reads the first page into a bitmap that holds nothing. When frame is not null the picture may be
+// shrunk, as long as it stays at least that large.
 void LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame = nullptr);
 
 // Describes a page, counted from 1.

@@ -18,7 +18,7 @@ class TargetFile {
   // Makes the temporary file.
   explicit TargetFile(const std::string& path)
       : target_(followed(path)), temporary_((checkTarget(), target_)) {
-    Require(static_cast<bool>(temporary_), kModuleFileNotOpened);
+    Require(temporary_, kModuleFileNotOpened);
   }
 
   [[nodiscard]] const fs::path& temporary() const { return temporary_.path(); }
@@ -74,9 +74,9 @@ void WriteImage(const char* path, struct_LEAD_Bitmap& bitmap, const SaveOptions&
   // A resolution that was stored in the record is stamped into the image on the way out of it.
   (void)L_ChangeFromDIB(&bitmap, L_ChangeToDIB(&bitmap));
   const LockedDib image(bitmap.block);
-  Require(static_cast<bool>(image), kModuleNoBitmap);
+  Require(image, kModuleNoBitmap);
   const Format* const format = FormatThatWrites(options.format);
-  Require(format != nullptr, kFileFormatNotWritten);
+  Require(format, kFileFormatNotWritten);
 
   TargetFile target(native);
   const bool appends = options.appendPage && target.exists();

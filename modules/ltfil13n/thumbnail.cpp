@@ -83,10 +83,10 @@ void Frame(struct_LEAD_Bitmap& bitmap, Size frame, Color background) {
   OwnedBlock block;
   {
     const LockedDib image(bitmap.block);
-    Require(static_cast<bool>(image), kModuleNoBitmap);
+    Require(image, kModuleNoBitmap);
     block = NewDibLike(image.header(), frame.width, frame.height, image->depth);
     const LockedDib framed(block.get());
-    Require(static_cast<bool>(framed), kModuleNoMemory);
+    Require(framed, kModuleNoMemory);
     if (framed->palette != nullptr) FillGrayPalette(*framed);
     for (int y = 0; y < frame.height; ++y) FillRow(framed->row(y), *framed, background);
     const int left = (frame.width - image->width) / 2;

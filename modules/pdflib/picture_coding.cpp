@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <qpdf/Pl_Flate.hh>
 
-#include "pictures/file_handle.h"
-
 namespace modules {
 namespace {
 
@@ -34,22 +32,6 @@ Spool::Range Deflate(DocumentRows& rows, bool differences, Spool& spool) {
     deflate.write(row.data(), row.size());
   }
   deflate.finish();
-  return spool.rangeSince(start);
-}
-
-Spool::Range CopyStretch(const CodedStretch& stretch, const std::string& path, Spool& spool) {
-  const std::uint64_t start = spool.size();
-  const FileHandle file = OpenToRead(path.c_str());
-  Require(
-      std::fseek(file.get(), static_cast<long>(stretch.start), SEEK_SET) == 0 && stretch.bytes > 0,
-      kModuleReadFailed);
-  std::vector<std::uint8_t> piece(std::size_t{1} << 16);
-  for (std::uint64_t left = stretch.bytes; left > 0;) {
-    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(left, piece.size()));
-    Require(std::fread(piece.data(), 1, count, file.get()) == count, kModuleReadFailed);
-    spool.append(piece.data(), count);
-    left -= count;
-  }
   return spool.rangeSince(start);
 }
 
@@ -96,9 +78,10 @@ CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& 
   DocumentRows rows(reader);
   CodedPicture coded{.picture = picture, .components = rows.components()};
   if (const auto stretch = reader.codedStretch()) {
+    Require(stretch->bytes > 0, kFileFormatDamaged);
     for (int y = 0; y < rows.height(); ++y) (void)rows.next();
     coded.coding = CodingOf(*stretch);
-    coded.data = CopyStretch(*stretch, path, spool);
+    coded.data = spool.take(path, stretch->start, stretch->bytes);
   } else if (picture.bits == 1) {
     coded.coding = Coding::kFax;
     coded.data = EncodeFax(rows, spool);

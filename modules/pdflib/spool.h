@@ -22,10 +22,14 @@ class Spool {
   // Lies in the folder of `neighbour`: a folder for temporary files may be kept in memory.
   explicit Spool(const std::filesystem::path& neighbour);
 
-  // These throw when the disk is full or fails.
+  [[nodiscard]] const std::filesystem::path& path() const { return file_.path(); }
+
+  // These throw when a disk is full or fails.
   void append(const std::uint8_t* bytes, std::size_t count);
   // What was appended since the spool had `start` bytes; it has reached the system.
   [[nodiscard]] Range rangeSince(std::uint64_t start);
+  // Appends a stretch of another file.
+  Range take(const std::filesystem::path& file, std::uint64_t start, std::uint64_t bytes);
   // Writes a stretch in one piece: the document's writer keeps a stream whole, and in pieces its
   // buffer would grow by doubling.
   void copy(const Range& range, Pipeline& target);

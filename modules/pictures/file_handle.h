@@ -22,7 +22,7 @@ inline FileHandle OpenFile(const char* path, const char* mode) {
 }
 inline FileHandle OpenToRead(const char* path) {
   FileHandle file = OpenFile(path, "rb");
-  Require(file != nullptr, kModuleFileNotOpened);
+  Require(file, kModuleFileNotOpened);
   return file;
 }
 
@@ -36,7 +36,7 @@ inline bool CloseWritten(FileHandle file) {
 template <class Write>
 void WriteFile(const char* path, const Write& write) {
   FileHandle file = OpenFile(path, "wb");
-  Require(file != nullptr, kModuleFileNotOpened);
+  Require(file, kModuleFileNotOpened);
   write(file.get());
   Require(CloseWritten(std::move(file)), kModuleWriteFailed);
 }

@@ -135,7 +135,7 @@ OwnedBlock LoadPicture(PictureReader& reader) {
   OwnedBlock block = BlockFor(picture);
   {
     const LockedDib image(block.get());
-    Require(static_cast<bool>(image), kModuleNoMemory);
+    Require(image, kModuleNoMemory);
     FillPalette(picture, *image);
     Rows rows(reader);
     for (int y = 0; y < image->height; ++y) {
@@ -144,7 +144,7 @@ OwnedBlock LoadPicture(PictureReader& reader) {
   }
   if (picture.orientation == kUpright) return block;
   block = TurnedUpright(std::move(block), picture.orientation);
-  Require(static_cast<bool>(block), kModuleNoMemory);
+  Require(block, kModuleNoMemory);
   return block;
 }
 

@@ -121,7 +121,7 @@ void CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProg
   for (int line = 0; line < source.height; ++line) {
     const int y = source.height - 1 - line;
     PixelPacket* const pixels = SetImagePixels(&image, 0, line, image.columns, 1);
-    Require(pixels != nullptr, kModuleNoMemory);
+    Require(pixels, kModuleNoMemory);
     if (source.palette == nullptr) {
       CopyColors(source, y, withAlpha, colors, pixels);
     } else {

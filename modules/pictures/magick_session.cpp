@@ -139,7 +139,7 @@ MagickImage DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> fi
   MagickImage image(decoded);
   Require(progress == nullptr || !progress->stopped(), kModuleAborted);
   Require(report.code() == kModuleSuccess, report.code());
-  Require(image != nullptr, kFileFormatDamaged);
+  Require(image, kFileFormatDamaged);
   Require(progress == nullptr || progress->reportLibrary(1, 1), kModuleAborted);
   return image;
 }

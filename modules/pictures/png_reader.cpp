@@ -19,7 +19,7 @@ class PngReader : public PictureReader {
 
   bool goTo(int page) override {
     if (page != 1) return false;
-    Require(info_ != nullptr, kModuleNoMemory);
+    Require(info_, kModuleNoMemory);
     file_ = OpenToRead(path_);
     run([this] {
       LimitPng(png_);

@@ -22,7 +22,7 @@ class PngWriter {
   PngWriter& operator=(const PngWriter&) = delete;
 
   void write(std::FILE* file, const LockedDib& image, Report report) {
-    Require(info_ != nullptr, kModuleNoMemory);
+    Require(info_, kModuleNoMemory);
     const int colorType = colorTypeOf(*image);
     run([&, this] {
       png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);

@@ -18,7 +18,7 @@ class TiffReader : public PictureReader {
     bands_.reset();
     if (!tiff_ || number <= number_) {
       tiff_ = OpenTiffFile(path_, "rm", faults_);
-      Require(tiff_ != nullptr, kFileFormatDamaged);
+      Require(tiff_, kFileFormatDamaged);
       number_ = 1;
     }
     if (number < 1) return false;

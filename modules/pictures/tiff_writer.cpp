@@ -170,7 +170,7 @@ void WritePage(TIFF* tiff, const LockedDib& locked, const SaveRequest& request) 
 void CheckAppendable(const char* path) {
   int faults = 0;
   const TiffHandle tiff = OpenTiffFile(path, "rm", faults);
-  Require(tiff != nullptr, kModuleBadFile);
+  Require(tiff, kModuleBadFile);
   (void)FollowPages(tiff.get());
   // A chain that leads back to an earlier page never reaches its end, which the library would seek.
   Require(TIFFLastDirectory(tiff.get()) != 0 && faults == 0, kFileFormatDamaged);
@@ -189,7 +189,7 @@ void SaveTiff(const SaveRequest& request, const LockedDib& image) {
   }
   int faults = 0;
   TiffHandle tiff = OpenTiffFile(request.path, mode, faults);
-  Require(tiff != nullptr, kModuleFileNotOpened);
+  Require(tiff, kModuleFileNotOpened);
   WritePage(tiff.get(), image, request);
   tiff.reset();
   Require(faults == 0, kModuleWriteFailed);
