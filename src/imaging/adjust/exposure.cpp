@@ -2,10 +2,9 @@
 
 #include <type_traits>
 
-#include "imaging/adjust/tone_map.h"
+#include "imaging/adjust/exposure_curve.h"
 #include "imaging/adjust/window_histogram.h"
 #include "imaging/results.h"
-#include "imaging/vector_clones.h"
 
 namespace orvo {
 
@@ -14,49 +13,12 @@ namespace {
 constexpr std::uint32_t kBorder = 2;
 // The tile that a window decides about lies in its middle.
 constexpr std::uint32_t kCentre = 56;
-constexpr double kFullBlock = 256.0;     // pixels of a tile
-constexpr double kSharePerLevel = 0.05;  // of the way to the equalising curve
+constexpr double kFullBlock = 256.0;  // pixels of a tile
 
 // How much the tones of a block vary: 1/16 when all 256 are one, 1 when all differ, more for blocks
 // that the edge cuts short.
 double VarietyOf(std::uint32_t squaredCounts) {
   return ImgSqrt(kFullBlock / squaredCounts);
-}
-
-// The blend of each tone with the equalising curve of a window.
-template <class Tone>
-ORVO_ALWAYS_INLINE void Fill(const WindowHistogram& window, double level, double variety,
-                             ToneMap<Tone>& map) {
-  const double scale = 256.0 / window.pixels();
-  // Running sums of quarters, side by side, since each count waits for the one before.
-  constexpr int kPart = kToneCount / 4;
-  std::int32_t reached[kToneCount];
-  std::int32_t sums[4] = {};
-  for (int i = 0; i < kPart; ++i) {
-    for (int part = 0; part < 4; ++part) {
-      const int tone = part * kPart + i;
-      reached[tone] = sums[part] += window.counts()[tone];
-    }
-  }
-  std::int32_t below = 0;
-  for (int part = 0; part < 4; ++part) {
-    for (int tone = part * kPart; tone < (part + 1) * kPart; ++tone) {
-      const double curve = (below + reached[tone]) * scale - 1.0;
-      SetMapped(tone + (((curve - tone) * level) * variety) * kSharePerLevel, map.of[tone]);
-    }
-    below += sums[part];
-  }
-}
-
-ORVO_VECTOR_CLONES
-void FillMap(const WindowHistogram& window, double level, double variety,
-             ToneMap<std::uint8_t>& map) {
-  Fill(window, level, variety, map);
-}
-
-ORVO_VECTOR_CLONES
-void FillMap(const WindowHistogram& window, double level, double variety, ToneMap<double>& map) {
-  Fill(window, level, variety, map);
 }
 
 struct Span {
@@ -115,8 +77,16 @@ class Equalizer {
     ToneMap<Tone>* map = maps_.get();
     for (std::uint32_t left = 0; left + kCentre < width_; left += kTileSide) {
       const double variety = VarietyOf(window_.squaredCounts(left + kCentre, top + kCentre));
-      FillMap(window_, level_, variety, *map++);
+      fillMap({window_.counts(), window_.pixels(), level_, variety}, *map++);
       window_.moveRight();
+    }
+  }
+
+  static void fillMap(const ExposureCurve& curve, ToneMap<Tone>& map) {
+    if constexpr (kDepth == kColorDepth) {
+      ORVO_BEST(FillLumaMap)(curve, map);
+    } else {
+      ORVO_BEST(FillToneMap)(curve, map);
     }
   }
 
@@ -130,7 +100,7 @@ class Equalizer {
     }
     if constexpr (kDepth == kColorDepth) {
       const std::size_t at = stride_ * y + std::size_t{kBorder} * 3;
-      StoreColors(mapped + kBorder, width_ - 2 * kBorder, source_ + at, target_ + at);
+      ORVO_BEST(StoreColors)(mapped + kBorder, width_ - 2 * kBorder, source_ + at, target_ + at);
     }
   }
   Tone* mappedRow(std::uint32_t y) const {

@@ -107,7 +107,7 @@ bool MapLuma(const ToneMap<double>& map, const Tones& tones, const std::uint8_t*
   for (std::uint32_t y = 0; y < height; ++y) {
     const std::uint8_t* const row = tones.row(y);
     for (std::uint32_t x = 0; x < width; ++x) luma[x] = map.of[row[x]];
-    StoreColors(luma.get(), width, source + stride * y, target + stride * y);
+    ORVO_BEST(StoreColors)(luma.get(), width, source + stride * y, target + stride * y);
   }
   return true;
 }

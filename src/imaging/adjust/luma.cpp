@@ -1,21 +1,18 @@
 #include "imaging/adjust/luma.h"
 
 #include "imaging/adjust/ycbcr.h"
-#include "imaging/vector_clones.h"
 
-namespace orvo {
+namespace orvo::ORVO_LEVEL {
 
-ORVO_VECTOR_CLONES
-void TonesOfColors(const std::uint8_t* pixels, std::size_t count, std::uint8_t* tones) noexcept {
+void TonesOfColors(const std::uint8_t* pixels, std::size_t count, std::uint8_t* tones) {
   for (std::size_t x = 0; x < count; ++x) {
     tones[x] = static_cast<std::uint8_t>(
         static_cast<int>(LumaOf(pixels[3 * x + 2], pixels[3 * x + 1], pixels[3 * x])));
   }
 }
 
-ORVO_VECTOR_CLONES
 void StoreColors(const double* luma, std::size_t count, const std::uint8_t* source,
-                 std::uint8_t* target) noexcept {
+                 std::uint8_t* target) {
   for (std::size_t i = 0; i < count; ++i) {
     const double blue = source[3 * i];
     const double green = source[3 * i + 1];
@@ -28,4 +25,4 @@ void StoreColors(const double* luma, std::size_t count, const std::uint8_t* sour
   }
 }
 
-}  // namespace orvo
+}  // namespace orvo::ORVO_LEVEL

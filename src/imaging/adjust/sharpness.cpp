@@ -4,11 +4,10 @@
 #include <algorithm>
 
 #include "imaging/adjust/luma.h"
-#include "imaging/adjust/sharpness_kernel.h"
+#include "imaging/adjust/sharpness_luma.h"
 #include "imaging/adjust/sharpness_tones.h"
 #include "imaging/results.h"
 #include "imaging/utilities.h"
-#include "imaging/vector_clones.h"
 #include "imaging/working_image.h"
 
 namespace orvo {
@@ -33,17 +32,12 @@ KernelWeights WeightsFor(std::uint32_t width, std::uint32_t height, std::uint8_t
 // row in their middle is written, which is what lets source and target be one buffer.
 class LumaRing {
  public:
-  struct Row {
-    double* value;
-    double* outer;
-  };
-
   [[nodiscard]] bool allocate(std::size_t width) {
     width_ = width;
     memory_ = ImgAllocArray<double>(width * 2 * kKernelRows);
     return memory_ != nullptr;
   }
-  [[nodiscard]] Row row(std::uint32_t y) const {
+  [[nodiscard]] LumaRow row(std::uint32_t y) const {
     double* const first = memory_.get() + width_ * 2 * (y % kKernelRows);
     return {first, first + width_};
   }
@@ -53,37 +47,6 @@ class LumaRing {
   ImgArray<double> memory_;
 };
 
-ORVO_VECTOR_CLONES
-void FillRow(const std::uint8_t* pixels, std::size_t width, KernelWeights weights,
-             LumaRing::Row row) {
-  for (std::size_t x = 0; x < width; ++x) {
-    const double blue = pixels[3 * x];
-    const double green = pixels[3 * x + 1];
-    const double red = pixels[3 * x + 2];
-    const double value = LumaOf(red, green, blue);
-    row.value[x] = value;
-    row.outer[x] = weights.outer * value;
-  }
-}
-
-// Filtered luma of columns 2 to width - 3; sums[i] belongs to column i + 2.
-ORVO_VECTOR_CLONES
-void SumRow(const LumaRing& ring, std::uint32_t y, std::size_t count, KernelWeights weights,
-            double* __restrict sums) {
-  const double* values[kKernelRows];
-  const double* outers[kKernelRows];
-  for (std::uint32_t i = 0; i < kKernelRows; ++i) {
-    values[i] = ring.row(y - kBorder + i).value;
-    outers[i] = ring.row(y - kBorder + i).outer;
-  }
-  for (std::size_t i = 0; i < count; ++i) {
-    sums[i] = KernelSum(
-        [&](std::size_t row, std::size_t column) { return outers[row][i + column]; },
-        [&](std::size_t row, std::size_t column) { return weights.near * values[row][i + column]; },
-        values[kBorder][i + kBorder]);
-  }
-}
-
 int SharpenColors(const std::uint8_t* source, std::uint8_t* target, std::uint32_t width,
                   std::uint32_t height, KernelWeights weights) {
   LumaRing ring;
@@ -92,14 +55,16 @@ int SharpenColors(const std::uint8_t* source, std::uint8_t* target, std::uint32_
   if (!ring.allocate(width) || sums == nullptr) return kImgNoMemory;
   const std::size_t stride = WorkingStride(width, kColorDepth);
   const auto fill = [&](std::uint32_t y) {
-    FillRow(source + stride * y, width, weights, ring.row(y));
+    ORVO_BEST(FillLumaRow)(source + stride * y, width, weights, ring.row(y));
   };
   for (std::uint32_t y = 0; y < kKernelRows - 1; ++y) fill(y);
   for (std::uint32_t y = kBorder; y < height - kBorder; ++y) {
     fill(y + kBorder);
-    SumRow(ring, y, count, weights, sums.get());
+    const LumaRow rows[] = {ring.row(y - 2), ring.row(y - 1), ring.row(y), ring.row(y + 1),
+                            ring.row(y + 2)};
+    ORVO_BEST(SumLumaRows)(rows, count, weights, sums.get());
     const std::size_t first = stride * y + 3 * kBorder;
-    StoreColors(sums.get(), count, source + first, target + first);
+    ORVO_BEST(StoreColors)(sums.get(), count, source + first, target + first);
   }
   return kImgDone;
 }
@@ -114,9 +79,9 @@ int ImgSharpnessAdjust(const std::uint8_t* source, std::uint8_t* target, std::ui
   const KernelWeights weights = WeightsFor(width, height, level);
   if (depth == kColorDepth) return SharpenColors(source, target, width, height, weights);
   if (source == target) {
-    SharpenTonesInPlace(target, width, height, weights);
+    ORVO_BEST(SharpenTonesInPlace)(target, width, height, WorkingStride(width, depth), weights);
   } else {
-    SharpenTones(source, target, width, height, weights);
+    ORVO_BEST(SharpenTones)(source, target, width, height, WorkingStride(width, depth), weights);
   }
   return kImgDone;
 }

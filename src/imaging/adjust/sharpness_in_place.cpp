@@ -3,12 +3,12 @@
 // to find that row's part of its neighbourhood written, and its own part of the rows below not.
 // Sixteen rows make the lanes of a vector; a window of them, skewed so that what is worked on at
 // one time lies side by side, moves along the band.
-#include <algorithm>
+
+#include <cstring>
 
 #include "imaging/adjust/sharpness_tones.h"
-#include "imaging/working_image.h"
 
-namespace orvo {
+namespace orvo::ORVO_LEVEL {
 
 namespace {
 
@@ -24,6 +24,10 @@ constexpr int kLag = 4;
 constexpr int kPast = kLag * kBorder;
 constexpr int kAhead = kLag * kBorder + static_cast<int>(kKernelRows) - 1;
 constexpr int kSteps = 128;  // between two moves of the window
+
+ORVO_ALWAYS_INLINE int Within(int low, int value, int high) {
+  return Least(Most(value, low), high);
+}
 
 // At time t row r of the band's surroundings shows its column t - kLag * (r - 2).
 constexpr int ColumnAt(int time, int row) {
@@ -45,7 +49,6 @@ ORVO_ALWAYS_INLINE double& Centre(double* at, int lane) {
   return at[kBorder * kSlice + kBorder + lane];
 }
 
-ORVO_VECTOR_CLONES
 void FilterAllLanes(double* at, int steps, KernelWeights weights) {
   for (int step = 0; step < steps; ++step, at += kSlice) {
     int tones[kLanes];
@@ -58,22 +61,24 @@ void FilterAllLanes(double* at, int steps, KernelWeights weights) {
 class Band {
  public:
   // first: the top row that is written.
-  Band(std::uint8_t* tones, std::uint32_t width, std::uint32_t height, std::uint32_t first)
-      : top_(tones + WorkingStride(width, kGrayDepth) * (first - kBorder)),
-        stride_(WorkingStride(width, kGrayDepth)),
+  Band(std::uint8_t* tones, std::uint32_t width, std::uint32_t height, std::size_t stride,
+       std::uint32_t first)
+      : top_(tones + stride * (first - kBorder)),
+        stride_(stride),
         width_(static_cast<int>(width)),
         columns_(width_ - 2 * kBorder),
-        lanes_(static_cast<int>(std::min<std::uint32_t>(height - kBorder - first, kLanes))) {}
+        lanes_(static_cast<int>(Least<std::uint32_t>(height - kBorder - first, kLanes))) {}
 
   void filter(KernelWeights weights) {
     const int end = columns_ + kLag * (lanes_ - 1);
     load(-kPast, kAhead, 0);
     for (int time = 0; time < end; time += kSteps) {
-      const int steps = std::min(kSteps, end - time);
+      const int steps = Least(kSteps, end - time);
       load(time + kAhead, time + kAhead + steps, time);
       run(time, steps, weights);
       store(time, steps);
-      std::copy_n(slice(steps - kPast), (kPast + kAhead) * kSlice, slice(-kPast));
+      std::memmove(slice(-kPast), slice(steps - kPast),
+                   (kPast + kAhead) * kSlice * sizeof *slices_);
     }
   }
 
@@ -93,8 +98,8 @@ class Band {
 
   // Not all lanes have work where a band begins and ends.
   void run(int time, int steps, KernelWeights weights) {
-    const int first = lanes_ < kLanes ? steps : std::clamp(kLag * (kLanes - 1) - time, 0, steps);
-    const int last = std::clamp(columns_ - time, first, steps);
+    const int first = lanes_ < kLanes ? steps : Within(0, kLag * (kLanes - 1) - time, steps);
+    const int last = Within(first, columns_ - time, steps);
     runSome(time, 0, first, weights);
     FilterAllLanes(slice(first), last - first, weights);
     runSome(time, last, steps, weights);
@@ -113,8 +118,8 @@ class Band {
     for (int lane = 0; lane < lanes_; ++lane) {
       std::uint8_t* const bytes =
           top_ + stride_ * static_cast<std::size_t>(lane + kBorder) + kBorder;
-      const int from = std::max(time, kLag * lane);
-      const int to = std::min(time + steps, columns_ + kLag * lane);
+      const int from = Most(time, kLag * lane);
+      const int to = Least(time + steps, columns_ + kLag * lane);
       for (int t = from; t < to; ++t) {
         bytes[t - kLag * lane] = static_cast<std::uint8_t>(Centre(slice(t - time), lane));
       }
@@ -132,10 +137,10 @@ class Band {
 }  // namespace
 
 void SharpenTonesInPlace(std::uint8_t* tones, std::uint32_t width, std::uint32_t height,
-                         KernelWeights weights) noexcept {
+                         std::size_t stride, KernelWeights weights) {
   for (std::uint32_t y = kBorder; y < height - kBorder; y += kLanes) {
-    Band(tones, width, height, y).filter(weights);
+    Band(tones, width, height, stride, y).filter(weights);
   }
 }
 
-}  // namespace orvo
+}  // namespace orvo::ORVO_LEVEL

@@ -5,10 +5,9 @@
 #ifndef ORVO_IMAGING_ADJUST_SHARPNESS_KERNEL_H
 #define ORVO_IMAGING_ADJUST_SHARPNESS_KERNEL_H
 
-#include <algorithm>
 #include <cstdint>
 
-#include "imaging/vector_clones.h"
+#include "imaging/vector_levels.h"
 
 namespace orvo {
 
@@ -32,8 +31,8 @@ ORVO_ALWAYS_INLINE double KernelSum(const Outer& outer, const Near& near, double
 
 // Limited to tones and truncated. The sums lie far inside the range of int, so it is all the same
 // which of the two comes first; limits of integers are what compilers make vectors of.
-inline int ToneOfSum(double sum) {
-  return std::clamp(static_cast<int>(sum), 0, 255);
+ORVO_ALWAYS_INLINE int ToneOfSum(double sum) {
+  return Least(Most(static_cast<int>(sum), 0), 255);
 }
 
 }  // namespace orvo

@@ -1,14 +1,12 @@
 // An image is filtered in strips. A strip's columns are dealt out to eight lanes, one after the
 // other, and lie in memory lane beside lane: so the eight lanes are a vector whose neighbours to
 // the left and right are whole vectors too, which loads them twice as fast as pixels side by side.
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
 #include "imaging/adjust/sharpness_tones.h"
-#include "imaging/working_image.h"
 
-namespace orvo {
+namespace orvo::ORVO_LEVEL {
 
 namespace {
 
@@ -45,12 +43,13 @@ ORVO_ALWAYS_INLINE void Turn(const std::uint8_t* from, std::size_t fromStride, s
   for (std::size_t i = 0; i < kBlock; ++i) std::memcpy(to + i * toStride, &rows[i], kBlock);
 }
 
+// Two functions of their own: inside the strip's, they would run out of registers, a third slower.
+
 // tones: of the strip and the borders beside it.
-ORVO_VECTOR_CLONES
-void FillRow(const std::uint8_t* tones, KernelWeights weights, StripRow& row) {
+[[gnu::noinline]] void FillRow(const std::uint8_t* tones, KernelWeights weights, StripRow& row) {
   std::uint8_t dealt[kValues];
   for (std::size_t column = 0; column < kWindows; column += kBlock) {
-    const std::size_t at = std::min(column, kWindows - kBlock);
+    const std::size_t at = Least(column, kWindows - kBlock);
     Turn(tones + at, kColumns, dealt + at * kLanes, kLanes);
   }
   for (std::size_t i = 0; i < kValues; ++i) {
@@ -60,8 +59,7 @@ void FillRow(const std::uint8_t* tones, KernelWeights weights, StripRow& row) {
 }
 
 // rows: those of the window, from the top. tones: of the strip.
-ORVO_VECTOR_CLONES
-void SumRow(const StripRow* const (&rows)[kKernelRows], KernelWeights weights,
+[[gnu::noinline]] void SumRow(const StripRow* const (&rows)[kKernelRows], KernelWeights weights,
             std::uint8_t* tones) {
   alignas(64) double sums[kSums];
   for (std::size_t i = 0; i < kSums; ++i) {
@@ -124,13 +122,11 @@ class Strip {
 }  // namespace
 
 void SharpenTones(const std::uint8_t* source, std::uint8_t* target, std::uint32_t width,
-                  std::uint32_t height, KernelWeights weights) noexcept {
+                  std::uint32_t height, std::size_t stride, KernelWeights weights) {
   const std::size_t columns = width - 2 * kBorder;
   for (std::size_t x = 0; x < columns; x += kSums) {
-    Strip(source + x, target + x, WorkingStride(width, kGrayDepth), std::min(columns - x, kSums),
-          weights)
-        .filter(height);
+    Strip(source + x, target + x, stride, Least(columns - x, kSums), weights).filter(height);
   }
 }
 
-}  // namespace orvo
+}  // namespace orvo::ORVO_LEVEL

@@ -2,9 +2,8 @@
 #ifndef ORVO_IMAGING_ADJUST_TONE_MAP_H
 #define ORVO_IMAGING_ADJUST_TONE_MAP_H
 
-#include <algorithm>
-
 #include "imaging/adjust/tones.h"
+#include "imaging/vector_levels.h"
 
 namespace orvo {
 
@@ -16,11 +15,11 @@ struct ToneMap {
 // Limited to 0..255 and, for a tone, truncated. What is mapped lies far inside the range of int, so
 // it is all the same which of the two comes first; limits of integers are what compilers make
 // vectors of.
-inline void SetMapped(double mapped, std::uint8_t& tone) {
-  tone = static_cast<std::uint8_t>(std::clamp(static_cast<int>(mapped), 0, 255));
+ORVO_ALWAYS_INLINE void SetMapped(double mapped, std::uint8_t& tone) {
+  tone = static_cast<std::uint8_t>(Least(Most(static_cast<int>(mapped), 0), 255));
 }
-inline void SetMapped(double mapped, double& luma) {
-  luma = std::min(std::max(mapped, 0.0), 255.0);
+ORVO_ALWAYS_INLINE void SetMapped(double mapped, double& luma) {
+  luma = Least(Most(mapped, 0.0), 255.0);
 }
 
 }  // namespace orvo

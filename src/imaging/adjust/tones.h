@@ -27,7 +27,7 @@ class Tones {
     first_ = plane_.get();
     stride_ = width;
     for (std::uint32_t y = 0; y < height; ++y) {
-      TonesOfColors(source + sourceStride * y, width, plane_.get() + stride_ * y);
+      ORVO_BEST(TonesOfColors)(source + sourceStride * y, width, plane_.get() + stride_ * y);
     }
     return true;
   }

@@ -1,55 +1,8 @@
 #include "imaging/adjust/window_histogram.h"
 
-#include "imaging/vector_clones.h"
+#include "imaging/adjust/count_sums.h"
 
 namespace orvo {
-
-namespace {
-
-using Count = WindowHistogram::Count;
-using BlockCount = WindowHistogram::BlockCount;
-
-ORVO_VECTOR_CLONES
-void Add(const Count* counts, Count* sum) {
-  for (int tone = 0; tone < kToneCount; ++tone) {
-    sum[tone] = static_cast<Count>(sum[tone] + counts[tone]);
-  }
-}
-
-ORVO_VECTOR_CLONES
-void Subtract(const Count* counts, Count* sum) {
-  for (int tone = 0; tone < kToneCount; ++tone) {
-    sum[tone] = static_cast<Count>(sum[tone] - counts[tone]);
-  }
-}
-
-// A pair of neighbouring blocks.
-ORVO_VECTOR_CLONES
-void AddPair(const BlockCount* pair, Count* sum) {
-  for (int tone = 0; tone < kToneCount; ++tone) {
-    sum[tone] = static_cast<Count>(sum[tone] + pair[tone] + pair[tone + kToneCount]);
-  }
-}
-
-ORVO_VECTOR_CLONES
-void SubtractPair(const BlockCount* pair, Count* sum) {
-  for (int tone = 0; tone < kToneCount; ++tone) {
-    sum[tone] = static_cast<Count>(sum[tone] - pair[tone] - pair[tone + kToneCount]);
-  }
-}
-
-ORVO_VECTOR_CLONES
-std::uint32_t SquaresOfPairs(const BlockCount* upper, const BlockCount* lower) {
-  std::uint32_t squares = 0;
-  for (int tone = 0; tone < kToneCount; ++tone) {
-    const std::uint32_t count =
-        upper[tone] + upper[tone + kToneCount] + lower[tone] + lower[tone + kToneCount];
-    squares += count * count;
-  }
-  return squares;
-}
-
-}  // namespace
 
 bool WindowHistogram::allocate() {
   blocks_ = ImgAllocArray<BlockCount>(kBands * bandBlocks_ * kToneCount);
@@ -85,22 +38,23 @@ void WindowHistogram::moveToStart() {
 }
 
 void WindowHistogram::moveRight() {
-  Subtract(group(next_ - kWindowSide), window_);
+  ORVO_BEST(SubtractCounts)(group(next_ - kWindowSide), window_);
   columns_ -= kTileSide;
   enterGroup();
 }
 
 std::uint32_t WindowHistogram::squaredCounts(std::uint32_t left, std::uint32_t top) const {
-  return SquaresOfPairs(block(left, top), block(left, top + kBlockSide));
+  return ORVO_BEST(SquaresOfPairs)(block(left, top), block(left, top + kBlockSide));
 }
 
 void WindowHistogram::enterBand(std::uint32_t row) {
   countBand(row);
-  for (std::uint32_t x = 0; x < width_; x += kTileSide) AddPair(block(x, row), group(x));
+  for (std::uint32_t x = 0; x < width_; x += kTileSide) ORVO_BEST(AddPair)(block(x, row), group(x));
 }
 
 void WindowHistogram::leaveBand(std::uint32_t row) {
-  for (std::uint32_t x = 0; x < width_; x += kTileSide) SubtractPair(block(x, row), group(x));
+  for (std::uint32_t x = 0; x < width_; x += kTileSide)
+    ORVO_BEST(SubtractPair)(block(x, row), group(x));
 }
 
 // A few blocks at a time, which stay in the nearest cache, and of them in turn: neighbours, which
@@ -125,7 +79,7 @@ void WindowHistogram::countBand(std::uint32_t row) {
 
 void WindowHistogram::enterGroup() {
   if (next_ < width_) {
-    Add(group(next_), window_);
+    ORVO_BEST(AddCounts)(group(next_), window_);
     columns_ += std::min(kTileSide, width_ - next_);
   }
   next_ += kTileSide;

@@ -5,28 +5,30 @@
 
 #include <cstdint>
 
+#include "imaging/vector_levels.h"
+
 namespace orvo {
 
 // Chroma in real form: doubles centred on 0.
-inline double CbOf(double red, double green, double blue) {
+ORVO_ALWAYS_INLINE double CbOf(double red, double green, double blue) {
   return 0.5 * blue - (0.1687 * red + 0.3313 * green);
 }
-inline double CrOf(double red, double green, double blue) {
+ORVO_ALWAYS_INLINE double CrOf(double red, double green, double blue) {
   return 0.5 * red - 0.4187 * green - 0.0813 * blue;
 }
 
-inline double RedOf(double y, double cr) {
+ORVO_ALWAYS_INLINE double RedOf(double y, double cr) {
   return y + 1.402 * cr;
 }
-inline double GreenOf(double y, double cb, double cr) {
+ORVO_ALWAYS_INLINE double GreenOf(double y, double cb, double cr) {
   return y - 0.34414 * cb - 0.71414 * cr;
 }
-inline double BlueOf(double y, double cb) {
+ORVO_ALWAYS_INLINE double BlueOf(double y, double cb) {
   return y + 1.772 * cb;
 }
 
 // A rebuilt channel: truncated first, limited to 0..255 after.
-inline std::uint8_t ChannelByte(double value) {
+ORVO_ALWAYS_INLINE std::uint8_t ChannelByte(double value) {
   const int truncated = static_cast<int>(value);
   return static_cast<std::uint8_t>(truncated < 0 ? 0 : truncated > 255 ? 255 : truncated);
 }
@@ -39,7 +41,7 @@ struct YCbCrBytes {
   std::uint8_t cr;
 };
 
-constexpr YCbCrBytes ToYCbCrBytes(int red, int green, int blue) {
+ORVO_ALWAYS_INLINE constexpr YCbCrBytes ToYCbCrBytes(int red, int green, int blue) {
   constexpr int kMiddle = 128 * 10000;
   return {static_cast<std::uint8_t>((299 * red + 587 * green + 114 * blue) / 1000),
           static_cast<std::uint8_t>((kMiddle + 5000 * blue - 1687 * red - 3313 * green) / 10000),

@@ -5,10 +5,12 @@
 
 #include <cstdint>
 
+#include "imaging/vector_levels.h"
+
 namespace orvo {
 
 // Side of a level's window.
-constexpr int DescreenSide(std::uint32_t level) {
+ORVO_ALWAYS_INLINE constexpr int DescreenSide(std::uint32_t level) {
   return 3 + 2 * static_cast<int>(level);
 }
 
@@ -48,13 +50,13 @@ inline constexpr std::uint8_t kDescreenExponents3[] = {
 // clang-format on
 
 // A level's table, row by row.
-constexpr const std::uint8_t* DescreenExponents(std::uint32_t level) {
+ORVO_ALWAYS_INLINE constexpr const std::uint8_t* DescreenExponents(std::uint32_t level) {
   constexpr const std::uint8_t* kTables[] = {kDescreenExponents0, kDescreenExponents1,
                                              kDescreenExponents2, kDescreenExponents3};
   return kTables[level];
 }
 
-constexpr std::uint32_t DescreenWeightSum(std::uint32_t level) {
+ORVO_ALWAYS_INLINE constexpr std::uint32_t DescreenWeightSum(std::uint32_t level) {
   std::uint32_t sum = 0;
   for (int i = 0; i < DescreenSide(level) * DescreenSide(level); ++i) {
     sum += 1U << DescreenExponents(level)[i];

@@ -1,29 +1,8 @@
 #include "imaging/redeye/color_planes.h"
 
-#include "imaging/vector_clones.h"
+#include "imaging/redeye/plane_row.h"
 
 namespace orvo {
-
-namespace {
-
-ORVO_ALWAYS_INLINE void FillRow(const std::uint8_t* pixels, std::size_t count, std::size_t step,
-                                std::uint8_t* __restrict y, std::uint8_t* __restrict cb,
-                                std::uint8_t* __restrict cr) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const YCbCrBytes color = ColorOfPixel(pixels + 3 * step * i);
-    y[i] = color.y;
-    cb[i] = color.cb;
-    cr[i] = color.cr;
-  }
-}
-
-ORVO_VECTOR_CLONES
-void FillWholeRow(const std::uint8_t* pixels, std::size_t count, std::uint8_t* __restrict y,
-                  std::uint8_t* __restrict cb, std::uint8_t* __restrict cr) {
-  FillRow(pixels, count, 1, y, cb, cr);
-}
-
-}  // namespace
 
 bool ColorPlanes::allocate(std::size_t pixels) noexcept {
   bytes_ = ImgAllocArray<std::uint8_t>(3 * pixels);
@@ -39,12 +18,8 @@ PlaneView ColorPlanes::view(std::int32_t width, std::int32_t height) const noexc
 void FillPlaneRow(const std::uint8_t* pixels, std::int32_t count, std::int32_t step,
                   const PlaneView& planes, std::int32_t row) noexcept {
   const PlaneView to = planes.from(0, row);
-  const auto length = static_cast<std::size_t>(count);
-  if (step == 1) {
-    FillWholeRow(pixels, length, to.y, to.cb, to.cr);
-  } else {
-    FillRow(pixels, length, static_cast<std::size_t>(step), to.y, to.cb, to.cr);
-  }
+  ORVO_BEST(FillPlaneRow)
+  (pixels, static_cast<std::size_t>(count), static_cast<std::size_t>(step), to.y, to.cb, to.cr);
 }
 
 void WritePixel(std::uint8_t* pixel, const YCbCrBytes& color) noexcept {

@@ -3,57 +3,22 @@
 #include <algorithm>
 #include <cmath>
 
-#include "imaging/vector_clones.h"
+#include "imaging/redeye/mask_row.h"
 
 namespace orvo {
 
 namespace {
 
-// Combines each interior pixel of a row with its neighbours, of the cross or of the square. kErase
-// asks that all are set, kGrow that one is.
-enum class Step { kErase, kGrow };
-enum class Shape { kCross, kSquare };
-
-template <Step step>
-ORVO_ALWAYS_INLINE std::uint8_t Both(std::uint8_t a, std::uint8_t b) {
-  return step == Step::kErase ? a & b : a | b;
-}
-
-template <Step step, Shape shape>
-ORVO_ALWAYS_INLINE void Combine(const std::uint8_t* from, std::size_t width, std::uint8_t* to) {
-  const std::uint8_t* const above = from - width;
-  const std::uint8_t* const below = from + width;
-  const auto column = [&](std::size_t x) {
-    return Both<step>(from[x], Both<step>(above[x], below[x]));
-  };
-  const auto side = [&](std::size_t x) { return shape == Shape::kSquare ? column(x) : from[x]; };
-  for (std::size_t x = 1; x + 1 < width; ++x) {
-    to[x] = Both<step>(column(x), Both<step>(side(x - 1), side(x + 1)));
-  }
-}
-
-ORVO_VECTOR_CLONES
-void CombineRow(Step step, Shape shape, const std::uint8_t* from, std::size_t width,
-                std::uint8_t* to) {
-  if (shape == Shape::kCross) {
-    step == Step::kErase ? Combine<Step::kErase, Shape::kCross>(from, width, to)
-                         : Combine<Step::kGrow, Shape::kCross>(from, width, to);
-  } else {
-    step == Step::kErase ? Combine<Step::kErase, Shape::kSquare>(from, width, to)
-                         : Combine<Step::kGrow, Shape::kSquare>(from, width, to);
-  }
-}
-
-void Open(RegionMask& mask, Shape shape) {
+void Open(RegionMask& mask, MaskShape shape) {
   if (mask.width < 3 || mask.height < 3) return;
   const auto width = static_cast<std::size_t>(mask.width);
-  const auto throughRows = [&](Step step, const std::uint8_t* from, std::uint8_t* to) {
+  const auto throughRows = [&](MaskStep step, const std::uint8_t* from, std::uint8_t* to) {
     for (std::int32_t y = 1; y + 1 < mask.height; ++y) {
-      CombineRow(step, shape, from + mask.at(0, y), width, to + mask.at(0, y));
+      ORVO_BEST(CombineMaskRow)(step, shape, from + mask.at(0, y), width, to + mask.at(0, y));
     }
   };
-  throughRows(Step::kErase, mask.foreground.get(), mask.visited.get());
-  throughRows(Step::kGrow, mask.visited.get(), mask.foreground.get());
+  throughRows(MaskStep::kErase, mask.foreground.get(), mask.visited.get());
+  throughRows(MaskStep::kGrow, mask.visited.get(), mask.foreground.get());
   ImgFill(mask.visited.get(), 0, mask.pixelCount());
 }
 
@@ -75,11 +40,11 @@ void RegionMask::start(std::int32_t maskWidth, std::int32_t maskHeight) noexcept
 }
 
 void ImgOpenMask(RegionMask& mask) noexcept {
-  Open(mask, Shape::kCross);
+  Open(mask, MaskShape::kCross);
 }
 
 void OpenMaskBySquares(RegionMask& mask) noexcept {
-  Open(mask, Shape::kSquare);
+  Open(mask, MaskShape::kSquare);
 }
 
 FilledRegion ImgFillRegion(std::int32_t seedX, std::int32_t seedY, RegionMask& mask) noexcept {

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstring>
 
+#include "imaging/regions/and_row.h"
 #include "imaging/regions/row_combiner.h"
 
 namespace orvo {
@@ -78,8 +79,9 @@ class ColumnWindows {
   // windows would not fit, hold nothing of use.
   void widen(std::vector<std::uint8_t>& colors) {
     for (std::size_t step = 1; step < columns_; step *= 2) {
-      AndBytes(wider_.data(), colors.data(), colors.data() + step * pixelBytes_,
-               (count_ - step) * pixelBytes_);
+      ORVO_BEST(AndBytes)
+      (wider_.data(), colors.data(), colors.data() + step * pixelBytes_,
+       (count_ - step) * pixelBytes_);
       colors.swap(wider_);
     }
   }

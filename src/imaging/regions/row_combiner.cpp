@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "imaging/vector_clones.h"
+#include "imaging/regions/and_row.h"
 
 namespace orvo {
 
@@ -21,12 +21,6 @@ std::uint32_t ColorAt(const std::uint8_t* palette, std::size_t index) {
   return color;
 }
 
-ORVO_VECTOR_CLONES
-void AndColors(std::uint32_t* target, const std::uint32_t* colors, const std::uint8_t* indices,
-               std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) target[i] &= colors[indices[i]];
-}
-
 // --- Pixels that can be combined as they are -----------------------------------------------------
 
 // Above 8 bits, and gray bytes: what takes a channel out of a pixel and widens it to 8 bits
@@ -38,7 +32,7 @@ class PlainRows final : public RowCombiner {
 
   void start() override { std::fill(row_.begin(), row_.end(), std::uint8_t{0xFF}); }
   void add(const std::uint8_t* row) override {
-    AndBytes(row_.data(), row_.data(), row, row_.size());
+    ORVO_BEST(AndBytes)(row_.data(), row_.data(), row, row_.size());
   }
   void take(std::uint8_t* colors) const override { std::memcpy(colors, row_.data(), row_.size()); }
 
@@ -57,7 +51,7 @@ class ByteIndexRows final : public RowCombiner {
 
   void start() override { std::fill(row_.begin(), row_.end(), kWhite); }
   void add(const std::uint8_t* row) override {
-    AndColors(row_.data(), &colors_[0], row, row_.size());
+    ORVO_BEST(AndColors)(row_.data(), &colors_[0], row, row_.size());
   }
   void take(std::uint8_t* colors) const override {
     std::memcpy(colors, row_.data(), row_.size() * kColorBytes);
@@ -149,12 +143,6 @@ bool IsGrayRamp(const std::uint8_t* palette) {
 }
 
 }  // namespace
-
-ORVO_VECTOR_CLONES
-void AndBytes(std::uint8_t* target, const std::uint8_t* a, const std::uint8_t* b,
-              std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) target[i] = a[i] & b[i];
-}
 
 std::unique_ptr<RowCombiner> CombinerFor(const SourceImage& image) {
   switch (image.depth) {

@@ -35,10 +35,6 @@ class RowCombiner {
 
 [[nodiscard]] std::unique_ptr<RowCombiner> CombinerFor(const SourceImage& image);
 
-// target[i] = a[i] & b[i]. target may be a; otherwise it is apart from both.
-void AndBytes(std::uint8_t* target, const std::uint8_t* a, const std::uint8_t* b,
-              std::size_t count);
-
 }  // namespace orvo
 
 #endif  // ORVO_IMAGING_REGIONS_ROW_COMBINER_H

@@ -1,8 +1,6 @@
 #include "imaging/trim/trim_search.h"
 
-#include <algorithm>
-
-#include "imaging/vector_clones.h"
+#include "imaging/trim/dark_bytes.h"
 
 namespace orvo {
 
@@ -13,19 +11,6 @@ std::int32_t MarginOf(const TrimPage& page) {
   if (page.channels != 1) return 0;
   const std::int32_t margin = page.width < 10 ? 1 : 10;
   return margin > page.height ? margin / 10 : margin;
-}
-
-// Whether any byte is dark: most lines of a margin are told by this one quick pass.
-ORVO_VECTOR_CLONES
-bool HasDarkByte(const std::uint8_t* bytes, std::size_t count, std::uint8_t limit) {
-  constexpr std::size_t kBlock = 1024;
-  for (std::size_t done = 0; done < count; done += kBlock) {
-    const std::size_t end = std::min(done + kBlock, count);
-    std::uint8_t lowest = 255;
-    for (std::size_t i = done; i < end; ++i) lowest = std::min(lowest, bytes[i]);
-    if (lowest <= limit) return true;
-  }
-  return false;
 }
 
 class Measurement {
@@ -64,7 +49,8 @@ class Measurement {
     if (count <= 0) return false;
     const std::uint8_t* const first = pixel(margin_, y);
     const auto channels = static_cast<std::size_t>(page_.channels);
-    return HasDarkByte(first, static_cast<std::size_t>(count) * channels, limit_) &&
+    // Most lines of a margin are told by this one quick pass.
+    return ORVO_BEST(HasDarkByte)(first, static_cast<std::size_t>(count) * channels, limit_) &&
            hasRun(first, channels, count);
   }
   [[nodiscard]] bool columnHasRun(std::int32_t x, const RECT& rect) const {
