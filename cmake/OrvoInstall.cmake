@@ -10,9 +10,10 @@ foreach(module ltkrn13n ltimg13n ltfil13n pdflib)
     install(TARGETS ${module} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   endif()
 endforeach()
-install(TARGETS orvo_client RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY include/orvo
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(TARGET orvo_client)
+  install(TARGETS orvo_client RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+install(DIRECTORY include/orvo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md docs/commands.md docs/formats.md
   docs/dependencies.md docs/architecture.md docs/before_after.png DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -27,5 +28,9 @@ install(FILES "${PROJECT_BINARY_DIR}/orvo-config.cmake"
   "${PROJECT_BINARY_DIR}/orvo-config-version.cmake"
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orvo)
 
+# The prefix follows the file, so that an installed tree can be moved.
+file(RELATIVE_PATH ORVO_PREFIX_OF_PKGCONFIG
+  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" ORVO_PREFIX_OF_PKGCONFIG "${ORVO_PREFIX_OF_PKGCONFIG}")
 configure_file(cmake/orvo.pc.in "${PROJECT_BINARY_DIR}/orvo.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/orvo.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

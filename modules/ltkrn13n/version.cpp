@@ -1,4 +1,6 @@
 // What the modules tell about themselves.
+#include "platform/version.h"
+
 #include <array>
 #include <cstdio>
 

@@ -5,6 +5,8 @@
 #include <orvo/CLeadTools.h>
 #include <orvo/instance.h>
 
+#include "platform/version.h"
+
 namespace {
 
 // A binding method to a new handle: it gets its own copy of the source's handle value.
@@ -32,7 +34,7 @@ constexpr std::uint32_t kTableRotationFlags = 1;
 
 int COrvoInstance::GetVersion(ORVOVERSIONINFO* info) noexcept {
   if (info == nullptr) return ORVO_ERR_BAD_ARGUMENT;
-  std::memcpy(info->version, "1.0", sizeof "1.0");
+  std::memcpy(info->version, ORVO_VERSION_SHORT, sizeof ORVO_VERSION_SHORT);
   return leadTools->LTGetVersionInfo(info->vendorInfo);
 }
 
