@@ -1,5 +1,4 @@
 # How every target of the project is compiled and linked, said once.
-include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 include(OrvoHardening)
 
