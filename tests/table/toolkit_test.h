@@ -1,0 +1,157 @@
+// What every test of the table starts from and ends with: a toolkit with all modules, an empty log,
+// and no block or lock left when the test is over.
+#ifndef TESTS_TABLE_TOOLKIT_TEST_H
+#define TESTS_TABLE_TOOLKIT_TEST_H
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <utility>
+
+#include <orvo/orvo.h>
+
+#include "platform/fault_injection.h"
+#include "support/pictures.h"
+#include "watched_modules.h"
+
+namespace table {
+
+using orvo::OwnedDib;
+using pictures::Difference;
+using pictures::Locked;
+using watched::Log;
+
+// What a callback was told, and what it answers.
+inline std::vector<int> heard;
+inline int answer = 0;
+inline int stopAt = -1;  // percent at which the answer is to stop
+inline int Watch(int percent, void* userData) {
+  heard.push_back(userData == nullptr ? percent : -1);
+  return percent == stopAt ? int{ORVO_ERR_CANCELLED} : answer;
+}
+inline int Earlier(int /*percent*/, void* /*userData*/) {
+  return 0;
+}
+
+// Calls an entry as any language would: the table's function pointer at that place.
+template <class... Arguments>
+int CallSlot(COrvoInstance* toolkit, std::size_t place, Arguments... arguments) {
+  void* const* slots = nullptr;
+  std::memcpy(&slots, static_cast<const void*>(toolkit), sizeof slots);
+  return reinterpret_cast<int (*)(COrvoInstance*, Arguments...)>(slots[place])(toolkit,
+                                                                              arguments...);
+}
+
+class ToolkitTest : public testing::Test {
+ protected:
+  using Toolkit = std::unique_ptr<COrvoInstance, decltype(&DestroyORVOInstance)>;
+
+  ToolkitTest() {
+    watched::TheState() = {};
+    state.names = {{reinterpret_cast<const void*>(&Watch), "watch"},
+                   {reinterpret_cast<const void*>(&Earlier), "earlier"}};
+    install(nullptr);
+    heard.clear();
+    answer = 0;
+    stopAt = -1;
+    bind();
+  }
+  ~ToolkitTest() override {
+    install(nullptr);
+    toolkit.reset();
+    EXPECT_EQ(PlatformLiveBlocks(), blocks_) << "blocks leaked or freed twice";
+  }
+
+  // Another toolkit, from which these modules and entries are hidden; an empty log.
+  void bind(const std::set<std::string>& absent = {}) {
+    state.absent = absent;
+    toolkit.reset(CreateORVOInstance());
+    log();
+  }
+  // The calls since the last time. No block is locked between two operations.
+  Log log() {
+    EXPECT_EQ(PlatformHeldLocks(), 0U);
+    return std::exchange(state.log, {});
+  }
+  // Puts a callback into the kernel module, past the toolkit; gives the one that was there.
+  static StatusCallback install(StatusCallback callback) {
+    static void* const kernel = dlopen(MODULES_FOLDER "/ltkrn13n.dll", RTLD_NOW);
+    static const auto set = reinterpret_cast<StatusCallback (*)(StatusCallback, void*)>(
+        dlsym(kernel, "L_SetStatusCallBack"));
+    return set(callback, nullptr);
+  }
+
+  watched::State& state = watched::TheState();
+  Toolkit toolkit{nullptr, &DestroyORVOInstance};
+
+ private:
+  std::size_t blocks_ = PlatformLiveBlocks();
+};
+
+// A face with red eyes before noise, 300 by 200 dots per inch; rows of every depth are padded.
+constexpr int kWidth = 131;
+constexpr int kHeight = 129;
+constexpr std::uint32_t kEyeX = 42, kEyeY = 85, kEyeRadius = 4;
+
+inline OwnedDib Ground() {
+  OwnedDib ground = pictures::Noise(kWidth, kHeight, 24, 1);
+  Locked(ground.get()).header()->biYPelsPerMeter = orvo::PixelsPerMetre(200);
+  return ground;
+}
+
+inline OwnedDib Face() {
+  OwnedDib face = Ground();
+  const Locked image(face.get());
+  std::uint8_t* const rows = image.row(0);
+  const std::size_t stride = image.layout().stride;
+  const auto ellipse = [&](int cx, int cy, double rx, double ry, std::uint32_t color, int shades) {
+    for (int y = 0; y < kHeight; ++y) {
+      for (int x = 0; x < kWidth; ++x) {
+        const double u = (x - cx) / rx;
+        const double v = (y - cy) / ry;
+        std::uint8_t* const pixel = rows + stride * static_cast<unsigned>(y) + 3 * x;
+        for (int c = 0; u * u + v * v <= 1 && c < 3; ++c) {
+          pixel[c] = static_cast<std::uint8_t>((color >> 8 * c & 255U) + (x * 7 + y * 3) % shades);
+        }
+      }
+    }
+  };
+  ellipse(60, 70, 45, 50, 0xD8A688, 9);
+  for (const int x : {42, 79}) {
+    ellipse(x, kEyeY, 14, 7.2, 0xEBEBEB, 1);
+    ellipse(x, kEyeY, kEyeRadius, kEyeRadius, 0xC81E1E, 1);
+  }
+  return face;
+}
+
+// The face in 16, 24 and 32 bits; noise in palettes, gray when of 8 bits.
+inline OwnedDib Picture(int depth) {
+  if (depth < 16) {
+    return depth == 4 ? pictures::NoiseInColor(kWidth, kHeight, 4, 1)
+                      : pictures::Noise(kWidth, kHeight, depth, 1);
+  }
+  OwnedDib picture = Face();
+  const watched::State before = std::exchange(watched::TheState(), {});
+  if (depth != 24) {
+    const orvo::OwnedInstance toolkit;
+    EXPECT_EQ(toolkit->ConvertToColorResInPlace(picture.address(), depth), ORVO_OK);
+  }
+  watched::TheState() = before;
+  return picture;
+}
+
+inline bool IsAlive(DibHandle handle) {
+  return GlobalSize(handle) != 0;
+}
+
+inline std::string Measures(DibHandle image) {
+  const orvo::DibLayout layout = Locked(image).layout();
+  return std::to_string(layout.width) + "x" + std::to_string(layout.height) + "x" +
+         std::to_string(layout.depth);
+}
+
+}  // namespace table
+
+#endif  // TESTS_TABLE_TOOLKIT_TEST_H

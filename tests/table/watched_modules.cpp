@@ -1,0 +1,192 @@
+#include "watched_modules.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <sstream>
+
+#include "binding/module_contract.h"
+
+namespace watched {
+
+State& TheState() {
+  static State state;
+  return state;
+}
+
+namespace {
+
+std::string Text(const void* pointer) {
+  if (pointer == nullptr) return "0";
+  const auto name = TheState().names.find(pointer);
+  return name == TheState().names.end() ? "*" : name->second;
+}
+std::string Text(StatusCallback callback) {
+  return Text(reinterpret_cast<const void*>(callback));
+}
+// The first characters of the test's own folder would only be noise.
+std::string Text(const char* text) {
+  const std::string& folder = TheState().folder;
+  if (text == nullptr || folder.empty() || std::strncmp(text, folder.c_str(), folder.size()) != 0) {
+    return text == nullptr ? "0" : text;
+  }
+  return std::string("~").append(text + folder.size());
+}
+std::string Text(const struct_LEAD_Bitmap* bitmap) {
+  std::ostringstream text;
+  text << bitmap->width << 'x' << bitmap->height << 'x' << bitmap->bitsPerPixel;
+  return text.str();
+}
+std::string Text(const LTLOADOPTIONS* options) {
+  if (options == nullptr) return "0";
+  const bool right = options->size == sizeof *options;
+  return right ? std::string("page ").append(std::to_string(options->page)) : "wrong size";
+}
+std::string Text(const LTTHUMBNAILOPTIONS* options) {
+  std::string text;
+  for (const int field : {options->width, options->height, options->bitsPerPixel,
+                          options->colorResolutionFlags, options->keepAspect, options->forceSize,
+                          options->backgroundColor, options->loadStamp, options->resample}) {
+    text.append(text.empty() ? "[" : " ").append(std::to_string(field));
+  }
+  return text + "]";
+}
+template <class Number>
+  requires std::is_arithmetic_v<Number>
+std::string Text(Number number) {
+  std::ostringstream text;
+  text << number;
+  return text.str();
+}
+
+void* UnderAnotherHandle(void* block) {
+  const std::size_t size = GlobalSize(block);
+  void* const copy = GlobalAlloc(orvo::kDibBlockFlags, size);
+  const void* const from = GlobalLock(block);
+  void* const to = GlobalLock(copy);
+  const bool locked = from != nullptr && to != nullptr;
+  if (locked) std::memcpy(to, from, size);
+  GlobalUnlock(block);
+  GlobalUnlock(copy);
+  GlobalFree(locked ? block : copy);
+  return locked ? copy : block;
+}
+
+template <std::size_t size>
+struct Name {
+  char text[size];
+  consteval Name(const char (&name)[size]) { std::copy_n(name, size, text); }  // NOLINT
+};
+
+template <Name kName, class Function>
+struct Entry;
+
+template <Name kName, class Result, class... Arguments>
+struct Entry<kName, Result(Arguments...)> {
+  static inline void* own = nullptr;  // the module's function
+
+  static Result Call(Arguments... arguments) {
+    State& state = TheState();
+    const auto function = reinterpret_cast<Result (*)(Arguments...)>(own);
+    if (!state.writes) return function(arguments...);
+    std::string line;
+    ((line.append(line.empty() ? "" : ", ").append(Text(arguments))), ...);
+    state.log.push_back(std::string(kName.text).append("(").append(line).append(")"));
+    std::deque<double>& answers = state.answers[kName.text];
+    if constexpr (std::is_arithmetic_v<Result>) {
+      if (answers.empty()) return function(arguments...);
+      const double answer = answers.front();
+      answers.pop_front();
+      return static_cast<Result>(answer);
+    } else if constexpr (std::is_same_v<Result, DibHandle>) {
+      DibHandle block = function(arguments...);
+      if (!answers.empty()) {
+        answers.pop_front();
+        GlobalFree(block);
+        return nullptr;
+      }
+      return state.newHandles && block != nullptr ? UnderAnotherHandle(block) : block;
+    } else {
+      return function(arguments...);
+    }
+  }
+};
+
+struct Row {
+  const char* name;
+  void* call;
+  void** own;
+};
+
+#define ROW(name) Row{#name, reinterpret_cast<void*>(&Entry<#name, decltype(::name)>::Call), \
+                      &Entry<#name, decltype(::name)>::own}
+const Row kRows[] = {
+    ROW(L_ChangeFromDIB), ROW(L_ChangeToDIB), ROW(L_ChangeToDIB2), ROW(L_ColorResBitmap),
+    ROW(L_DefaultDithering), ROW(L_FreeBitmap), ROW(L_GrayScaleBitmap), ROW(L_RotateBitmap),
+    ROW(L_SetStatusCallBack), ROW(L_TrimBitmap), ROW(L_VersionInfo), ROW(L_ConvertToDIB),
+    ROW(L_ConvertFromDIB), ROW(L_SizeBitmap), ROW(L_IsGrayScaleBitmap),
+    ROW(L_ChangeBitmapContrast), ROW(L_ChangeBitmapHue), ROW(L_ChangeBitmapIntensity),
+    ROW(L_GammaCorrectBitmap), ROW(L_InvertBitmap), ROW(L_RemapBitmapIntensity),
+    ROW(L_SharpenBitmap), ROW(L_ChangeBitmapSaturation), ROW(L_CreateThumbnailFromFile),
+    ROW(L_FileInfo), ROW(L_LoadBitmap), ROW(L_SaveBitmap), ROW(L_SaveFile), ROW(L_FileConvert),
+    ROW(PDF_new), ROW(PDF_open_file), ROW(PDF_set_info), ROW(PDF_open_image_file),
+    ROW(PDF_get_value), ROW(PDF_begin_page), ROW(PDF_scale), ROW(PDF_place_image),
+    ROW(PDF_close_image), ROW(PDF_end_page), ROW(PDF_close), ROW(PDF_delete)};
+#undef ROW
+
+// The platform layer's own function, behind the one of the same name that this program defines.
+template <class Function>
+Function* Real(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+void Write(const std::string& line) {
+  if (TheState().writes) TheState().log.push_back(line);
+}
+
+std::map<void*, std::string>& Loaded() {
+  static std::map<void*, std::string> loaded;
+  return loaded;
+}
+
+}  // namespace
+}  // namespace watched
+
+using namespace watched;
+
+// The toolkit is linked into this program, so its calls come here. It looks for the modules beside
+// the program; they lie elsewhere, and stay loaded.
+
+void* LoadLibraryA(const char* path) {
+  static auto* const real = Real<decltype(LoadLibraryA)>("LoadLibraryA");
+  static const auto beside = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  if (path == nullptr || std::filesystem::path(path).parent_path() != beside) return real(path);
+  const std::string name = std::filesystem::path(path).filename();
+  Write("load " + name);
+  if (TheState().absent.contains(name)) return nullptr;
+  void* const module = real((MODULES_FOLDER "/" + name).c_str());
+  Loaded()[module] = name;
+  return module;
+}
+
+void* GetProcAddress(void* module, const char* name) {
+  static auto* const real = Real<decltype(GetProcAddress)>("GetProcAddress");
+  if (!Loaded().contains(module)) return real(module, name);
+  Write("find " + std::string(name));
+  void* const own = TheState().absent.contains(name) ? nullptr : real(module, name);
+  const auto* const row =
+      std::find_if(std::begin(kRows), std::end(kRows),
+                   [&](const Row& each) { return std::string(each.name) == name; });
+  if (own == nullptr || row == std::end(kRows)) return own;
+  *row->own = own;
+  return row->call;
+}
+
+int FreeLibrary(void* module) {
+  static auto* const real = Real<decltype(FreeLibrary)>("FreeLibrary");
+  if (!Loaded().contains(module)) return real(module);
+  Write("unload " + Loaded()[module]);
+  return 1;
+}

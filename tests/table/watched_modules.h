@@ -1,0 +1,33 @@
+// The four modules, watched: each call that the toolkit makes to them is written down, and may be
+// answered in the module's place. Modules and entries can be hidden.
+#ifndef TESTS_TABLE_WATCHED_MODULES_H
+#define TESTS_TABLE_WATCHED_MODULES_H
+
+#include <deque>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace watched {
+
+using Log = std::vector<std::string>;
+
+struct State {
+  Log log;  // "load x", "find x", "unload x", and each call as "function(argument, ...)"
+  std::map<std::string, std::deque<double>> answers;  // by function, call by call; then the module's
+  std::set<std::string> absent;                       // file names and entries
+  std::map<const void*, std::string> names = {};      // what the log calls a pointer
+  std::string folder;        // its name is left out of the log, which has ~ in its place
+  bool newHandles = true;    // a block comes back under another handle than it came under
+  bool writes = true;        // a log
+};
+
+State& TheState();
+
+// The n-th operator new from now on fails, once; 0 lets all succeed.
+void FailNew(int n) noexcept;
+
+}  // namespace watched
+
+#endif  // TESTS_TABLE_WATCHED_MODULES_H
