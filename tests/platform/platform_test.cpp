@@ -239,8 +239,8 @@ TEST(Rectangles, EdgesAreExclusiveOnTheRightAndBelow) {
   for (const Row& row : rows) {
     for (const bool swapped : {false, true}) {
       RECT shared{9, 9, 9, 9};
-      const int hit = IntersectRect(&shared, swapped ? &row.other : &rect,
-                                    swapped ? &rect : &row.other);
+      const int hit =
+          IntersectRect(&shared, swapped ? &row.other : &rect, swapped ? &rect : &row.other);
       EXPECT_TRUE(same(shared, row.shared)) << row.other.left << ", " << row.other.top;
       EXPECT_EQ(hit != 0, !same(row.shared, {}));
     }
@@ -250,9 +250,10 @@ TEST(Rectangles, EdgesAreExclusiveOnTheRightAndBelow) {
   RECT copy{};
   EXPECT_TRUE(CopyRect(&copy, &rect));
   EXPECT_TRUE(same(copy, rect));
-  EXPECT_FALSE(CopyRect(&copy, nullptr) || CopyRect(nullptr, &rect) || SetRect(nullptr, 1, 1, 2, 2) ||
-               PtInRect(nullptr, {1, 1}) || IntersectRect(&copy, &rect, nullptr) ||
-               IntersectRect(&copy, nullptr, &rect) || IntersectRect(nullptr, &rect, &rect));
+  EXPECT_FALSE(CopyRect(&copy, nullptr) || CopyRect(nullptr, &rect) ||
+               SetRect(nullptr, 1, 1, 2, 2) || PtInRect(nullptr, {1, 1}) ||
+               IntersectRect(&copy, &rect, nullptr) || IntersectRect(&copy, nullptr, &rect) ||
+               IntersectRect(nullptr, &rect, &rect));
   EXPECT_TRUE(IsRectEmpty(nullptr));
 }
 

@@ -27,18 +27,18 @@ struct Pair {
   std::string name;
   std::size_t toNew, inPlace;
   int (*call)(const Form& form, int number, StatusCallback watch);
-  int number = 0;                // the operation's own argument
-  std::string moduleCall = {};   // on the face; empty for the toolkit's own work
-  std::vector<int> accepted = {}, refused = {};  // numbers at the edges of the range
-  std::vector<int> depths = {};
-  std::string needs = {};  // entries beside those that every module operation needs
-  // How it differs from the other operations of its kind.
-  bool watched = true;
-  bool bindingsFirst = false;           // are tested before the source
-  bool refusedDepthSetsResult = false;  // to the source
-  bool failureSetsResult = true;
-  bool freesOldResult = true;
-  bool noSourceKeepsResult = false;
+  int number;                          // the operation's own argument
+  std::vector<int> accepted, refused;  // numbers at the edges of the range
+  std::vector<int> depths;
+  std::string entry = {}, arguments = {};  // of the module's function; none for own work
+
+  [[nodiscard]] bool takesAny() const { return depths.size() == 7; }
+  [[nodiscard]] bool is(const char* other) const { return name == other; }
+  // How it differs from the others: the callback, and the result that a call overwrites.
+  [[nodiscard]] bool watched() const { return !is("ConvertToColorRes") && !is("Trim"); }
+  [[nodiscard]] bool stamps() const { return is("ChangeResolution"); }
+  // The toolkit's own that bring 16 and 32 bits to 24 and back.
+  [[nodiscard]] bool framed() const { return depths.front() > 1 && depths.back() == 32; }
 };
 
 // Those that a module carries out, and the toolkit's own.
@@ -47,13 +47,10 @@ const std::vector<Pair>& OwnPairs();
 
 // Runs one form of an operation; to new into *result.
 inline int Perform(COrvoInstance* toolkit, const Pair& pair, DibHandle* image, DibHandle* result,
-               int number, StatusCallback watch) {
-  const bool own = pair.moduleCall.empty();
-  return pair.call({toolkit, result != nullptr ? pair.toNew : pair.inPlace, image, result, own},
-                   number, watch);
+                   int number, StatusCallback watch = nullptr) {
+  const std::size_t place = result != nullptr ? pair.toNew : pair.inPlace;
+  return pair.call({toolkit, place, image, result, pair.entry.empty()}, number, watch);
 }
-
-inline std::uint32_t tones[256];  // the negative
 
 }  // namespace table
 

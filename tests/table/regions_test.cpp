@@ -60,8 +60,11 @@ class Regions : public ToolkitTest {
 // 300 x 300 pixels make a scale of 2.5, a reach of 10 and a seed step of 2 mask pixels from 25 and
 // 5, so items count from 11 mask pixels on.
 TEST_F(Regions, ItemsComeInSourcePixelsFromTheTop) {
-  const Items frame = {{10, 10, 290, 25}, {10, 25, 25, 275}, {275, 25, 290, 275},
-                       {10, 275, 290, 290}, {120, 120, 180, 180}};
+  const Items frame = {{10, 10, 290, 25},
+                       {10, 25, 25, 275},
+                       {275, 25, 290, 275},
+                       {10, 275, 290, 290},
+                       {120, 120, 180, 180}};
   const Items near = {{50, 100, 100, 150}, {123, 100, 175, 150}};  // nine mask pixels between
   const Items apart = {{50, 100, 100, 150}, {125, 100, 175, 150}};
   const Items two = {{50, 10, 100, 60}, {200, 190, 250, 290}};
@@ -116,7 +119,8 @@ TEST_F(Regions, WithoutMemoryNothingIsFound) {
     void (*fail)(int) noexcept;
     int failures;  // at least
   };
-  for (const Row& row : {Row{PlatformFailAllocation, 1}, {PlatformFailLock, 2}, {watched::FailNew, 20}}) {
+  for (const Row& row :
+       {Row{PlatformFailAllocation, 1}, {PlatformFailLock, 2}, {watched::FailNew, 20}}) {
     int n = 0;
     for (int count = 0; count == 0 && ++n < 2000;) {
       RegionRecord* list = nullptr;

@@ -6,42 +6,13 @@ namespace {
 
 class Slots : public ToolkitTest {};
 
-Log Lines(const std::string& word, const std::string& names) {
-  Log lines;
-  for (std::size_t at = 0; at < names.size(); at = names.find(' ', at) + 1) {
-    lines.push_back(word + " " + names.substr(at, names.find(' ', at) - at));
-    if (names.find(' ', at) == std::string::npos) break;
-  }
-  return lines;
-}
-
-Log operator+(Log a, const Log& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
-
-struct Module {
-  const char* name;
-  const char* entries;
-};
-// In order of loading. The three of pictures need the one before them, PDF documents none.
-constexpr Module kModules[] = {
-    {"PdfLib.dll",
-     "PDF_new PDF_open_file PDF_set_info PDF_open_image_file PDF_get_value PDF_begin_page "
-     "PDF_scale PDF_place_image PDF_close_image PDF_end_page PDF_close PDF_delete"},
-    {"ltkrn13n.dll",
-     "L_ChangeFromDIB L_ChangeToDIB L_ChangeToDIB2 L_ColorResBitmap L_DefaultDithering "
-     "L_FreeBitmap L_GrayScaleBitmap L_RotateBitmap L_SetStatusCallBack L_TrimBitmap "
-     "L_VersionInfo L_ConvertToDIB L_ConvertFromDIB L_SizeBitmap L_IsGrayScaleBitmap"},
-    {"ltimg13n.dll",
-     "L_ChangeBitmapContrast L_ChangeBitmapHue L_ChangeBitmapIntensity L_GammaCorrectBitmap "
-     "L_InvertBitmap L_RemapBitmapIntensity L_SharpenBitmap L_ChangeBitmapSaturation"},
-    {"ltfil13n.dll",
-     "L_CreateThumbnailFromFile L_FileInfo L_LoadBitmap L_SaveBitmap L_SaveFile L_FileConvert"}};
+// In order of loading, with the number of their entries. The three of pictures need the one before
+// them, PDF documents none.
+constexpr std::pair<const char*, int> kModules[] = {
+    {"PdfLib.dll", 12}, {"ltkrn13n.dll", 15}, {"ltimg13n.dll", 8}, {"ltfil13n.dll", 6}};
 
 TEST_F(Slots, InstancesBindInOrderAndUnloadWhatWasBound) {
-  for (const std::string absent : {"", "PdfLib.dll", "ltkrn13n.dll", "ltimg13n.dll",
-                                   "ltfil13n.dll"}) {
+  for (const char* absent : {"", "PdfLib.dll", "ltkrn13n.dll", "ltimg13n.dll", "ltfil13n.dll"}) {
     SCOPED_TRACE(absent);
     toolkit.reset();
     log();
@@ -49,21 +20,24 @@ TEST_F(Slots, InstancesBindInOrderAndUnloadWhatWasBound) {
     toolkit.reset(CreateORVOInstance());
     Log expected;
     std::set<std::string> bound;
-    for (const Module& module : kModules) {
-      expected.push_back(std::string("load ") + module.name);
-      if (module.name == absent && bound.empty()) continue;
-      if (module.name == absent) break;
-      bound.insert(module.name);
-      expected = expected + Lines("find", module.entries);
+    auto entry = watched::EntryNames().begin();
+    for (const auto& [name, entries] : kModules) {
+      expected.push_back(std::string("load ") + name);
+      const bool missing = std::string(name) == absent;
+      if (missing && !bound.empty()) break;
+      for (int i = 0; i < entries; ++i, ++entry) {
+        if (!missing) expected.push_back("find " + *entry);
+      }
+      if (!missing) bound.insert(name);
     }
     if (bound.contains("ltkrn13n.dll")) expected.emplace_back("L_DefaultDithering(1)");
     EXPECT_EQ(log(), expected);
     toolkit.reset();
-    Log unloaded;
+    expected.clear();
     for (const char* name : {"PdfLib.dll", "ltkrn13n.dll", "ltfil13n.dll", "ltimg13n.dll"}) {
-      if (bound.contains(name)) unloaded.push_back(std::string("unload ") + name);
+      if (bound.contains(name)) expected.push_back(std::string("unload ") + name);
     }
-    EXPECT_EQ(log(), unloaded);
+    EXPECT_EQ(log(), expected);
   }
 }
 
@@ -80,67 +54,108 @@ TEST_F(Slots, TheFirstEndsTheInstance) {
   int failing = 0;
   for (toolkit.reset(); toolkit == nullptr && failing < 10; PlatformFailAllocation(0)) {
     PlatformFailAllocation(++failing);
-    const std::size_t before = PlatformLiveBlocks();
     toolkit.reset(CreateORVOInstance());
-    EXPECT_TRUE(toolkit != nullptr || PlatformLiveBlocks() == before);
   }
   EXPECT_EQ(failing, 4) << "the instance and the two objects that it owns";
 }
 
 TEST_F(Slots, ModuleOperationsInBothForms) {
   for (const Pair& pair : ModulePairs()) {
-    for (const bool newHandles : {true, false}) {
-      for (const StatusCallback before : {StatusCallback{nullptr}, StatusCallback{&Earlier}}) {
-        SCOPED_TRACE(pair.name);
-        OwnedDib image = Face();
-        const OwnedDib original = pictures::CopyOf(image.get());
-        const OwnedDib old = pictures::Noise(7, 5, 24, 1);
-        state.names[image.get()] = "image";
-        state.names[tones] = "tones";
-        state.newHandles = newHandles;
-        DibHandle made = old.get();
-        const auto expectLog = [&](const std::string& in, const Log& back) {
-          Log expected{in, pair.moduleCall};
-          if (pair.watched) expected.insert(expected.begin() + 1, "L_SetStatusCallBack(watch, 0)");
-          if (pair.watched && before) expected.emplace_back("L_SetStatusCallBack(earlier, 0)");
-          EXPECT_EQ(log(), expected + back);
-          EXPECT_EQ(install(before), pair.watched && !before ? &Watch : before);
-          if (pair.watched) {
-            EXPECT_EQ(heard.back(), 100);
-            EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()) && heard.front() >= 0);
-          }
-          EXPECT_EQ(heard.empty(), !pair.watched);
-          heard.clear();
-        };
-        install(before);
-        log();
-        ASSERT_EQ(Perform(toolkit.get(), pair, image.address(), &made, pair.number, &Watch), ORVO_OK);
-        const std::string size = "(" + Measures(made);
-        expectLog("L_ConvertFromDIB(0x0x0, *, *)",
-                  pair.freesOldResult ? Log{"L_ChangeToDIB" + size + ")"}
-                                      : Log{"L_ConvertToDIB" + size + ")",
-                                            "L_FreeBitmap" + size + ")"});
-        const OwnedDib result(made);
-        EXPECT_EQ(IsAlive(old.get()), !pair.freesOldResult);
-        EXPECT_EQ(Difference(original.get(), image.get()), "");
-        EXPECT_NE(Difference(original.get(), result.get()), "");
-        EXPECT_EQ(Locked(result.get()).header()->biYPelsPerMeter,
-                  orvo::PixelsPerMetre(pair.freesOldResult ? 200 : 100));
-        EXPECT_EQ(Locked(result.get()).header()->biXPelsPerMeter,
-                  orvo::PixelsPerMetre(pair.freesOldResult ? 300 : 150));
+    for (const int variant : {0, 1, 2, 3}) {
+      SCOPED_TRACE(pair.name);
+      state.newHandles = variant % 2 == 0;
+      const StatusCallback before = variant / 2 == 0 ? nullptr : &Earlier;
+      OwnedDib image = Face();
+      const OwnedDib original = pictures::CopyOf(image.get());
+      const OwnedDib old = pictures::Noise(7, 5, 24, 1);
+      const auto expectLog = [&](const std::string& in, const Log& back) {
+        Log expected{in, pair.entry + "(131x129x24" + pair.arguments};
+        if (pair.watched()) expected.insert(expected.begin() + 1, "L_SetStatusCallBack(watch, 0)");
+        if (pair.watched() && before) expected.emplace_back("L_SetStatusCallBack(earlier, 0)");
+        EXPECT_EQ(log(), expected + back);
+        EXPECT_EQ(install(before), pair.watched() && !before ? &Watch : before);
+        EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
+        EXPECT_EQ(heard.empty() ? -1 : heard.back(), pair.watched() ? 100 : -1);
+        heard.clear();
+      };
+      install(before);
+      DibHandle made = old.get();
+      ASSERT_EQ(Perform(toolkit.get(), pair, image.address(), &made, pair.number, &Watch), ORVO_OK);
+      const OwnedDib result(made);
+      const std::string size = "(" + Measures(made);
+      expectLog("L_ConvertFromDIB(0x0x0, *, *)",
+                pair.stamps() ? Log{"L_ConvertToDIB" + size + ")", "L_FreeBitmap" + size + ")"}
+                              : Log{"L_ChangeToDIB" + size + ")"});
+      EXPECT_EQ(IsAlive(old.get()), pair.stamps());
+      EXPECT_EQ(Difference(original.get(), image.get()), "");
+      EXPECT_NE(Difference(original.get(), made), "");
+      const BITMAPINFOHEADER& header = *Locked(made).header();
+      EXPECT_EQ(header.biXPelsPerMeter, orvo::PixelsPerMetre(pair.stamps() ? 150 : 300));
+      EXPECT_EQ(header.biYPelsPerMeter, orvo::PixelsPerMetre(pair.stamps() ? 100 : 200));
 
-        void* const given = image.get();
-        ASSERT_EQ(Perform(toolkit.get(), pair, image.address(), nullptr, pair.number, &Watch), ORVO_OK);
-        expectLog("L_ChangeFromDIB(0x0x0, image)",
-                  {pair.name == "Trim" ? "L_ChangeToDIB2" + size + ", 0)"
-                                       : "L_ChangeToDIB" + size + ")"});
-        if (newHandles) {
-          EXPECT_FALSE(IsAlive(given));
-        }
-        EXPECT_EQ(Difference(result.get(), image.get()), "");
-      }
+      void* const given = image.get();
+      ASSERT_EQ(Perform(toolkit.get(), pair, image.address(), nullptr, pair.number, &Watch),
+                ORVO_OK);
+      const std::string back =
+          pair.is("Trim") ? "L_ChangeToDIB2" + size + ", 0)" : "L_ChangeToDIB" + size + ")";
+      expectLog("L_ChangeFromDIB(0x0x0, *)", {back});
+      EXPECT_TRUE(!state.newHandles || !IsAlive(given));
+      EXPECT_EQ(Difference(made, image.get()), "");
     }
   }
+}
+
+struct Resolution {
+  int storedX, storedY, wantedX, wantedY;  // dots per inch
+  const char* size;                        // of 7 x 5 pixels
+};
+
+TEST_F(Slots, SizesFollowTheResolution) {
+  const Resolution rows[] = {
+      {300, 300, 150, 150, "3, 2"}, {300, 200, 600, 100, "14, 2"},
+      {299, 299, 298, 298, "6, 4"}, {300, 300, 0x7FFFFFFF, 300, "7158278, 5"},
+      {300, 300, 0, 0, "0, 0"},     {0, 300, 150, 150, nullptr},
+      {300, 0, 150, 150, nullptr}};
+  for (const Resolution& row : rows) {
+    OwnedDib photo = pictures::Noise(7, 5, 24, 1);
+    Locked(photo.get()).header()->biXPelsPerMeter = orvo::PixelsPerMetre(row.storedX);
+    Locked(photo.get()).header()->biYPelsPerMeter = orvo::PixelsPerMetre(row.storedY);
+    const OwnedDib original = pictures::CopyOf(photo.get());
+    state.answers["L_SizeBitmap"] = {-13};  // what is asked of the module is enough to see
+    EXPECT_EQ(toolkit->ChangeResolutionInPlace(photo.address(), row.wantedX, row.wantedY, &Watch),
+              ORVO_ERR_NOT_SUPPORTED);
+    const Log calls = log();
+    ASSERT_EQ(calls.size(), row.size != nullptr ? 4U : 2U);
+    if (row.size != nullptr) {
+      EXPECT_EQ(calls[2], std::string("L_SizeBitmap(7x5x24, ") + row.size + ", 4)");
+    }
+    EXPECT_EQ(Difference(original.get(), photo.get()), "");
+    state.answers.clear();
+  }
+}
+
+TEST_F(Slots, DitheringModeGoesIntoTheFlagsOfDepthConversion) {
+  // By mode, with the kernel's answer; the mode is kept when the kernel refuses it.
+  const std::tuple<int, int, int> rows[] = {{-1, 1, 1},     {0, 1, 1},        {1, 1, 65537},
+                                            {3, 1, 196609}, {8, -13, 524289}, {9, 1, 1}};
+  OwnedDib photo = pictures::Noise(7, 5, 24, 1);
+  const auto flags = [&](int expected) {
+    DibHandle made = nullptr;
+    EXPECT_EQ(toolkit->ConvertToColorRes(photo.get(), &made, 4), ORVO_OK);
+    GlobalFree(made);
+    EXPECT_EQ(log()[1], "L_ColorResBitmap(7x5x24, 7x5x24, 4, " + std::to_string(expected) +
+                            ", 0, 0, 0, 0, 0)");
+  };
+  for (const auto& [mode, answered, expected] : rows) {
+    state.answers["L_DefaultDithering"] = {static_cast<double>(answered)};
+    EXPECT_EQ(CallSlot(toolkit.get(), 39, mode), answered == 1 ? ORVO_OK : ORVO_ERR_NOT_SUPPORTED);
+    EXPECT_EQ(log(),
+              Log{"L_DefaultDithering(" + std::to_string(static_cast<unsigned>(mode)) + ")"});
+    flags(expected);
+  }
+  bind({"L_DefaultDithering"});
+  EXPECT_EQ(toolkit->SetDitheringMode(3), ORVO_ERR_NO_VENDOR);
+  flags(1);
 }
 
 }  // namespace

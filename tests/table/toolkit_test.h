@@ -22,6 +22,7 @@ using orvo::OwnedDib;
 using pictures::Difference;
 using pictures::Locked;
 using watched::Log;
+using watched::operator+;
 
 // What a callback was told, and what it answers.
 inline std::vector<int> heard;
@@ -41,7 +42,7 @@ int CallSlot(COrvoInstance* toolkit, std::size_t place, Arguments... arguments) 
   void* const* slots = nullptr;
   std::memcpy(&slots, static_cast<const void*>(toolkit), sizeof slots);
   return reinterpret_cast<int (*)(COrvoInstance*, Arguments...)>(slots[place])(toolkit,
-                                                                              arguments...);
+                                                                               arguments...);
 }
 
 class ToolkitTest : public testing::Test {
@@ -101,20 +102,16 @@ inline OwnedDib Ground() {
   return ground;
 }
 
-inline OwnedDib Face() {
+inline OwnedDib Drawn() {
   OwnedDib face = Ground();
   const Locked image(face.get());
-  std::uint8_t* const rows = image.row(0);
-  const std::size_t stride = image.layout().stride;
   const auto ellipse = [&](int cx, int cy, double rx, double ry, std::uint32_t color, int shades) {
-    for (int y = 0; y < kHeight; ++y) {
-      for (int x = 0; x < kWidth; ++x) {
-        const double u = (x - cx) / rx;
-        const double v = (y - cy) / ry;
-        std::uint8_t* const pixel = rows + stride * static_cast<unsigned>(y) + 3 * x;
-        for (int c = 0; u * u + v * v <= 1 && c < 3; ++c) {
-          pixel[c] = static_cast<std::uint8_t>((color >> 8 * c & 255U) + (x * 7 + y * 3) % shades);
-        }
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+      const double u = (i % kWidth - cx) / rx;
+      const double v = (i / kWidth - cy) / ry;
+      std::uint8_t* const pixel = image.row(i / kWidth) + i % kWidth * 3;
+      for (int c = 0; u * u + v * v <= 1 && c < 3; ++c) {
+        pixel[c] = static_cast<std::uint8_t>((color >> 8 * c & 255U) + i * 7 % shades);
       }
     }
   };
@@ -123,6 +120,13 @@ inline OwnedDib Face() {
     ellipse(x, kEyeY, 14, 7.2, 0xEBEBEB, 1);
     ellipse(x, kEyeY, kEyeRadius, kEyeRadius, 0xC81E1E, 1);
   }
+  return face;
+}
+
+inline OwnedDib Face() {
+  static const std::vector<std::uint8_t> bytes = pictures::BytesOf(Drawn().get());
+  OwnedDib face(GlobalAlloc(orvo::kDibBlockFlags, bytes.size()));
+  std::memcpy(Locked(face.get()).bytes(), bytes.data(), bytes.size());
   return face;
 }
 

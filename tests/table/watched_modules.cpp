@@ -18,44 +18,40 @@ State& TheState() {
 
 namespace {
 
+// Whatever a call was given, in words; bitmaps by their measures.
 std::string Text(const void* pointer) {
-  if (pointer == nullptr) return "0";
   const auto name = TheState().names.find(pointer);
-  return name == TheState().names.end() ? "*" : name->second;
+  return pointer == nullptr ? "0" : name == TheState().names.end() ? "*" : name->second;
 }
 std::string Text(StatusCallback callback) {
   return Text(reinterpret_cast<const void*>(callback));
 }
-// The first characters of the test's own folder would only be noise.
 std::string Text(const char* text) {
   const std::string& folder = TheState().folder;
-  if (text == nullptr || folder.empty() || std::strncmp(text, folder.c_str(), folder.size()) != 0) {
+  if (text == nullptr || folder.empty() || !std::string(text).starts_with(folder)) {
     return text == nullptr ? "0" : text;
   }
   return std::string("~").append(text + folder.size());
 }
-std::string Text(const struct_LEAD_Bitmap* bitmap) {
-  std::ostringstream text;
-  text << bitmap->width << 'x' << bitmap->height << 'x' << bitmap->bitsPerPixel;
-  return text.str();
-}
-std::string Text(const LTLOADOPTIONS* options) {
-  if (options == nullptr) return "0";
-  const bool right = options->size == sizeof *options;
-  return right ? std::string("page ").append(std::to_string(options->page)) : "wrong size";
-}
-std::string Text(const LTTHUMBNAILOPTIONS* options) {
+std::string Joined(std::initializer_list<int> numbers, const char* between) {
   std::string text;
-  for (const int field : {options->width, options->height, options->bitsPerPixel,
-                          options->colorResolutionFlags, options->keepAspect, options->forceSize,
-                          options->backgroundColor, options->loadStamp, options->resample}) {
-    text.append(text.empty() ? "[" : " ").append(std::to_string(field));
-  }
-  return text + "]";
+  for (const int number : numbers)
+    text.append(text.empty() ? "" : between).append(std::to_string(number));
+  return text;
+}
+std::string Text(const struct_LEAD_Bitmap* bitmap) {
+  return Joined({bitmap->width, bitmap->height, bitmap->bitsPerPixel}, "x");
+}
+std::string Text(const LTLOADOPTIONS* o) {
+  return o == nullptr ? "0" : Joined({o->size / static_cast<int>(sizeof *o), o->page}, " page ");
+}
+std::string Text(const LTTHUMBNAILOPTIONS* o) {
+  return Joined({o->width, o->height, o->bitsPerPixel, o->colorResolutionFlags, o->keepAspect,
+                 o->forceSize, o->backgroundColor, o->loadStamp, o->resample},
+                " ");
 }
 template <class Number>
-  requires std::is_arithmetic_v<Number>
-std::string Text(Number number) {
+requires std::is_arithmetic_v<Number> std::string Text(Number number) {
   std::ostringstream text;
   text << number;
   return text.str();
@@ -115,26 +111,36 @@ struct Entry<kName, Result(Arguments...)> {
 };
 
 struct Row {
-  const char* name;
   void* call;
   void** own;
 };
 
-#define ROW(name) Row{#name, reinterpret_cast<void*>(&Entry<#name, decltype(::name)>::Call), \
-                      &Entry<#name, decltype(::name)>::own}
-const Row kRows[] = {
-    ROW(L_ChangeFromDIB), ROW(L_ChangeToDIB), ROW(L_ChangeToDIB2), ROW(L_ColorResBitmap),
-    ROW(L_DefaultDithering), ROW(L_FreeBitmap), ROW(L_GrayScaleBitmap), ROW(L_RotateBitmap),
-    ROW(L_SetStatusCallBack), ROW(L_TrimBitmap), ROW(L_VersionInfo), ROW(L_ConvertToDIB),
-    ROW(L_ConvertFromDIB), ROW(L_SizeBitmap), ROW(L_IsGrayScaleBitmap),
-    ROW(L_ChangeBitmapContrast), ROW(L_ChangeBitmapHue), ROW(L_ChangeBitmapIntensity),
-    ROW(L_GammaCorrectBitmap), ROW(L_InvertBitmap), ROW(L_RemapBitmapIntensity),
-    ROW(L_SharpenBitmap), ROW(L_ChangeBitmapSaturation), ROW(L_CreateThumbnailFromFile),
-    ROW(L_FileInfo), ROW(L_LoadBitmap), ROW(L_SaveBitmap), ROW(L_SaveFile), ROW(L_FileConvert),
-    ROW(PDF_new), ROW(PDF_open_file), ROW(PDF_set_info), ROW(PDF_open_image_file),
-    ROW(PDF_get_value), ROW(PDF_begin_page), ROW(PDF_scale), ROW(PDF_place_image),
-    ROW(PDF_close_image), ROW(PDF_end_page), ROW(PDF_close), ROW(PDF_delete)};
+template <Name kName, class Function>
+Row RowOf() {
+  return {reinterpret_cast<void*>(&Entry<kName, Function>::Call), &Entry<kName, Function>::own};
+}
+
+std::map<std::string, Row> rows;
+Log names;
+
+// clang-format off
+#define ROW(name) names.push_back(#name), rows[#name] = RowOf<#name, decltype(::name)>();
+void MakeRows() {
+  ROW(PDF_new) ROW(PDF_open_file) ROW(PDF_set_info) ROW(PDF_open_image_file) ROW(PDF_get_value)
+  ROW(PDF_begin_page) ROW(PDF_scale) ROW(PDF_place_image) ROW(PDF_close_image) ROW(PDF_end_page)
+  ROW(PDF_close) ROW(PDF_delete)
+  ROW(L_ChangeFromDIB) ROW(L_ChangeToDIB) ROW(L_ChangeToDIB2) ROW(L_ColorResBitmap)
+  ROW(L_DefaultDithering) ROW(L_FreeBitmap) ROW(L_GrayScaleBitmap) ROW(L_RotateBitmap)
+  ROW(L_SetStatusCallBack) ROW(L_TrimBitmap) ROW(L_VersionInfo) ROW(L_ConvertToDIB)
+  ROW(L_ConvertFromDIB) ROW(L_SizeBitmap) ROW(L_IsGrayScaleBitmap)
+  ROW(L_ChangeBitmapContrast) ROW(L_ChangeBitmapHue) ROW(L_ChangeBitmapIntensity)
+  ROW(L_GammaCorrectBitmap) ROW(L_InvertBitmap) ROW(L_RemapBitmapIntensity) ROW(L_SharpenBitmap)
+  ROW(L_ChangeBitmapSaturation)
+  ROW(L_CreateThumbnailFromFile) ROW(L_FileInfo) ROW(L_LoadBitmap) ROW(L_SaveBitmap)
+  ROW(L_SaveFile) ROW(L_FileConvert)
+}
 #undef ROW
+// clang-format on
 
 // The platform layer's own function, behind the one of the same name that this program defines.
 template <class Function>
@@ -152,6 +158,12 @@ std::map<void*, std::string>& Loaded() {
 }
 
 }  // namespace
+
+const Log& EntryNames() {
+  if (names.empty()) MakeRows();
+  return names;
+}
+
 }  // namespace watched
 
 using namespace watched;
@@ -165,6 +177,7 @@ void* LoadLibraryA(const char* path) {
   if (path == nullptr || std::filesystem::path(path).parent_path() != beside) return real(path);
   const std::string name = std::filesystem::path(path).filename();
   Write("load " + name);
+  EntryNames();
   if (TheState().absent.contains(name)) return nullptr;
   void* const module = real((MODULES_FOLDER "/" + name).c_str());
   Loaded()[module] = name;
@@ -176,12 +189,10 @@ void* GetProcAddress(void* module, const char* name) {
   if (!Loaded().contains(module)) return real(module, name);
   Write("find " + std::string(name));
   void* const own = TheState().absent.contains(name) ? nullptr : real(module, name);
-  const auto* const row =
-      std::find_if(std::begin(kRows), std::end(kRows),
-                   [&](const Row& each) { return std::string(each.name) == name; });
-  if (own == nullptr || row == std::end(kRows)) return own;
-  *row->own = own;
-  return row->call;
+  const auto row = rows.find(name);
+  if (own == nullptr || row == rows.end()) return own;
+  *row->second.own = own;
+  return row->second.call;
 }
 
 int FreeLibrary(void* module) {
