@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 #include <vector>
+
+#include <orvo/dib.h>
 
 #include "platform/fault_injection.h"
 #include "platform/modules.h"
@@ -14,15 +17,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Below and from a megabyte on memory comes from different places.
-constexpr std::size_t kSizes[] = {0, 1, 100, (1 << 20) - 1, 1 << 20, (5 << 20) + 3};
-
-TEST(Blocks, AreZeroedWritableAndForgottenWhenFreed) {
+TEST(Blocks, AreZeroedAndForgottenWhenFreed) {
   const std::size_t blocks = PlatformLiveBlocks();
-  for (const std::size_t size : kSizes) {
+  // Below and from a megabyte on memory comes from different places.
+  for (const std::size_t size : {0, 1, 100, (1 << 20) - 1, 1 << 20, (5 << 20) + 3}) {
     for (const unsigned flags : {GMEM_MOVEABLE | GMEM_ZEROINIT, GMEM_FIXED | GMEM_ZEROINIT}) {
       SCOPED_TRACE(size);
-      // Used memory that was given back must not shine through.
+      // What used memory held must not shine through.
       void* const dirty = GlobalAlloc(GMEM_FIXED, size);
       std::fill_n(static_cast<char*>(dirty), size, 'x');
       GlobalFree(dirty);
@@ -31,21 +32,18 @@ TEST(Blocks, AreZeroedWritableAndForgottenWhenFreed) {
       ASSERT_NE(bytes, nullptr);
       EXPECT_EQ(handle == bytes, (flags & GMEM_MOVEABLE) == 0);
       EXPECT_EQ(GlobalSize(handle), size);
-      EXPECT_EQ(std::count(bytes, bytes + size, 0), static_cast<std::ptrdiff_t>(size));
+      EXPECT_EQ(static_cast<std::size_t>(std::count(bytes, bytes + size, 0)), size);
       std::fill_n(bytes, size, 'x');
       EXPECT_EQ(PlatformLiveBlocks(), blocks + 1);
       EXPECT_EQ(LocalFree(handle), handle) << "not of LocalAlloc";
       EXPECT_EQ(GlobalFree(handle), nullptr);
       EXPECT_EQ(GlobalFree(handle), handle) << "only once";
     }
-    auto* const working = static_cast<char*>(LocalAlloc(LMEM_ZEROINIT, size));
-    EXPECT_EQ(std::count(working, working + size, 0), static_cast<std::ptrdiff_t>(size));
-    EXPECT_EQ(GlobalSize(working), 0U) << "not of GlobalAlloc";
+    auto* const working = static_cast<char*>(LocalAlloc(LMEM_ZEROINIT | GMEM_MOVEABLE, size));
+    EXPECT_EQ(static_cast<std::size_t>(std::count(working, working + size, 0)), size);
+    EXPECT_EQ(GlobalFree(working), working) << "not of GlobalAlloc";
     EXPECT_EQ(LocalFree(working), nullptr);
   }
-  void* const pointer = LocalAlloc(GMEM_MOVEABLE, 8);
-  *static_cast<int*>(pointer) = 1;  // working memory is never opaque
-  LocalFree(pointer);
   EXPECT_EQ(GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, SIZE_MAX / 2), nullptr);
   EXPECT_EQ(PlatformLiveBlocks(), blocks);
 }
@@ -63,48 +61,58 @@ TEST(Blocks, LocksCountAndDeadHandlesFail) {
   GlobalFree(handle);
   EXPECT_EQ(PlatformHeldLocks(), 0U) << "freeing ends the locks";
   int onStack = 0;
-  for (void* const dead : {static_cast<void*>(nullptr), handle, static_cast<void*>(&onStack),
-                           reinterpret_cast<void*>(std::uintptr_t{77777})}) {
+  for (void* const dead : std::initializer_list<void*>{nullptr, handle, &onStack}) {
     EXPECT_EQ(GlobalLock(dead), nullptr);
     EXPECT_EQ(GlobalUnlock(dead), 0);
     EXPECT_EQ(GlobalSize(dead), 0U);
     EXPECT_EQ(GlobalFree(dead), dead);
     EXPECT_EQ(LocalFree(dead), dead);
   }
+  PlatformFailAllocation(2);
   void* const next = GlobalAlloc(GMEM_MOVEABLE, 10);
+  EXPECT_EQ(LocalAlloc(LMEM_ZEROINIT, 1), nullptr) << "the second fails, once";
+  EXPECT_EQ(LocalFree(LocalAlloc(LMEM_ZEROINIT, 1)), nullptr);
   EXPECT_NE(next, handle) << "a freed handle is never given out again";
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(next) % 2, 1U) << "nor the address of a fixed block";
-  GlobalFree(next);
-}
-
-TEST(Blocks, TheNthCallFailsOnce) {
-  PlatformFailAllocation(2);
-  void* const first = GlobalAlloc(GMEM_MOVEABLE, 1);
-  EXPECT_NE(first, nullptr);
-  EXPECT_EQ(LocalAlloc(LMEM_ZEROINIT, 1), nullptr);
-  EXPECT_EQ(LocalFree(LocalAlloc(LMEM_ZEROINIT, 1)), nullptr);
   PlatformFailLock(1);
-  EXPECT_EQ(GlobalLock(first), nullptr);
-  EXPECT_NE(GlobalLock(first), nullptr);
-  GlobalFree(first);
+  EXPECT_EQ(GlobalLock(next), nullptr);
+  EXPECT_NE(GlobalLock(next), nullptr);
+  GlobalFree(next);
 }
 
 TEST(Blocks, AnyThreadMayCall) {
   const std::size_t blocks = PlatformLiveBlocks();
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([t] {
-      for (int i = 0; i < 2000; ++i) {
-        void* const handle = GlobalAlloc(GMEM_MOVEABLE, 64);
-        auto* const bytes = static_cast<char*>(GlobalLock(handle));
-        bytes[0] = static_cast<char>(t);
-        EXPECT_EQ(bytes[0], t);
-        GlobalFree(handle);
-      }
-    });
-  }
+  const auto work = [] {
+    for (int i = 0; i < 2000; ++i) {
+      void* const handle = GlobalAlloc(GMEM_MOVEABLE, 64);
+      EXPECT_NE(GlobalLock(handle), nullptr);
+      GlobalFree(handle);
+    }
+  };
+  std::thread threads[] = {std::thread(work), std::thread(work), std::thread(work)};
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(PlatformLiveBlocks(), blocks);
+}
+
+TEST(Blocks, HoldImagesOfThisLayout) {
+  // Width, height, depth, stride, offset of the rows.
+  for (const auto& [w, h, depth, stride, offset] :
+       std::initializer_list<std::array<int, 5>>{{33, 3, 1, 8, 48},
+                                                 {9, 3, 4, 8, 104},
+                                                 {5, 2, 8, 8, 1064},
+                                                 {3, 2, 16, 8, 40},
+                                                 {5, 7, 24, 16, 40}}) {
+    const auto layout = orvo::DibLayoutFor(w, h, depth);
+    EXPECT_EQ(layout->stride, static_cast<std::size_t>(stride));
+    EXPECT_EQ(layout->pixelOffset, static_cast<std::size_t>(offset));
+    EXPECT_EQ(layout->totalBytes, static_cast<std::size_t>(offset + stride * h));
+    EXPECT_FALSE(orvo::DibLayoutFor(0, 1, depth) || orvo::DibLayoutFor(1, 0, depth));
+  }
+  EXPECT_FALSE(orvo::DibLayoutFor(1, 1, 0) || orvo::DibLayoutFor(1 << 30, 1 << 30, 64));
+  EXPECT_EQ(orvo::PixelsPerMetre(300), 11811);
+  EXPECT_EQ(orvo::DotsPerInch(11811), 300);
+  EXPECT_EQ(orvo::PixelsPerMetre(-100000000), -2147483647);
+  EXPECT_EQ(orvo::PixelsPerMetre(100000000), 2147483647);
 }
 
 std::string FileNameOf(void* module) {
@@ -122,11 +130,9 @@ TEST(Modules, LoadLookUpAndKnowTheirPlace) {
   EXPECT_TRUE(fs::equivalent(FileNameOf(module), PLATFORM_LIBRARY));
   EXPECT_TRUE(FreeLibrary(module));
   EXPECT_FALSE(FreeLibrary(nullptr));
-  for (const char* const path : {"", "/no/such/folder/module.dll", "/tmp"}) {
-    EXPECT_EQ(LoadLibraryA(path), nullptr) << path;
+  for (const char* path : {static_cast<const char*>(nullptr), "", "/no/such/module.dll", "/tmp"}) {
+    EXPECT_EQ(LoadLibraryA(path), nullptr);
   }
-  EXPECT_EQ(LoadLibraryA(nullptr), nullptr);
-
   const std::string program = FileNameOf(nullptr);
   EXPECT_EQ(program, fs::read_symlink("/proc/self/exe").string());
   const auto length = static_cast<unsigned>(program.size());
@@ -136,56 +142,40 @@ TEST(Modules, LoadLookUpAndKnowTheirPlace) {
     EXPECT_EQ(std::string(cut.c_str()), program.substr(0, size - 1));
   }
   char none[1];
-  EXPECT_EQ(GetModuleFileNameA(nullptr, none, 0), 0U);
-  EXPECT_EQ(GetModuleFileNameA(nullptr, nullptr, 9), 0U);
+  EXPECT_EQ(GetModuleFileNameA(nullptr, none, 0) + GetModuleFileNameA(nullptr, nullptr, 9), 0U);
 
   // A module's own path stays when the process moves to another directory.
-  const int anchor = 0;
-  void* const own = PlatformModuleOf(&typeid(anchor));
+  void* const own = PlatformModuleOf(&typeid(module));
   const std::string before = FileNameOf(own);
   EXPECT_TRUE(fs::path(before).is_absolute());
   const fs::path folder = fs::current_path();
   fs::current_path("/");
   EXPECT_EQ(FileNameOf(own), before);
   fs::current_path(folder);
-  int onStack = 0;
-  EXPECT_EQ(PlatformModuleOf(&onStack), nullptr);
+  EXPECT_EQ(PlatformModuleOf(none), nullptr);
 }
 
-TEST(Paths, Split) {
-  struct Row {
-    std::string path, drive, dir, file, ext;
-  };
-  const std::string n400(400, 'n');
-  const Row rows[] = {
+TEST(Paths, SplitAndDelete) {
+  const std::string n(400, 'n');
+  const std::vector<std::string> rows[] = {
       {"c:\\out\\scan.pdf", "c:", "\\out\\", "scan", ".pdf"},
       {"Z:/a.b/photo.jpeg", "Z:", "/a.b/", "photo", ".jpeg"},
       {"a/b\\c/d.e", "", "a/b\\c/", "d", ".e"},
       {"dir.ext/name", "", "dir.ext/", "name", ""},
-      {"x.tar.gz", "", "", "x.tar", ".gz"},
-      {"dir/", "", "dir/", "", ""},
-      {".profile", "", "", "", ".profile"},
+      {"A:x.tar.gz", "A:", "", "x.tar", ".gz"},
+      {"z:.profile", "z:", "", "", ".profile"},
       {"name.", "", "", "name", "."},
-      {"A:", "A:", "", "", ""},
-      {"a:z", "a:", "", "z", ""},
       {"1:x", "", "", "1:x", ""},
+      {"a:", "a:", "", "", ""},
       {"", "", "", "", ""},
-      {n400 + "/" + n400 + "." + n400, "", n400.substr(0, 255), n400.substr(0, 255),
-       "." + n400.substr(0, 254)},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.path);
+      {n + "/" + n + "." + n, "", n.substr(0, 255), n.substr(0, 255), "." + n.substr(0, 254)}};
+  for (const std::vector<std::string>& row : rows) {
     char drive[_MAX_DRIVE], dir[_MAX_DIR], file[_MAX_FNAME], ext[_MAX_EXT];
-    _splitpath(row.path.c_str(), drive, dir, file, ext);
-    EXPECT_EQ(drive, row.drive);
-    EXPECT_EQ(dir, row.dir);
-    EXPECT_EQ(file, row.file);
-    EXPECT_EQ(ext, row.ext);
+    _splitpath(row[0].c_str(), drive, dir, file, ext);
+    EXPECT_EQ((std::vector<std::string>{row[0], drive, dir, file, ext}), row);
   }
   _splitpath(nullptr, nullptr, nullptr, nullptr, nullptr);
-}
 
-TEST(Paths, DeleteTakesFilesAndSparesFolders) {
   const fs::path folder = fs::temp_directory_path() / ("orvo_files_" + std::to_string(getpid()));
   fs::create_directories(folder / "target.pdf");
   std::ofstream(folder / "file.txt") << "x";
@@ -193,8 +183,7 @@ TEST(Paths, DeleteTakesFilesAndSparesFolders) {
   EXPECT_TRUE(fs::is_directory(folder / "target.pdf"));
   EXPECT_TRUE(DeleteFileA((folder.string() + "\\file.txt").c_str())) << "either separator";
   EXPECT_FALSE(fs::exists(folder / "file.txt"));
-  EXPECT_FALSE(DeleteFileA((folder / "file.txt").c_str()));
-  EXPECT_FALSE(DeleteFileA(nullptr));
+  EXPECT_FALSE(DeleteFileA((folder / "file.txt").c_str()) || DeleteFileA(nullptr));
   fs::remove_all(folder);
 }
 
@@ -207,7 +196,7 @@ TEST(Strings, CompareAndSearch) {
   EXPECT_LT(_mbsicmp(Text("abc"), Text("ABD")), 0);
   EXPECT_GT(_mbsicmp(Text("b"), Text("A")), 0);
   EXPECT_LT(_mbsicmp(Text("ab"), Text("abc")), 0);
-  EXPECT_NE(_mbsicmp(Text("@["), Text("`[")), 0) << "only letters fold";
+  EXPECT_NE(_mbsicmp(Text("@"), Text("`")), 0) << "only letters fold";
   EXPECT_NE(_mbsicmp(Text("["), Text("{")), 0);
   EXPECT_NE(_mbsicmp(Text("\xC3\x84"), Text("\xC3\xA4")), 0) << "only those of ASCII";
   EXPECT_NE(_mbscmp(Text("jpg"), Text("JPG")), 0);
@@ -217,43 +206,37 @@ TEST(Strings, CompareAndSearch) {
   EXPECT_EQ(_mbsrchr(path, 'x'), nullptr);
 }
 
-TEST(Rectangles, EdgesAreExclusiveOnTheRightAndBelow) {
-  const auto same = [](const RECT& a, const RECT& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-  };
-  RECT rect{};
-  EXPECT_TRUE(SetRect(&rect, 1, 2, 4, 6));
-  EXPECT_TRUE(same(rect, {1, 2, 4, 6}));
-  for (int y = 0; y < 8; ++y) {
-    for (int x = 0; x < 8; ++x) {
-      EXPECT_EQ(PtInRect(&rect, POINT{x, y}) != 0, x >= 1 && x < 4 && y >= 2 && y < 6);
-    }
-  }
-  struct Row {
-    RECT other, shared;
-  };
-  const Row rows[] = {{{3, 0, 9, 3}, {3, 2, 4, 3}}, {{0, 5, 2, 9}, {1, 5, 2, 6}},
-                      {{2, 3, 3, 4}, {2, 3, 3, 4}}, {{4, 2, 8, 6}, {}},
-                      {{1, 6, 4, 9}, {}},           {{2, 3, 2, 9}, {}},
-                      {{2, 5, 3, 5}, {}},           {{3, 3, 2, 5}, {}}};
-  for (const Row& row : rows) {
-    for (const bool swapped : {false, true}) {
+// All rectangles with sides of 0..3, against the points that they hold.
+TEST(Rectangles, ShareThePointsThatLieInBoth) {
+  const auto at = [](int i) { return RECT{i & 3, i >> 2 & 3, i >> 4 & 3, i >> 6 & 3}; };
+  for (int i = 0; i < 256; ++i) {
+    const RECT a = at(i);
+    for (int j = 0; j < 256; ++j) {
+      const RECT b = at(j);
+      RECT expected{4, 4, 0, 0};
+      for (int p = 0; p < 16; ++p) {
+        const POINT point{p % 4, p / 4};
+        const bool inA =
+            point.x >= a.left && point.x < a.right && point.y >= a.top && point.y < a.bottom;
+        ASSERT_EQ(PtInRect(&a, point) != 0, inA);
+        if (!inA || PtInRect(&b, point) == 0) continue;
+        expected = {std::min(expected.left, point.x), std::min(expected.top, point.y),
+                    std::max(expected.right, point.x + 1), std::max(expected.bottom, point.y + 1)};
+      }
+      if (expected.right == 0) expected = {};
       RECT shared{9, 9, 9, 9};
-      const int hit =
-          IntersectRect(&shared, swapped ? &row.other : &rect, swapped ? &rect : &row.other);
-      EXPECT_TRUE(same(shared, row.shared)) << row.other.left << ", " << row.other.top;
-      EXPECT_EQ(hit != 0, !same(row.shared, {}));
+      ASSERT_EQ(IntersectRect(&shared, &a, &b) != 0, expected.right != 0);
+      ASSERT_EQ(std::memcmp(&shared, &expected, sizeof shared), 0) << i << ", " << j;
+      ASSERT_EQ(IsRectEmpty(&shared) != 0, expected.right == 0);
     }
-    EXPECT_EQ(IsRectEmpty(&row.other) != 0,
-              row.other.left >= row.other.right || row.other.top >= row.other.bottom);
   }
+  RECT r{0, 0, 1, 1};
   RECT copy{};
-  EXPECT_TRUE(CopyRect(&copy, &rect));
-  EXPECT_TRUE(same(copy, rect));
-  EXPECT_FALSE(CopyRect(&copy, nullptr) || CopyRect(nullptr, &rect) ||
-               SetRect(nullptr, 1, 1, 2, 2) || PtInRect(nullptr, {1, 1}) ||
-               IntersectRect(&copy, &rect, nullptr) || IntersectRect(&copy, nullptr, &rect) ||
-               IntersectRect(nullptr, &rect, &rect));
+  EXPECT_TRUE(SetRect(&r, 1, 2, 3, 4) && CopyRect(&copy, &r) && copy.left == 1 && copy.top == 2 &&
+              copy.right == 3 && copy.bottom == 4);
+  EXPECT_FALSE(CopyRect(&r, nullptr) || CopyRect(nullptr, &r) || SetRect(nullptr, 1, 1, 2, 2) ||
+               PtInRect(nullptr, {1, 1}) || IntersectRect(&r, &r, nullptr) ||
+               IntersectRect(&r, nullptr, &r) || IntersectRect(nullptr, &r, &r));
   EXPECT_TRUE(IsRectEmpty(nullptr));
 }
 

@@ -246,7 +246,7 @@ TEST_F(Files, InformationIsThatOfTheFirstPage) {
                                         300, 200, 0,  static_cast<int>(fs::file_size(at(name)))};
     EXPECT_EQ(std::memcmp(&info, &expected, sizeof info), 0);
     Log calls = {"L_FileInfo(~/" + name + ", *, 0, 0)"};
-    if (name == "two.TIF") calls.emplace_back("L_FileInfo(~/two.TIF, *, 1, 1 page 1)");
+    if (name == "two.TIF") calls.emplace_back("L_FileInfo(~/two.TIF, *, 1, 8 1)");
     EXPECT_EQ(log(), calls);
   }
   info = {};
@@ -308,7 +308,7 @@ Log Opening(const std::string& target, const std::string& title) {
   return {"PDF_new()",
           "PDF_open_file(*, ~/" + target + ")",
           "PDF_set_info(*, Title, " + title + ")",
-          "PDF_set_info(*, Creator, table_test)",
+          "PDF_set_info(*, Creator, table_test.run)",
           "PDF_set_info(*, Author, )",
           "PDF_set_info(*, Subject, Created PDF)"};
 }

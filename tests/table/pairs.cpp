@@ -6,20 +6,31 @@ namespace {
 
 using F = const Form&;
 using W = StatusCallback;
+using Numbers = std::vector<int>;
 
-const std::vector<int> kFourUp = {4, 8, 16, 24, 32};
-const std::vector<int> kOneUp = {1, 4, 8, 16, 24, 32};
-const std::vector<int> kAny = {1, 2, 4, 8, 16, 24, 32};
-constexpr auto kNumber = [](F form, int n, W watch) { return form(n, watch); };
-constexpr auto kNone = [](F form, int, W watch) { return form(watch); };
+const Numbers kFourUp = {4, 8, 16, 24, 32};
+const Numbers kOneUp = {1, 4, 8, 16, 24, 32};
+const Numbers kAny = {1, 2, 4, 8, 16, 24, 32};
+const Numbers kFramed = {8, 16, 24, 32};
+const Numbers kColors = {16, 24, 32};
+const Numbers kNoDepth = {-8, 0, 2, 3, 15, 25, 31, 33, 64};
+constexpr const char* kColorRes = ", 131x129x24, 4, 65537, 0, 0, 0, 0, 0)";
+constexpr const char* kRotate = ", 3000, 1, 16777215)";
+
+constexpr auto kNumber = [](F form, int n, W w) { return form(n, w); };
+constexpr auto kNone = [](F form, int, W w) { return form(w); };
 constexpr auto kLevel = [](F form, int n, W) { return form(static_cast<std::uint8_t>(n)); };
-
-// An adjustment by -1000..1000, or any number.
-Pair Change(const char* name, std::size_t place, const char* entry, bool anyNumber = false) {
-  const int most = anyNumber ? 36001 : 1000;
-  const std::vector<int> refused = anyNumber ? std::vector<int>{} : std::vector<int>{-1001, 1001};
-  return {name, place, place + 1, kNumber, 250, {-most, most}, refused, kFourUp, entry, ", 250)"};
-}
+constexpr auto kGamma = [](F form, int n, W w) { return form(static_cast<unsigned>(n), w); };
+constexpr auto kUnsigned = [](F form, int n, W) { return form(static_cast<unsigned>(n)); };
+constexpr auto kBits = [](F form, int n, W) { return form(n); };
+constexpr auto kSize = [](F form, int n, W w) { return form(n, 20, 2U, w); };
+constexpr auto kDots = [](F form, int n, W w) { return form(n, 100, w); };
+constexpr auto kTrim = [](F form, int n, W) { return form(n, 20, 110, 128); };
+constexpr auto kConvert = [](F form, int, W) { return form(SEPIA_CONVERTER); };
+constexpr auto kDescreen = [](F form, int n, W w) { return form(static_cast<unsigned>(n), 0U, w); };
+constexpr auto kReduce = [](F form, int n, W) {
+  return form(kEyeX, kEyeY, static_cast<std::uint32_t>(n));
+};
 
 int Remap(F form, int channel, W watch) {
   static std::uint32_t negative[256];
@@ -35,117 +46,43 @@ int AutoRedEye(F form, int before, W /*watch*/) {
   return code;
 }
 
+// An adjustment by -1000..1000, or by any number.
+Pair Change(const char* name, std::size_t place, const char* entry, int most = 1000) {
+  const Numbers refused = most > 1000 ? Numbers{} : Numbers{-most - 1, most + 1};
+  return {name, place, place + 1, kNumber, 250, {-most, most}, refused, kFourUp, entry, ", 250)"};
+}
+
 }  // namespace
 
 const std::vector<Pair>& ModulePairs() {
   static const std::vector<Pair> pairs = {
-      Change("ContrastAdjust", 21, "L_ChangeBitmapContrast"),
-      Change("IntensityAdjust", 31, "L_ChangeBitmapIntensity"),
-      Change("HueAdjust", 29, "L_ChangeBitmapHue", true),
-      Change("SaturationAdjust", 37, "L_ChangeBitmapSaturation"),
-      Change("LeadSharpnessAdjust", 40, "L_SharpenBitmap"),
-      {"GammaAdjust",
-       27,
-       28,
-       [](F f, int n, W w) { return f(static_cast<unsigned>(n), w); },
-       220,
-       {1, 2000},
-       {0},
-       kFourUp,
-       "L_GammaCorrectBitmap",
-       ", 220)"},
+      Change("Contrast", 21, "L_ChangeBitmapContrast"),
+      Change("Intensity", 31, "L_ChangeBitmapIntensity"),
+      Change("Hue", 29, "L_ChangeBitmapHue", 36001),
+      Change("Saturation", 37, "L_ChangeBitmapSaturation"),
+      Change("Sharpen", 40, "L_SharpenBitmap"),
+      {"Gamma", 27, 28, kGamma, 220, {1, 9}, {0}, kFourUp, "L_GammaCorrectBitmap", ", 220)"},
       {"Invert", 33, 34, kNone, 0, {}, {}, kFourUp, "L_InvertBitmap", ")"},
-      {"RemapIntensity",
-       49,
-       50,
-       Remap,
-       3,
-       {},
-       {},
-       kFourUp,
-       "L_RemapBitmapIntensity",
-       ", *, 256, 3)"},
-      {"ConvertToGrayScaleRes", 25, 26, kNone, 0, {}, {}, kOneUp, "L_GrayScaleBitmap", ", 8)"},
-      {"ConvertToColorRes",
-       23,
-       24,
-       [](F f, int n, W) { return f(n); },
-       4,
-       {1, 4, 8, 16, 24, 32},
-       {-8, 0, 2, 3, 15, 25, 31, 33, 64},
-       kFourUp,
-       "L_ColorResBitmap",
-       ", 131x129x24, 4, 65537, 0, 0, 0, 0, 0)"},
-      {"Rotate",
-       35,
-       36,
-       kNumber,
-       30,
-       {-90, 0, 725},
-       {},
-       kOneUp,
-       "L_RotateBitmap",
-       ", 3000, 1, 16777215)"},
-      {"ChangeSize",
-       46,
-       47,
-       [](F f, int n, W w) { return f(n, 20, 2U, w); },
-       30,
-       {},
-       {},
-       kAny,
-       "L_SizeBitmap",
-       ", 30, 20, 2)"},
-      {"ChangeResolution",
-       19,
-       20,
-       [](F f, int n, W w) { return f(n, 100, w); },
-       150,
-       {},
-       {},
-       kFourUp,
-       "L_SizeBitmap",
-       ", 65, 64, 4)"},
-      {"Trim",
-       59,
-       58,
-       [](F f, int n, W) { return f(n, 20, 110, 128); },
-       10,
-       {},
-       {},
-       kAny,
-       "L_TrimBitmap",
-       ", 10, 20, 100, 108)"}};
+      {"Remap", 49, 50, Remap, 3, {}, {}, kFourUp, "L_RemapBitmapIntensity", ", *, 256, 3)"},
+      {"Gray", 25, 26, kNone, 0, {}, {}, kOneUp, "L_GrayScaleBitmap", ", 8)"},
+      {"Bits", 23, 24, kBits, 4, kOneUp, kNoDepth, kFourUp, "L_ColorResBitmap", kColorRes},
+      {"Rotate", 35, 36, kNumber, 30, {-90, 0, 725}, {}, kOneUp, "L_RotateBitmap", kRotate},
+      {"Size", 46, 47, kSize, 30, {}, {}, kAny, "L_SizeBitmap", ", 30, 20, 2)"},
+      {"Resolution", 19, 20, kDots, 150, {}, {}, kFourUp, "L_SizeBitmap", ", 65, 64, 4)"},
+      {"Trim", 59, 58, kTrim, 10, {}, {}, kAny, "L_TrimBitmap", ", 10, 20, 100, 108)"}};
   return pairs;
 }
 
 const std::vector<Pair>& OwnPairs() {
-  static const std::vector<int> framed = {8, 16, 24, 32};
-  static const std::vector<int> colors = {16, 24, 32};
-  static const auto unsignedNumber = [](F f, int n, W) { return f(static_cast<unsigned>(n)); };
   static const std::vector<Pair> pairs = {
-      {"SharpnessAdjust", 3, 4, kLevel, 10, {}, {11, 255}, framed},
-      {"HistogramAdjust", 5, 6, kLevel, 10, {}, {11, 255}, framed},
-      {"ExposureAdjust", 7, 8, kLevel, 10, {}, {11, 255}, framed},
-      {"ConvertRGB", 1, 2, [](F f, int, W) { return f(SEPIA_CONVERTER); }, 0, {}, {}, kOneUp},
-      {"ReduceRedEye",
-       10,
-       11,
-       [](F f, int n, W) { return f(kEyeX, kEyeY, static_cast<std::uint32_t>(n)); },
-       kEyeRadius,
-       {},
-       {},
-       colors},
-      {"AutoRedEye", 13, 12, AutoRedEye, 9, {}, {}, colors},
-      {"WhitenessAdjust", 14, 15, unsignedNumber, 100, {}, {256, -1}, {8, 24}},
-      {"Descreen",
-       16,
-       17,
-       [](F f, int n, W w) { return f(static_cast<std::uint32_t>(n), 0U, w); },
-       1,
-       {},
-       {4, -1},
-       {8, 24}}};
+      {"Sharpness", 3, 4, kLevel, 10, {}, {11, 255}, kFramed},
+      {"Histogram", 5, 6, kLevel, 10, {}, {11, 255}, kFramed},
+      {"Exposure", 7, 8, kLevel, 10, {}, {11, 255}, kFramed},
+      {"Convert", 1, 2, kConvert, 0, {}, {}, kOneUp},
+      {"Reduce", 10, 11, kReduce, kEyeRadius, {}, {}, kColors},
+      {"Auto", 13, 12, AutoRedEye, 9, {}, {}, kColors},
+      {"Whiteness", 14, 15, kUnsigned, 100, {}, {256, -1}, {8, 24}},
+      {"Descreen", 16, 17, kDescreen, 1, {}, {4, -1}, {8, 24}}};
   return pairs;
 }
 

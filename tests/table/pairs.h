@@ -35,8 +35,8 @@ struct Pair {
   [[nodiscard]] bool takesAny() const { return depths.size() == 7; }
   [[nodiscard]] bool is(const char* other) const { return name == other; }
   // How it differs from the others: the callback, and the result that a call overwrites.
-  [[nodiscard]] bool watched() const { return !is("ConvertToColorRes") && !is("Trim"); }
-  [[nodiscard]] bool stamps() const { return is("ChangeResolution"); }
+  [[nodiscard]] bool watched() const { return !is("Bits") && !is("Trim"); }
+  [[nodiscard]] bool stamps() const { return is("Resolution"); }
   // The toolkit's own that bring 16 and 32 bits to 24 and back.
   [[nodiscard]] bool framed() const { return depths.front() > 1 && depths.back() == 32; }
 };

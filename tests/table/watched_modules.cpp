@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <span>
 #include <sstream>
 
 #include "binding/module_contract.h"
+#include "support/pictures.h"
 
 namespace watched {
 
@@ -27,47 +29,32 @@ std::string Text(StatusCallback callback) {
   return Text(reinterpret_cast<const void*>(callback));
 }
 std::string Text(const char* text) {
+  if (text == nullptr) return "0";
   const std::string& folder = TheState().folder;
-  if (text == nullptr || folder.empty() || !std::string(text).starts_with(folder)) {
-    return text == nullptr ? "0" : text;
-  }
-  return std::string("~").append(text + folder.size());
+  const bool own = !folder.empty() && std::string(text).starts_with(folder);
+  return own ? "~" + std::string(text + folder.size()) : text;
 }
-std::string Joined(std::initializer_list<int> numbers, const char* between) {
+std::string Numbers(const void* record, std::size_t count, const char* between = " ") {
   std::string text;
-  for (const int number : numbers)
+  for (const int number : std::span(static_cast<const int*>(record), count)) {
     text.append(text.empty() ? "" : between).append(std::to_string(number));
+  }
   return text;
 }
 std::string Text(const struct_LEAD_Bitmap* bitmap) {
-  return Joined({bitmap->width, bitmap->height, bitmap->bitsPerPixel}, "x");
+  return Numbers(bitmap, 3, "x");
 }
-std::string Text(const LTLOADOPTIONS* o) {
-  return o == nullptr ? "0" : Joined({o->size / static_cast<int>(sizeof *o), o->page}, " page ");
+std::string Text(const LTLOADOPTIONS* options) {
+  return options == nullptr ? "0" : Numbers(options, 2);
 }
-std::string Text(const LTTHUMBNAILOPTIONS* o) {
-  return Joined({o->width, o->height, o->bitsPerPixel, o->colorResolutionFlags, o->keepAspect,
-                 o->forceSize, o->backgroundColor, o->loadStamp, o->resample},
-                " ");
+std::string Text(const LTTHUMBNAILOPTIONS* options) {
+  return Numbers(options, 9);
 }
 template <class Number>
 requires std::is_arithmetic_v<Number> std::string Text(Number number) {
   std::ostringstream text;
   text << number;
   return text.str();
-}
-
-void* UnderAnotherHandle(void* block) {
-  const std::size_t size = GlobalSize(block);
-  void* const copy = GlobalAlloc(orvo::kDibBlockFlags, size);
-  const void* const from = GlobalLock(block);
-  void* const to = GlobalLock(copy);
-  const bool locked = from != nullptr && to != nullptr;
-  if (locked) std::memcpy(to, from, size);
-  GlobalUnlock(block);
-  GlobalUnlock(copy);
-  GlobalFree(locked ? block : copy);
-  return locked ? copy : block;
 }
 
 template <std::size_t size>
@@ -103,7 +90,9 @@ struct Entry<kName, Result(Arguments...)> {
         GlobalFree(block);
         return nullptr;
       }
-      return state.newHandles && block != nullptr ? UnderAnotherHandle(block) : block;
+      if (!state.newHandles || block == nullptr) return block;
+      const orvo::OwnedDib old(block);
+      return pictures::CopyOf(block).release();
     } else {
       return function(arguments...);
     }
