@@ -2,6 +2,7 @@
 // JPEG files, what each failure leaves; and the road into PDF documents.
 #include <unistd.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 
@@ -137,35 +138,22 @@ TEST_F(Files, SavingFailsInOrder) {
 
 // Loading and making a thumbnail: the older block goes only when the new one is there.
 TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
-  struct Row {
-    std::size_t place;
-    Log entries, calls;
-    const char* measures;
-    int noBlock;  // the code when a bitmap gives none
-  };
-  const Row rows[] = {
-      {45,
-       {"L_LoadBitmap", "L_ConvertToDIB", "L_FreeBitmap", "ltfil13n.dll"},
-       {"L_LoadBitmap(~/in.png, 0x0x0, 0, 1, 0, 0)", "L_ConvertToDIB(8x5x24)",
-        "L_FreeBitmap(8x5x24)"},
-       "8x5x24",
-       ORVO_ERR_NO_MEMORY},
-      {48,
-       {"L_CreateThumbnailFromFile", "L_ChangeToDIB", "ltimg13n.dll"},
-       {"L_CreateThumbnailFromFile(~/in.png, 0x0x0, 16 12 0 0 1 1 16777215 0 0, 0, 0, 0, 0)",
-        "L_ChangeToDIB(16x12x24)"},
-       "16x12x24",
-       ORVO_ERR_FAILURE}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.place);
-    const auto load = [&](const char* path, DibHandle* result) {
-      return row.place == 45 ? CallSlot(toolkit.get(), 45, path, result)
-                             : CallSlot(toolkit.get(), 48, path, result, 16, 12);
+  const std::string path = at("in.png");
+  const Log entries[] = {{"L_LoadBitmap", "L_ConvertToDIB", "L_FreeBitmap", "ltfil13n.dll"},
+                         {"L_CreateThumbnailFromFile", "L_ChangeToDIB", "ltimg13n.dll"}};
+  const Log calls[] = {
+      {"L_LoadBitmap(~/in.png, 0x0x0, 0, 1, 0, 0)", "L_ConvertToDIB(8x5x24)",
+       "L_FreeBitmap(8x5x24)"},
+      {"L_CreateThumbnailFromFile(~/in.png, 0x0x0, 16 12 0 0 1 1 16777215 0 0, 0, 0, 0, 0)",
+       "L_ChangeToDIB(16x12x24)"}};
+  for (const int kind : {0, 1}) {
+    const auto load = [&](const char* source, DibHandle* result) {
+      return kind == 0 ? CallSlot(toolkit.get(), 45, source, result)
+                       : CallSlot(toolkit.get(), 48, source, result, 16, 12);
     };
-    const std::string path = at("in.png");
     OwnedDib old = pictures::Noise(7, 5, 8, 1);
     DibHandle made = old.get();
-    for (const std::string& entry : row.entries) {
+    for (const std::string& entry : entries[kind]) {
       bind({entry});
       EXPECT_EQ(load(nullptr, &made), ORVO_ERR_NO_VENDOR);
     }
@@ -180,14 +168,13 @@ TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
       made = first;
       EXPECT_EQ(load(path.c_str(), &made), ORVO_OK);
       EXPECT_FALSE(IsAlive(first));
-      EXPECT_EQ(Measures(made), row.measures);
-      EXPECT_EQ(Difference(photo_.get(), made) == "", row.place == 45);
-      GlobalFree(made);
-      EXPECT_EQ(log(), row.calls);
+      EXPECT_EQ(Difference(photo_.get(), made) == "", kind == 0);
+      EXPECT_EQ(Measures(made), kind == 0 ? "8x5x24" : "16x12x24");
+      GlobalFree(std::exchange(made, nullptr));
+      EXPECT_EQ(log(), calls[kind]);
     }
-    state.answers = {{row.entries[1], {0}}};
-    made = nullptr;
-    EXPECT_EQ(load(path.c_str(), &made), row.noBlock);
+    state.answers = {{entries[kind][1], {0}}};  // a bitmap that gives no block
+    EXPECT_EQ(load(path.c_str(), &made), kind == 0 ? ORVO_ERR_NO_MEMORY : ORVO_ERR_FAILURE);
     EXPECT_EQ(made, nullptr);
     log();
   }
@@ -195,41 +182,35 @@ TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
 
 TEST_F(Files, JpegDensitiesWithoutAUnitAreMultiplesOfSeventyTwo) {
   const std::string plain = contents("in.jpg");
-  struct Row {
-    const char* name;
-    const char* start;                    // the four bytes from 6 on
-    int fifth, major, minor, unit, x, y;  // the bytes behind them, and the densities
-    int dotsX, dotsY;                     // for each inch, as loaded
-  };
-  const Row rows[] = {{"x.jpg", "JFIF", 0, 1, 1, 0, 1, 1, 72, 72},
-                      {"a.png.jpeg", "JFIF", 0, 1, 1, 0, 3, 2, 216, 144},
-                      {"x.jpg", "JFIF", 0, 1, 1, 0, 300, 40000, 21600, 2880000},
-                      {"x.jpg", "JFIF", 0, 1, 1, 0, 40255, 200, 2898360, 14400},
-                      {"x.JPG", "JFIF", 0, 1, 1, 0, 3, 2, 0, 0},
-                      {"x.Jpeg", "JFIF", 0, 1, 1, 0, 3, 2, 0, 0},
-                      {"x.jpe", "JFIF", 0, 1, 1, 0, 3, 2, 0, 0},
-                      {"jpg", "JFIF", 0, 1, 1, 0, 3, 2, 0, 0},
-                      {"x.jpg", "JFIF", 0, 1, 2, 0, 3, 2, 0, 0},
-                      {"x.jpg", "JFIF", 0, 2, 1, 0, 3, 2, 0, 0},
-                      {"x.jpg", "JFIF", 0, 1, 1, 1, 3, 2, 3, 2},
-                      {"x.jpg", "JFIF", 0, 1, 1, 2, 3, 2, 8, 5},
-                      {"x.jpg", "JFXF", 0, 1, 1, 0, 3, 2, 0, 0},
-                      {"x.jpg", "JFIF", 'X', 1, 1, 0, 3, 2, 0, 0}};
-  for (const Row& row : rows) {
-    std::string bytes = plain.substr(0, 6) + row.start;
-    for (const int byte : {row.fifth, row.major, row.minor, row.unit, row.x >> 8, row.x & 255,
-                           row.y >> 8, row.y & 255}) {
+  const std::string jfif("JFIF\0", 5);
+  // Name, identifier, version and unit, densities, dots per inch as loaded.
+  const std::tuple<const char*, std::string, std::array<int, 3>, std::array<int, 2>,
+                   std::array<int, 2>>
+      rows[] = {{"x.jpg", jfif, {1, 1, 0}, {1, 1}, {72, 72}},
+                {"a.png.jpeg", jfif, {1, 1, 0}, {3, 2}, {216, 144}},
+                {"x.jpg", jfif, {1, 1, 0}, {300, 40000}, {21600, 2880000}},
+                {"x.jpg", jfif, {1, 1, 0}, {40255, 200}, {2898360, 14400}},
+                {"x.JPG", jfif, {1, 1, 0}, {3, 2}, {0, 0}},
+                {"x.Jpeg", jfif, {1, 1, 0}, {3, 2}, {0, 0}},
+                {"x.jpe", jfif, {1, 1, 0}, {3, 2}, {0, 0}},
+                {"jpg", jfif, {1, 1, 0}, {3, 2}, {0, 0}},
+                {"x.jpg", jfif, {1, 2, 0}, {3, 2}, {0, 0}},
+                {"x.jpg", jfif, {2, 1, 0}, {3, 2}, {0, 0}},
+                {"x.jpg", jfif, {1, 1, 1}, {3, 2}, {3, 2}},
+                {"x.jpg", jfif, {1, 1, 2}, {3, 2}, {8, 5}},
+                {"x.jpg", "JFIFX", {1, 1, 0}, {3, 2}, {0, 0}},
+                {"x.jpg", std::string("JFXF\0", 5), {1, 1, 0}, {3, 2}, {0, 0}}};
+  for (const auto& [name, identifier, about, density, dots] : rows) {
+    std::string bytes = plain.substr(0, 6) + identifier;
+    for (const int byte :
+         {about[0], about[1], about[2], density[0] >> 8, density[0], density[1] >> 8, density[1]}) {
       bytes += static_cast<char>(byte);
     }
     DibHandle made = nullptr;
-    ASSERT_EQ(toolkit->LoadFile(put(row.name, bytes + plain.substr(18)).c_str(), &made), ORVO_OK);
+    ASSERT_EQ(toolkit->LoadFile(put(name, bytes + plain.substr(18)).c_str(), &made), ORVO_OK);
     const OwnedDib image(made);
-    EXPECT_EQ(orvo::DotsPerInch(Locked(made).header()->biXPelsPerMeter), row.dotsX) << row.name;
-    EXPECT_EQ(orvo::DotsPerInch(Locked(made).header()->biYPelsPerMeter), row.dotsY) << row.name;
-  }
-  for (const std::size_t length : {0U, 5U, 17U}) {
-    DibHandle made = nullptr;
-    EXPECT_NE(toolkit->LoadFile(put("cut.jpg", plain.substr(0, length)).c_str(), &made), ORVO_OK);
+    EXPECT_EQ(orvo::DotsPerInch(Locked(made).header()->biXPelsPerMeter), dots[0]) << name;
+    EXPECT_EQ(orvo::DotsPerInch(Locked(made).header()->biYPelsPerMeter), dots[1]) << name;
   }
   log();
 }

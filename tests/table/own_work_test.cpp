@@ -192,44 +192,40 @@ TEST_F(OwnWork, TheFirstConverterThatLoadsServes) {
 }
 
 TEST_F(OwnWork, RedEyesAreSearchedAtAPoint) {
-  struct Row {
-    int depth;
-    std::uint32_t x, y;
-    std::vector<std::uint32_t> found;
-    int code;
-  };
-  const Row rows[] = {{24, kEyeX + 1, kEyeY, {kEyeX, kEyeY, kEyeRadius}, ORVO_OK},
-                      {16, kEyeX, kEyeY, {kEyeX, kEyeY, kEyeRadius}, ORVO_OK},
-                      {32, 79, kEyeY, {79, kEyeY, kEyeRadius}, ORVO_OK},
-                      {24, 60, 50, {60, 50, 2}, ORVO_ERR_FAILURE},
-                      {24, kWidth, 60, {kWidth, 60, 0}, ORVO_ERR_FAILURE},
-                      {24, 60, kHeight, {60, kHeight, 0}, ORVO_ERR_FAILURE},
-                      {8, kEyeX, kEyeY, {7, 8, 9}, ORVO_ERR_BAD_DEPTH}};
-  const std::vector<std::uint32_t> before = {7, 8, 9};
+  using N = std::vector<std::uint32_t>;
   state.newHandles = false;
-  for (const Row& row : rows) {
-    const OwnedDib face = Picture(row.depth);
-    std::vector<std::uint32_t> n = before;
-    EXPECT_EQ(CallSlot(toolkit.get(), 9, face.get(), row.x, row.y, &n[0], &n[1], &n[2]), row.code);
-    EXPECT_EQ(n, row.found) << row.depth << " bits at " << row.x << ", " << row.y;
-    EXPECT_EQ(Difference(Picture(row.depth).get(), face.get()), "");
-    for (int failing = 1; failing < 9 && row.code == ORVO_OK; ++failing) {
-      n = before;
+  // Depth, point, what is found, code.
+  const std::tuple<int, N, N, int> rows[] = {
+      {24, {kEyeX + 1, kEyeY}, {kEyeX, kEyeY, kEyeRadius}, ORVO_OK},
+      {16, {kEyeX, kEyeY}, {kEyeX, kEyeY, kEyeRadius}, ORVO_OK},
+      {32, {79, kEyeY}, {79, kEyeY, kEyeRadius}, ORVO_OK},
+      {24, {60, 50}, {60, 50, 2}, ORVO_ERR_FAILURE},
+      {24, {kWidth, 60}, {kWidth, 60, 0}, ORVO_ERR_FAILURE},
+      {24, {60, kHeight}, {60, kHeight, 0}, ORVO_ERR_FAILURE},
+      {8, {kEyeX, kEyeY}, {7, 8, 9}, ORVO_ERR_BAD_DEPTH}};
+  for (const auto& [depth, at, found, code] : rows) {
+    const OwnedDib face = Picture(depth);
+    N n = {7, 8, 9};
+    EXPECT_EQ(CallSlot(toolkit.get(), 9, face.get(), at[0], at[1], &n[0], &n[1], &n[2]), code);
+    EXPECT_EQ(n, found) << depth << " bits";
+    for (int failing = 1; failing < 9 && code == ORVO_OK; ++failing) {
+      n = {7, 8, 9};
       (failing % 2 == 0 ? PlatformFailLock : PlatformFailAllocation)(failing / 2);
-      const int code = toolkit->SearchRedEyeRegion(face.get(), row.x, row.y, &n[0], &n[1], &n[2]);
+      const int failed = toolkit->SearchRedEyeRegion(face.get(), at[0], at[1], &n[0], &n[1], &n[2]);
       PlatformFailLock(0);
       PlatformFailAllocation(0);
-      EXPECT_EQ(n, code == ORVO_OK ? row.found : before);
+      EXPECT_EQ(n, failed == ORVO_OK ? found : (N{7, 8, 9}));
       log();
     }
-    std::uint32_t* const at = nullptr;
-    EXPECT_EQ(toolkit->SearchRedEyeRegion(face.get(), 1, 1, at, &n[1], &n[2]),
+    EXPECT_EQ(Difference(Picture(depth).get(), face.get()), "");
+  }
+  const OwnedDib face = Face();
+  for (std::uint32_t n = 0; n < 3; ++n) {
+    std::uint32_t* const to[] = {n == 0 ? nullptr : &n, n == 1 ? nullptr : &n,
+                                 n == 2 ? nullptr : &n};
+    EXPECT_EQ(toolkit->SearchRedEyeRegion(face.get(), 1, 1, to[0], to[1], to[2]),
               ORVO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(toolkit->SearchRedEyeRegion(face.get(), 1, 1, &n[0], at, &n[2]),
-              ORVO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(toolkit->SearchRedEyeRegion(face.get(), 1, 1, &n[0], &n[1], at),
-              ORVO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(toolkit->SearchRedEyeRegion(nullptr, 1, 1, at, at, at), ORVO_ERR_NULL_IMAGE);
+    EXPECT_EQ(toolkit->SearchRedEyeRegion(nullptr, 1, 1, to[0], to[1], to[2]), ORVO_ERR_NULL_IMAGE);
   }
 }
 

@@ -1,4 +1,6 @@
 // Scan clean-up through the table: descreening with its sharpening, and the search of auto-trim.
+#include <array>
+
 #include <orvo/COrvoCS.h>
 
 #include "toolkit_test.h"
@@ -116,25 +118,20 @@ OwnedDib Page(int depth, int tone) {
 
 TEST_F(Scans, ContentIsWhatIsDarkForThreePixelsInEachInchOfSeventyTwoDots) {
   COrvoCS own;
-  struct Row {
-    int tone, threshold, pixelsPerMetre;
-    Sides sides;
-  };
-  const Sides nothing = {0, 0, 1, 1};
-  const Row rows[] = {{0, 255, 0, {30, 20, 59, 49}},     {24, 255, 11811, {18, 8, 71, 61}},
-                      {25, 255, 2833, {30, 20, 59, 49}},  // dark to 25 at least, light from 231
-                      {26, 255, 2834, nothing},          {26, 229, 2834, {27, 17, 62, 52}},
-                      {27, 229, 2834, nothing},          {230, 0, 8501, {24, 14, 65, 55}},
-                      {230, 25, 8502, {21, 11, 68, 58}}, {231, 0, 2834, nothing},
-                      {0, 9, 28340, {0, 20, 89, 79}}};  // 30 pixels, more than lie below
-  for (const Row& row : rows) {
+  // The block's tone, threshold, pixels per metre; how far the sides lie from it, nothing if below.
+  const std::array<int, 4> rows[] = {{0, 255, 0, 0},      {24, 255, 11811, 12}, {25, 255, 2833, 0},
+                                     {26, 255, 2834, -1}, {26, 229, 2834, 3},   {27, 229, 2834, -1},
+                                     {230, 0, 8501, 6},   {230, 25, 8502, 9},   {231, 0, 2834, -1},
+                                     {155, 100, 2834, 3}, {156, 100, 2834, -1}};
+  for (const auto& [tone, threshold, resolution, run] : rows) {
     for (const int depth : {8, 24}) {
-      const OwnedDib page = Page(depth, row.tone);
-      Locked(page.get()).header()->biXPelsPerMeter = row.pixelsPerMetre;
+      const OwnedDib page = Page(depth, tone);
+      Locked(page.get()).header()->biXPelsPerMeter = resolution;
       RECT rect{5, 5, 5, 5};
-      ASSERT_EQ(own.CSGetAutoTrimRect(page.get(), static_cast<std::uint8_t>(row.threshold), &rect),
+      ASSERT_EQ(own.CSGetAutoTrimRect(page.get(), static_cast<std::uint8_t>(threshold), &rect),
                 ORVO_OK);
-      EXPECT_EQ(SidesOf(rect), row.sides) << row.tone << ", " << row.threshold;
+      const Sides sides = {30 - run, 20 - run, 59 + run, 49 + run};
+      EXPECT_EQ(SidesOf(rect), run < 0 ? Sides({0, 0, 1, 1}) : sides) << tone << ", " << threshold;
     }
   }
 }
@@ -197,26 +194,26 @@ TEST_F(Scans, PagesAreTrimmedToWhatWasMeasured) {
     EXPECT_EQ(Difference(expected.get(), page.get()), "");
   }
   // Depth, allocation and lock that fail, code.
-  const std::vector<int> rows[] = {{4, 0, 0, ORVO_ERR_BAD_DEPTH},  {16, 0, 0, ORVO_ERR_BAD_DEPTH},
-                                   {32, 0, 0, ORVO_ERR_BAD_DEPTH}, {1, 1, 0, ORVO_ERR_NO_MEMORY},
-                                   {24, 0, 1, ORVO_ERR_FAILURE},   {8, 0, 2, ORVO_ERR_FAILURE}};
-  for (const std::vector<int>& row : rows) {
-    OwnedDib page = pictures::Noise(40, 40, row[0], 3);
+  const std::array<int, 4> rows[] = {{4, 0, 0, ORVO_ERR_BAD_DEPTH},  {16, 0, 0, ORVO_ERR_BAD_DEPTH},
+                                     {32, 0, 0, ORVO_ERR_BAD_DEPTH}, {1, 1, 0, ORVO_ERR_NO_MEMORY},
+                                     {24, 0, 1, ORVO_ERR_FAILURE},   {8, 0, 2, ORVO_ERR_FAILURE}};
+  for (const auto& [depth, allocation, lock, code] : rows) {
+    OwnedDib page = pictures::Noise(40, 40, depth, 3);
+    log();
     for (const int form : {0, 1, 2}) {
       RECT rect{5, 5, 5, 5};
       DibHandle made = &rect;
-      log();
-      PlatformFailAllocation(row[1]);
-      PlatformFailLock(row[2]);
+      PlatformFailAllocation(allocation);
+      PlatformFailLock(lock);
       EXPECT_EQ(form == 0   ? toolkit->GetAutoTrimRect(page.get(), 9, &rect)
                 : form == 1 ? toolkit->AutoTrim(page.get(), &made, 9)
                             : toolkit->AutoTrimInPlace(page.address(), 9),
-                row[3]);
+                code);
       PlatformFailAllocation(0);
       PlatformFailLock(0);
       EXPECT_EQ(SidesOf(rect), form == 0 ? Sides({0, 0, 1, 1}) : Sides(4, 5));
       EXPECT_EQ(made, &rect) << "left alone";
-      EXPECT_EQ(Difference(pictures::Noise(40, 40, row[0], 3).get(), page.get()), "");
+      EXPECT_EQ(Difference(pictures::Noise(40, 40, depth, 3).get(), page.get()), "");
       EXPECT_EQ(log(), Log());
     }
   }
