@@ -187,6 +187,9 @@ TEST_F(OwnWork, TheFirstConverterThatLoadsServes) {
   for (const char* name : {static_cast<const char*>(nullptr), "", "/no/such/module"}) fails(name);
   EXPECT_EQ(toolkit->ConvertRGBInPlace(source.get(), SEPIA_CONVERTER), ORVO_OK);
   EXPECT_EQ(toolkit->ConvertRGBInPlace(source.get(), "/no/such/module"), ORVO_OK);
+  log();
+  toolkit.reset();
+  EXPECT_EQ(log().back(), "unload another");
   bind();  // a failed load is tried again, a failed look-up is not
   for (const char* name : {MODULE_WITHOUT_CONVERTER, SEPIA_CONVERTER}) fails(name);
 }
@@ -256,6 +259,92 @@ TEST_F(OwnWork, AutomaticRedEyeKeepsAResultOnlyWhenSomethingWasFound) {
     EXPECT_EQ(toolkit->AutoRedEye(empty.get(), &made, nullptr), ORVO_ERR_BAD_ARGUMENT);
     EXPECT_EQ(toolkit->AutoRedEye(empty.get(), nullptr, &found), ORVO_ERR_BAD_ARGUMENT);
     EXPECT_EQ(toolkit->AutoRedEyeInPlace(empty.get(), nullptr), ORVO_ERR_BAD_ARGUMENT);
+  }
+}
+
+// --- Descreen ------------------------------------------------------------------------------------
+
+TEST_F(OwnWork, DescreenReportsEachPercentOnceAndStops) {
+  for (const int height : {1, 3, 100, 101, 350}) {
+    const OwnedDib print = pictures::Noise(4, height, 8, 1);
+    heard.clear();
+    ASSERT_EQ(toolkit->DescreenInPlace(print.get(), 0, 0, &Watch), ORVO_OK);
+    std::vector<int> expected;
+    for (int y = 0; y < height; ++y) {
+      const int percent = (100 * y + height - 1) / height;
+      if (expected.empty() || percent > expected.back()) expected.push_back(percent);
+    }
+    EXPECT_EQ(heard, expected) << height << " rows";
+  }
+  const OwnedDib print = pictures::Noise(8, 100, 24, 1);
+  const std::vector<std::uint8_t> before = pictures::BytesOf(print.get());
+  stopAt = 50;
+  DibHandle made = nullptr;
+  EXPECT_EQ(toolkit->Descreen(print.get(), &made, 0, 9, &Watch), ORVO_ERR_CANCELLED);
+  EXPECT_EQ(made, print.get());
+  EXPECT_EQ(pictures::BytesOf(print.get()), before);
+  EXPECT_EQ(toolkit->DescreenInPlace(print.get(), 0, 9, &Watch), ORVO_ERR_CANCELLED);
+  const std::vector<std::uint8_t> after = pictures::BytesOf(print.get());
+  const auto [a, b] = std::mismatch(after.rbegin(), after.rend(), before.rbegin());
+  EXPECT_EQ((after.rend() - a - 1 - 40) / 24, 49) << "the last row that was filtered";
+  EXPECT_EQ(log(), Log()) << "no sharpening after a stop";
+}
+
+TEST_F(OwnWork, DescreenSharpensByTenTimesTheAmount) {
+  const OwnedDib print = pictures::Noise(40, 30, 24, 3);
+  const auto descreened = [&](std::uint32_t amount, int code) {
+    DibHandle made = nullptr;
+    EXPECT_EQ(toolkit->Descreen(print.get(), &made, 2, amount, nullptr), code) << amount;
+    OwnedDib result(made);
+    OwnedDib same = pictures::CopyOf(print.get());
+    Locked(same.get()).header()->biClrImportant = 9;  // its own header stays
+    EXPECT_EQ(toolkit->DescreenInPlace(same.get(), 2, amount, nullptr), code) << amount;
+    EXPECT_EQ(std::exchange(Locked(same.get()).header()->biClrImportant, 0), 9U);
+    return std::pair(std::move(result), std::move(same));
+  };
+  auto expected = descreened(0, ORVO_OK);
+  for (const std::uint32_t amount : {101U, 429496730U, 0xFFFFFFFFU}) {
+    const auto left = descreened(amount, ORVO_ERR_OUT_OF_RANGE);
+    EXPECT_EQ(Difference(expected.first.get(), left.first.get()), "");
+    EXPECT_EQ(Difference(expected.second.get(), left.second.get()), "");
+  }
+  for (OwnedDib* const smooth : {&expected.first, &expected.second}) {
+    EXPECT_EQ(toolkit->LeadSharpnessAdjustInPlace(smooth->address(), 300, nullptr), ORVO_OK);
+  }
+  const auto sharp = descreened(30, ORVO_OK);
+  EXPECT_EQ(Difference(expected.first.get(), sharp.first.get()), "");
+  EXPECT_EQ(Difference(expected.second.get(), sharp.second.get()), "");
+  DibHandle made = nullptr;
+  EXPECT_EQ(toolkit->Descreen(print.get(), &made, 2, 100, &Watch), ORVO_OK);
+  GlobalFree(made);
+  EXPECT_EQ(heard.back(), 100) << "the sharpening has the callback too";
+  log();
+}
+
+TEST_F(OwnWork, DescreenReadsTheHeaderAsItIs) {
+  const OwnedDib image = pictures::Noise(12, 9, 24, 4);
+  const std::vector<std::uint8_t> bytes = pictures::BytesOf(image.get());
+  BITMAPINFOHEADER& header = *Locked(image.get()).header();
+  for (const int height : {0, -9}) {  // no rows, nothing to do
+    header.biHeight = height;
+    EXPECT_EQ(toolkit->DescreenInPlace(image.get(), 1, 0, nullptr), ORVO_OK);
+    header.biBitCount = 16;
+    EXPECT_EQ(toolkit->DescreenInPlace(image.get(), 1, 0, nullptr), ORVO_ERR_FAILURE);
+    header.biBitCount = 24;
+  }
+  header.biHeight = 9;
+  ASSERT_EQ(toolkit->DescreenInPlace(image.get(), 1, 0, nullptr), ORVO_OK);
+  // Rows follow a header of any size, but one that says less than the plain one is not believed.
+  for (const unsigned size : {108U, 41U, 12U, 0U}) {
+    const std::size_t shift = std::max(size, 40U) - 40;
+    const OwnedDib shifted(GlobalAlloc(orvo::kDibBlockFlags, bytes.size() + shift));
+    std::uint8_t* const to = Locked(shifted.get()).bytes();
+    std::memcpy(to, bytes.data(), 40);
+    std::memcpy(to + 40 + shift, bytes.data() + 40, bytes.size() - 40);
+    Locked(shifted.get()).header()->biSize = size;
+    ASSERT_EQ(toolkit->DescreenInPlace(shifted.get(), 1, 0, nullptr), ORVO_OK);
+    EXPECT_EQ(std::memcmp(to + 40 + shift, Locked(image.get()).row(0), bytes.size() - 40), 0)
+        << size;
   }
 }
 

@@ -59,6 +59,32 @@ TEST_F(Slots, TheFirstEndsTheInstance) {
   EXPECT_EQ(failing, 4) << "the instance and the two objects that it owns";
 }
 
+TEST_F(Slots, OwnersReleaseWhatTheyHoldAndNothingElse) {
+  orvo::OwnedInstance own;
+  EXPECT_TRUE(own && own.get() != nullptr);
+  OwnedDib photo = Face();
+  void* const block = photo.get();
+  OwnedDib made;
+  EXPECT_FALSE(made);
+  EXPECT_EQ(own->Invert(photo.get(), made.receive(photo), nullptr), ORVO_OK);
+  EXPECT_TRUE(made && made.get() != block);
+  // A failure leaves the source in the result, and the older block is gone.
+  EXPECT_EQ(own->SharpnessAdjust(photo.get(), made.receive(photo), 99), ORVO_ERR_OUT_OF_RANGE);
+  made.reset();
+  EXPECT_TRUE(IsAlive(block));
+  EXPECT_EQ(own->Invert(photo.get(), photo.receive(photo), nullptr), ORVO_OK);
+  EXPECT_FALSE(IsAlive(block));
+  void* const kept = photo.get();
+  made = std::move(photo);
+  OwnedDib last(std::move(made));
+  EXPECT_TRUE(last.get() == kept && !made && !photo && IsAlive(kept));
+  last.reset(kept);
+  EXPECT_TRUE(IsAlive(kept));
+  EXPECT_EQ(*last.address(), kept);
+  GlobalFree(last.release());
+  EXPECT_FALSE(last);
+}
+
 TEST_F(Slots, ModuleOperationsInBothForms) {
   for (const Pair& pair : ModulePairs()) {
     for (const int variant : {0, 1, 2, 3}) {

@@ -186,7 +186,7 @@ void* GetProcAddress(void* module, const char* name) {
 
 int FreeLibrary(void* module) {
   static auto* const real = Real<decltype(FreeLibrary)>("FreeLibrary");
-  if (!Loaded().contains(module)) return real(module);
-  Write("unload " + Loaded()[module]);
-  return 1;
+  const bool own = Loaded().contains(module);
+  Write("unload " + (own ? Loaded()[module] : "another"));
+  return own ? 1 : real(module);
 }

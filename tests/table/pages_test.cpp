@@ -1,4 +1,9 @@
-// What lies on a page: the list of items that the caller gets, and a crooked page turned upright.
+// Scanned pages: the list of what lies on them, a crooked page turned upright, the search of
+// auto-trim.
+#include <array>
+
+#include <orvo/COrvoCS.h>
+
 #include "toolkit_test.h"
 
 namespace table {
@@ -6,15 +11,18 @@ namespace {
 
 using Items = std::vector<std::vector<int>>;  // left, top, right, bottom
 
-// White, with dark boxes given in pixels from the top left.
-OwnedDib Page(int width, int height, const Items& boxes, int depth = 24) {
+// White, with boxes of a tone given in pixels from the top left.
+OwnedDib Page(int width, int height, const Items& boxes, int depth = 24, int tone = 0x40) {
   OwnedDib page = pictures::Blank(width, height, depth);
   const Locked image(page.get());
   std::memset(image.row(0), 0xFF, image.layout().totalBytes - image.layout().pixelOffset);
   for (const std::vector<int>& box : boxes) {
     for (int y = box[1]; y < box[3]; ++y) {
-      std::memset(image.row(height - 1 - y) + box[0] * depth / 8, 0x40,
-                  static_cast<std::size_t>((box[2] - box[0]) * depth / 8));
+      std::uint8_t* const row = image.row(height - 1 - y);
+      for (int x = box[0]; x < box[2]; ++x) {
+        if (depth == 1) row[x / 8] = static_cast<std::uint8_t>(row[x / 8] & ~(0x80 >> x % 8));
+        if (depth > 1) std::memset(row + x * depth / 8, tone, static_cast<std::size_t>(depth / 8));
+      }
     }
   }
   return page;
@@ -35,7 +43,7 @@ OwnedDib TiltedPage(int degrees) {
   return page;
 }
 
-class Regions : public ToolkitTest {
+class Pages : public ToolkitTest {
  protected:
   Items find(DibHandle page, int reach = 25, int level = 250) {
     RegionRecord* list = nullptr;
@@ -54,7 +62,7 @@ class Regions : public ToolkitTest {
 
 // 300 x 300 pixels make a scale of 2.5, a reach of 10 and a seed step of 2 mask pixels from 25 and
 // 5, so items count from 11 mask pixels on.
-TEST_F(Regions, ItemsComeInSourcePixelsFromTheTop) {
+TEST_F(Pages, ItemsComeInSourcePixelsFromTheTop) {
   const Items frame = {{10, 10, 290, 25},
                        {10, 25, 25, 275},
                        {275, 25, 290, 275},
@@ -92,7 +100,7 @@ TEST_F(Regions, ItemsComeInSourcePixelsFromTheTop) {
   }
 }
 
-TEST_F(Regions, NothingFoundLeavesTheListAlone) {
+TEST_F(Pages, NothingFoundLeavesTheListAlone) {
   RegionRecord mark{};
   const OwnedDib empty = Page(300, 300, {});
   const OwnedDib malformed = Page(300, 300, {{50, 100, 100, 150}});
@@ -108,7 +116,7 @@ TEST_F(Regions, NothingFoundLeavesTheListAlone) {
   EXPECT_EQ(toolkit->FindRegions(empty.get(), &list, nullptr, 25, 250), ORVO_ERR_BAD_ARGUMENT);
 }
 
-TEST_F(Regions, WithoutMemoryNothingIsFound) {
+TEST_F(Pages, WithoutMemoryNothingIsFound) {
   const OwnedDib page = Page(300, 300, {{50, 10, 100, 60}, {200, 190, 250, 290}});
   for (void (*const fail)(int) noexcept :
        {PlatformFailAllocation, PlatformFailLock, watched::FailNew}) {
@@ -130,7 +138,7 @@ TEST_F(Regions, WithoutMemoryNothingIsFound) {
 
 // --- Deskew --------------------------------------------------------------------------------------
 
-TEST_F(Regions, CrookedPagesAreTurnedAndKeepTheirSize) {
+TEST_F(Pages, CrookedPagesAreTurnedAndKeepTheirSize) {
   answer = ORVO_ERR_CANCELLED;             // which does not stop a deskew
   for (const int tilt : {5, -9, 0, 99}) {  // the last for a page with nothing on it
     const OwnedDib page = tilt == 99 ? Page(400, 400, {}, 8) : TiltedPage(tilt);
@@ -162,7 +170,7 @@ TEST_F(Regions, CrookedPagesAreTurnedAndKeepTheirSize) {
 }
 
 // Failures show in the result handle alone.
-TEST_F(Regions, DeskewAlwaysSucceeds) {
+TEST_F(Pages, DeskewAlwaysSucceeds) {
   int angle = 1;
   DibHandle made = nullptr;
   EXPECT_EQ(toolkit->AutoDeskew(nullptr, &made, &angle, nullptr), ORVO_OK);
@@ -181,6 +189,129 @@ TEST_F(Regions, DeskewAlwaysSucceeds) {
   watched::FailNew(0);
   EXPECT_EQ(angle, 0) << "without memory for the search";
   GlobalFree(made);
+}
+
+// --- Auto-trim -----------------------------------------------------------------------------------
+
+using Sides = std::vector<int>;
+Sides SidesOf(const RECT& r) {
+  return {r.left, r.top, r.right, r.bottom};
+}
+
+// A block of a tone in columns 30..59 and stored rows 20..49.
+OwnedDib Scan(int depth, int tone) {
+  return Page(100, 80, {{30, 30, 60, 60}}, depth, tone);
+}
+
+TEST_F(Pages, ContentIsWhatIsDarkForThreePixelsInEachInchOfSeventyTwoDots) {
+  COrvoCS own;
+  // The block's tone, threshold, pixels per metre; how far the sides lie from it, nothing if below.
+  const std::array<int, 4> rows[] = {{0, 255, 0, 0},      {24, 255, 11811, 12}, {25, 255, 2833, 0},
+                                     {26, 255, 2834, -1}, {26, 229, 2834, 3},   {27, 229, 2834, -1},
+                                     {230, 0, 8501, 6},   {230, 25, 8502, 9},   {231, 0, 2834, -1},
+                                     {155, 100, 2834, 3}, {156, 100, 2834, -1}};
+  for (const auto& [tone, threshold, resolution, run] : rows) {
+    for (const int depth : {8, 24}) {
+      const OwnedDib page = Scan(depth, tone);
+      Locked(page.get()).header()->biXPelsPerMeter = resolution;
+      RECT rect{5, 5, 5, 5};
+      ASSERT_EQ(own.CSGetAutoTrimRect(page.get(), static_cast<std::uint8_t>(threshold), &rect),
+                ORVO_OK);
+      const Sides sides = {30 - run, 20 - run, 59 + run, 49 + run};
+      EXPECT_EQ(SidesOf(rect), run < 0 ? Sides({0, 0, 1, 1}) : sides) << tone << ", " << threshold;
+    }
+  }
+}
+
+// The search by its own rules over one measurement after the other.
+Sides SearchPlainly(COrvoCS& own, DibHandle page, int first) {
+  int t = first;
+  int step = 10;
+  int best = 0;
+  int direction = 0;
+  const auto measure = [&](int threshold) {
+    RECT rect;
+    EXPECT_EQ(own.CSGetAutoTrimRect(page, static_cast<std::uint8_t>(threshold), &rect), ORVO_OK);
+    return rect;
+  };
+  while (t >= 0) {
+    const RECT rect = measure(t);
+    const int towards = rect.right - rect.left > 1 && rect.bottom - rect.top > 1 ? 1 : -1;
+    if (towards > 0 && t == first) return SidesOf(rect);
+    if (towards > 0) best = t;
+    if (direction == -towards) step /= 2;
+    if (step == 0) return SidesOf(towards > 0 ? rect : measure(best));
+    direction = towards;
+    t += towards * step;
+  }
+  return {0, 0, 100, 80};
+}
+
+TEST_F(Pages, TheHighestThresholdThatFindsIsSearched) {
+  COrvoCS own;
+  for (int tone = 0; tone < 256; tone += 7) {
+    const OwnedDib page = Scan(tone % 2 == 0 ? 8 : 24, tone);
+    // Paler still round the block, so that each threshold finds another border.
+    for (int i = 0; i < 18; ++i) {
+      const int paler = std::min(tone + 2 * i, 255);
+      std::memset(Locked(page.get()).row(50 + i) + 40, paler, 60);
+    }
+    for (const int threshold : {0, 9, 100, 255}) {
+      RECT rect{};
+      ASSERT_EQ(
+          CallSlot(toolkit.get(), 44, page.get(), static_cast<std::uint8_t>(threshold), &rect),
+          ORVO_OK);
+      EXPECT_EQ(SidesOf(rect), SearchPlainly(own, page.get(), threshold))
+          << tone << ", " << threshold;
+    }
+  }
+}
+
+TEST_F(Pages, PagesAreTrimmedToWhatWasMeasured) {
+  for (const int depth : {1, 8, 24}) {
+    SCOPED_TRACE(depth);
+    OwnedDib page = Scan(depth, 0);
+    DibHandle made = nullptr;
+    ASSERT_EQ(toolkit->Trim(page.get(), &made, 18, 8, 71, 61), ORVO_OK);
+    const OwnedDib expected(std::exchange(made, nullptr));
+    ASSERT_EQ(CallSlot(toolkit.get(), 42, page.get(), &made, std::uint8_t{100}), ORVO_OK);
+    EXPECT_EQ(Difference(expected.get(), OwnedDib(made).get()), "");
+    EXPECT_EQ(Difference(Scan(depth, 0).get(), page.get()), "");
+    ASSERT_EQ(CallSlot(toolkit.get(), 43, page.address(), std::uint8_t{100}), ORVO_OK);
+    EXPECT_EQ(Difference(expected.get(), page.get()), "");
+  }
+  // Depth, allocation and lock that fail, code.
+  const std::array<int, 4> rows[] = {{4, 0, 0, ORVO_ERR_BAD_DEPTH},  {16, 0, 0, ORVO_ERR_BAD_DEPTH},
+                                     {32, 0, 0, ORVO_ERR_BAD_DEPTH}, {1, 1, 0, ORVO_ERR_NO_MEMORY},
+                                     {24, 0, 1, ORVO_ERR_FAILURE},   {8, 0, 2, ORVO_ERR_FAILURE}};
+  for (const auto& [depth, allocation, lock, code] : rows) {
+    OwnedDib page = pictures::Noise(40, 40, depth, 3);
+    log();
+    for (const int form : {0, 1, 2}) {
+      RECT rect{5, 5, 5, 5};
+      DibHandle made = &rect;
+      PlatformFailAllocation(allocation);
+      PlatformFailLock(lock);
+      EXPECT_EQ(form == 0   ? toolkit->GetAutoTrimRect(page.get(), 9, &rect)
+                : form == 1 ? toolkit->AutoTrim(page.get(), &made, 9)
+                            : toolkit->AutoTrimInPlace(page.address(), 9),
+                code);
+      PlatformFailAllocation(0);
+      PlatformFailLock(0);
+      EXPECT_EQ(SidesOf(rect), form == 0 ? Sides({0, 0, 1, 1}) : Sides(4, 5));
+      EXPECT_EQ(made, &rect) << "left alone";
+      EXPECT_EQ(Difference(pictures::Noise(40, 40, depth, 3).get(), page.get()), "");
+      EXPECT_EQ(log(), Log());
+    }
+  }
+  RECT rect{5, 5, 5, 5};
+  DibHandle made = nullptr;
+  EXPECT_EQ(toolkit->GetAutoTrimRect(nullptr, 9, &rect), ORVO_ERR_NULL_IMAGE);
+  EXPECT_EQ(SidesOf(rect), Sides(4, 5));
+  EXPECT_EQ(toolkit->GetAutoTrimRect(Scan(8, 0).get(), 9, nullptr), ORVO_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(toolkit->AutoTrim(nullptr, &made, 9), ORVO_ERR_NULL_IMAGE);
+  EXPECT_EQ(toolkit->AutoTrim(nullptr, nullptr, 9), ORVO_ERR_BAD_ARGUMENT);
+  EXPECT_EQ(toolkit->AutoTrimInPlace(nullptr, 9), ORVO_ERR_BAD_ARGUMENT);
 }
 
 }  // namespace
