@@ -127,13 +127,13 @@ TEST_F(Files, SavingFailsInOrder) {
   for (const char* entry : {"L_SaveBitmap", "L_SaveFile", "L_FreeBitmap", ""}) {
     bind({entry});
     EXPECT_EQ(toolkit->SaveFile(nullptr, nullptr, 0, 0), ORVO_ERR_NULL_IMAGE);
-    EXPECT_EQ(CallSlot(toolkit.get(), 52, photo_.get(), static_cast<const char*>(nullptr), 0, 0),
+    EXPECT_EQ(toolkit->SaveFile(photo_.get(), nullptr, 0, 0),
               *entry != '\0' ? ORVO_ERR_NO_VENDOR : ORVO_ERR_BAD_ARGUMENT);
     EXPECT_EQ(log(), Log());
   }
   state.answers = {{"L_SaveBitmap", {-6}}, {"L_SaveFile", {-12}}};
-  EXPECT_EQ(save("x.tif"), ORVO_ERR_FILE_IO);
-  EXPECT_EQ(save("x.tif", 1), ORVO_ERR_BAD_FORMAT);
+  EXPECT_EQ(CallSlot(toolkit.get(), 52, photo_.get(), "x.tif", 0, 0), ORVO_ERR_FILE_IO);
+  EXPECT_EQ(CallSlot(toolkit.get(), 52, photo_.get(), "x.tif", 1, 0), ORVO_ERR_BAD_FORMAT);
 }
 
 // Loading and making a thumbnail: the older block goes only when the new one is there.

@@ -36,6 +36,10 @@ inline int Earlier(int /*percent*/, void* /*userData*/) {
   return 0;
 }
 
+inline bool IsAlive(DibHandle handle) {
+  return GlobalSize(handle) != 0;
+}
+
 // Calls an entry as any language would: the table's function pointer at that place.
 template <class... Arguments>
 int CallSlot(COrvoInstance* toolkit, std::size_t place, Arguments... arguments) {
@@ -144,10 +148,6 @@ inline OwnedDib Picture(int depth) {
   }
   watched::TheState() = before;
   return picture;
-}
-
-inline bool IsAlive(DibHandle handle) {
-  return GlobalSize(handle) != 0;
 }
 
 inline std::string Measures(DibHandle image) {
