@@ -237,17 +237,7 @@ TEST_F(Files, InformationIsThatOfTheFirstPage) {
               module == -10 ? ORVO_ERR_BAD_FILE : ORVO_ERR_FAILURE);
     EXPECT_EQ(info.width, 0);
   }
-  LTVERSIONINFO module{};
-  module.size = sizeof module;
-  ORVOVERSIONINFO version{"?", &module};
-  EXPECT_EQ(CallSlot(toolkit.get(), 18, &version), ORVO_OK);
-  EXPECT_STREQ(version.version, "1.0");
-  EXPECT_STRNE(module.version, "");
-  EXPECT_EQ(toolkit->GetVersion(nullptr), ORVO_ERR_BAD_ARGUMENT);
-  bind({"L_VersionInfo", "L_FileInfo"});
-  version = {"?", &module};
-  EXPECT_EQ(toolkit->GetVersion(&version), ORVO_ERR_NO_VENDOR);
-  EXPECT_STREQ(version.version, "1.0");
+  bind({"L_FileInfo"});
   EXPECT_EQ(toolkit->ImageFileInfo(nullptr, &info), ORVO_ERR_BAD_ARGUMENT);
   EXPECT_EQ(toolkit->ImageFileInfo("x", nullptr), ORVO_ERR_BAD_ARGUMENT);
   EXPECT_EQ(toolkit->ImageFileInfo("x", &info), ORVO_ERR_NO_VENDOR);

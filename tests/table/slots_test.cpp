@@ -59,6 +59,20 @@ TEST_F(Slots, TheFirstEndsTheInstance) {
   EXPECT_EQ(failing, 4) << "the instance and the two objects that it owns";
 }
 
+TEST_F(Slots, TheVersionIsToldEvenWithoutTheModule) {
+  EXPECT_EQ(toolkit->GetVersion(nullptr), ORVO_ERR_BAD_ARGUMENT);
+  for (const char* absent : {"", "L_VersionInfo"}) {
+    bind({absent});
+    LTVERSIONINFO module{};
+    module.size = sizeof module;
+    ORVOVERSIONINFO version{"?", &module};
+    EXPECT_EQ(CallSlot(toolkit.get(), 18, &version),
+              *absent != '\0' ? ORVO_ERR_NO_VENDOR : ORVO_OK);
+    EXPECT_STREQ(version.version, "1.0");
+    EXPECT_EQ(module.version[0] != '\0', *absent == '\0');
+  }
+}
+
 TEST_F(Slots, OwnersReleaseWhatTheyHoldAndNothingElse) {
   orvo::OwnedInstance own;
   EXPECT_TRUE(own && own.get() != nullptr);
