@@ -1,193 +1,298 @@
-// A save reaches its target whole or not at all.
+// A save reaches its target whole or not at all; a file that is damaged gives a code, and neither
+// leaves anything behind.
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <csignal>
+#include <map>
 
 #include "files.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using files::AppendPage;
-using files::Save;
+using rig::Bytes;
+using rig::FileTest;
+using rig::OwnedDib;
+using rig::Picture;
+using rig::Shown;
 
-constexpr int kAllFormats[] = {kFormatBmp, kFormatJpeg, kFormatPng, kFormatTiff,
-                               kFormatTiffCompressed};
+constexpr int kFormats[] = {kFormatBmp, kFormatJpeg,           kFormatPng,  kFormatPsd, kFormatTga,
+                            kFormatPcx, kFormatTiffCompressed, kFormatTiff, kFormatPct, kFormatRas};
+// Some formats are told by their names alone.
+std::string NameOf(int format) {
+  return format == kFormatTga ? "a.tga" : format == kFormatPct ? "a.pct" : "a";
+}
 
-class Saving : public files::FolderTest {
- protected:
-  const files::Bytes old_{'o', 'l', 'd'};
-};
-
-// Stops the operation when the percent is reached; counts what it sees.
-struct Watcher {
-  static inline int stopAt = 0;
-  static inline std::vector<int> seen;
-  static int call(int percent, void* /*userData*/) {
-    seen.push_back(percent);
-    return percent >= stopAt ? 16 : 0;
-  }
-};
-
-class Watched {
- public:
-  explicit Watched(int stopAt) {
-    Watcher::stopAt = stopAt;
-    Watcher::seen.clear();
-    L_SetStatusCallBack(Watcher::call, nullptr);
-  }
-  ~Watched() { L_SetStatusCallBack(nullptr, nullptr); }
-  Watched(const Watched&) = delete;
-  Watched& operator=(const Watched&) = delete;
-};
-
-constexpr int kNever = 1000;
-
-TEST_F(Saving, full_disk_leaves_the_old_file) {
-  const orvo::OwnedDib image = pictures::Noise(300, 300, 24, 1);
-  for (const int format : kAllFormats) {
-    files::Write(at("a"), old_);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{20000, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const int code = Save(image.get(), at("a"), format);
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(code, kModuleWriteFailed) << format;
-    EXPECT_EQ(files::Read(at("a")), old_);
-    EXPECT_EQ(fileCount(), 1U) << "a temporary file is left";
+TEST_F(FileTest, a_full_disk_leaves_the_old_file) {
+  const OwnedDib image = Picture({24, false}, 300, 300);
+  for (const int format : kFormats) {
+    ASSERT_EQ(save(image, "whole", format), kModuleSuccess);
+    const auto size = static_cast<rlim_t>(read("whole").size());
+    fs::remove(at("whole"));
+    for (const rlim_t limit : {rlim_t{300}, rlim_t{700}, size / 2, size - 1}) {
+      write("a", {'o', 'l', 'd'});
+      rlimit before{};
+      getrlimit(RLIMIT_FSIZE, &before);
+      const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+      const rlimit small{limit, before.rlim_max};
+      setrlimit(RLIMIT_FSIZE, &small);
+      const int code = save(image, "a", format);
+      setrlimit(RLIMIT_FSIZE, &before);
+      std::signal(SIGXFSZ, handler);
+      EXPECT_EQ(code, kModuleWriteFailed) << format << " at " << limit << " of " << size;
+      EXPECT_EQ(read("a"), (Bytes{'o', 'l', 'd'}));
+      EXPECT_EQ(fileCount(), 1U) << "a temporary file is left";
+    }
   }
 }
 
-TEST_F(Saving, targets_that_cannot_be_files_are_refused) {
-  const orvo::OwnedDib image = pictures::Noise(3, 3, 24, 1);
+TEST_F(FileTest, targets_that_cannot_be_files_are_refused) {
+  const OwnedDib image = Picture({24, false}, 3, 3);
   fs::create_directory(at("folder"));
-  EXPECT_EQ(Save(image.get(), at("folder"), kFormatBmp), kModuleFileNotOpened);
-  EXPECT_EQ(Save(image.get(), at("absent/a.bmp"), kFormatBmp), kModuleFileNotOpened);
-  EXPECT_EQ(Save(image.get(), "/dev/null", kFormatBmp), kModuleFileNotOpened);
-  EXPECT_EQ(Save(image.get(), "", kFormatBmp), kModuleFileNotOpened);
-  EXPECT_EQ(Save(image.get(), at(std::string(300, 'a')), kFormatBmp), kModuleFileNotOpened);
-  constexpr int kNoFormat = 99;
-  EXPECT_EQ(Save(image.get(), at("a"), kNoFormat), kFileFormatNotWritten);
-  EXPECT_EQ(Save(nullptr, at("a"), kFormatBmp), kModuleNoBitmap);
-  EXPECT_EQ(fileCount(), 1U);
+  for (const char* const target : {"folder", "absent/a.bmp", "../../../../../../dev/null"}) {
+    EXPECT_EQ(save(image, target, kFormatBmp), kModuleFileNotOpened) << target;
+  }
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_EQ(save(image, std::string(300, 'a'), kFormatBmp), kModuleFileNotOpened);
+  EXPECT_EQ(save(image, "a", 99), kFileFormatNotWritten);
+  EXPECT_EQ(save(image, "a", kFormatPng, 0, kSaveAppendsPage), kFileFormatNotWritten);
+  EXPECT_EQ(save(OwnedDib(), "a", kFormatBmp), kModuleNoBitmap);
+  EXPECT_EQ(save(Picture({8, true}, 40000, 1), "a", kFormatPcx), kFileFormatNotWritten);
+  EXPECT_EQ(save(Picture({1, true}, 65501, 1), "a", kFormatJpeg), kFileFormatNotWritten);
+  EXPECT_EQ(save(Picture({1, true}, 30001, 1), "a", kFormatPsd), kFileFormatNotWritten);
+  EXPECT_EQ(L_SaveBitmap("", nullptr, kFormatBmp, 0, 0, nullptr), kModuleNoBitmap);
+  EXPECT_EQ(fileCount(), 1U);
+  EXPECT_EQ(save(image, "a", kFormatTiff, 0, 4), kModuleSuccess) << "only all of 6 appends";
 }
 
-TEST_F(Saving, separators_permissions_and_links_are_kept) {
-  const orvo::OwnedDib image = pictures::Noise(3, 3, 24, 1);
+TEST_F(FileTest, separators_permissions_and_links_are_kept) {
+  const OwnedDib image = Picture({24, false}, 3, 3);
   fs::create_directory(at("sub"));
-  EXPECT_EQ(Save(image.get(), at("sub\\a.bmp"), kFormatBmp), kModuleSuccess);
+  EXPECT_EQ(save(image, "sub\\a.bmp", kFormatBmp), kModuleSuccess);
   fs::permissions(at("sub/a.bmp"), fs::perms{0640});
   fs::create_symlink(at("sub/a.bmp"), at("link.bmp"));
-  EXPECT_EQ(Save(image.get(), at("link.bmp"), kFormatPng), kModuleSuccess);
+  EXPECT_EQ(save(image, "link.bmp", kFormatPng), kModuleSuccess);
   EXPECT_TRUE(fs::is_symlink(at("link.bmp")));
-  EXPECT_EQ(files::Read(at("sub/a.bmp"))[1], 'P');
+  EXPECT_EQ(read("sub/a.bmp")[1], 'P');
   EXPECT_EQ(fs::status(at("sub/a.bmp")).permissions(), fs::perms{0640});
-
   const mode_t mask = umask(027);
-  EXPECT_EQ(Save(image.get(), at("new.bmp"), kFormatBmp), kModuleSuccess);
+  EXPECT_EQ(save(image, "new.bmp", kFormatBmp), kModuleSuccess);
   umask(mask);
   EXPECT_EQ(fs::status(at("new.bmp")).permissions(), fs::perms{0640});
 }
 
-TEST_F(Saving, progress_rises_to_100_and_a_stop_leaves_nothing) {
-  const orvo::OwnedDib image = files::Scene(900, 700, 24);
-  for (const int format : kAllFormats) {
-    const auto checkRising = [](const char* what) {
-      ASSERT_FALSE(Watcher::seen.empty()) << what;
-      for (std::size_t i = 1; i < Watcher::seen.size(); ++i) {
-        EXPECT_LT(Watcher::seen[i - 1], Watcher::seen[i]) << what;
-      }
-      EXPECT_EQ(Watcher::seen.back(), 100) << what;
-      EXPECT_GT(Watcher::seen.size(), 5U) << what;
+TEST_F(FileTest, progress_rises_to_100_and_a_stop_leaves_nothing) {
+  const OwnedDib image = Picture({24, false}, 400, 200);
+  for (const int format : kFormats) {
+    const std::string name = NameOf(format);
+    const auto convert = [&] {
+      return L_FileConvert(at(name).c_str(), at("b").c_str(), format, 90, 80, 8, 0, nullptr,
+                           nullptr, nullptr);
     };
-    {
-      const Watched watched(kNever);
-      EXPECT_EQ(Save(image.get(), at("a"), format), kModuleSuccess);
-      checkRising("saving");
+    const std::function<int()> works[] = {[&] { return save(image, name, format); },
+                                          [&] { return save(image, name, format, 0, 0, 8); },
+                                          [&] { return load(name), code_; },
+                                          [&] { return load(name, 4), code_; }, convert};
+    for (std::size_t i = 0; i < std::size(works); ++i) {
+      for (const int stopAt : {0, 50, 100, 1000}) {
+        SCOPED_TRACE(testing::Message() << format << ", work " << i << ", stop at " << stopAt);
+        fs::remove(at(i < 2 ? name : "b"));
+        const std::size_t files = fileCount();
+        const rig::Watch watch(stopAt);
+        const int code = works[i]();
+        watch.check(code);
+        EXPECT_EQ(fileCount(), files + (code == kModuleSuccess && (i < 2 || i == 4) ? 1 : 0));
+      }
     }
-    {
-      const Watched watched(kNever);
-      EXPECT_TRUE(files::Load(at("a")));
-      checkRising("loading");
-    }
-    {
-      const Watched watched(kNever);
-      EXPECT_EQ(L_FileConvert(at("a").c_str(), at("b").c_str(), format, 0, 0, 8, 0, nullptr,
-                              nullptr, nullptr),
-                kModuleSuccess);
-      checkRising("converting");
-    }
-    fs::remove(at("b"));
-    for (const int stopAt : {0, 50, 100}) {
-      const Watched watched(stopAt);
-      int code = 0;
-      EXPECT_FALSE(files::Load(at("a"), &code));
-      EXPECT_EQ(code, kModuleAborted);
-      EXPECT_EQ(Save(image.get(), at("b"), format), kModuleAborted);
-      EXPECT_EQ(fileCount(), 1U);
-    }
+    fs::remove(at(name));
   }
 }
 
-TEST_F(Saving, pages_are_appended_one_by_one) {
-  std::vector<orvo::OwnedDib> pages;
+TEST_F(FileTest, quality_orders_sizes_and_has_a_default) {
+  const OwnedDib image = Picture({24, false}, 64, 64);
+  const auto bytesAt = [&](int quality) {
+    EXPECT_EQ(save(image, "a.jpg", kFormatJpeg, quality), kModuleSuccess);
+    return read("a.jpg");
+  };
+  EXPECT_LT(bytesAt(1).size(), bytesAt(50).size());
+  EXPECT_LT(bytesAt(89).size() * 5 / 4, bytesAt(90).size()) << "full colour from 90 on";
+  EXPECT_LT(bytesAt(90).size(), bytesAt(100).size());
+  EXPECT_EQ(bytesAt(0), bytesAt(90));
+  EXPECT_EQ(bytesAt(-5), bytesAt(90));
+  EXPECT_EQ(bytesAt(101), bytesAt(100));
+  EXPECT_EQ(save(pictures::Blank(1000, 100, 24), "a.psd", kFormatPsd), kModuleSuccess);
+  EXPECT_LT(read("a.psd").size(), 7000U) << "runs shorten flat pictures";
+}
+
+TEST_F(FileTest, pages_are_appended_to_a_sound_tiff_alone) {
+  std::vector<OwnedDib> pages;
   for (const int depth : {1, 8, 24}) {
-    pages.push_back(pictures::Noise(20 + depth, 10, depth, static_cast<unsigned>(depth)));
-    ASSERT_EQ(AppendPage(pages.back().get(), at("a.tif"),
-                         depth == 8 ? kFormatTiffCompressed : kFormatTiff),
+    pages.push_back(Picture({depth, true}, 20 + depth, 10));
+    EXPECT_EQ(save(pages.back(), "a.tif", depth == 8 ? kFormatTiffCompressed : kFormatTiff, 0,
+                   kSaveAppendsPage),
               kModuleSuccess);
   }
   for (int page = 1; page <= 3; ++page) {
-    const LTLOADOPTIONS options{sizeof options, page};
-    LTFILEINFO info{};
-    ASSERT_EQ(L_FileInfo(at("a.tif").c_str(), &info, kInfoUsesOptions, &options), kModuleSuccess);
-    EXPECT_EQ(info.pageCount, 3);
-    EXPECT_EQ(info.page, page);
-    EXPECT_EQ(info.width,
-              pictures::Locked(pages[static_cast<std::size_t>(page) - 1].get()).header()->biWidth);
+    const LTFILEINFO told = info("a.tif", page);
+    EXPECT_EQ(told.pageCount, 3);
+    EXPECT_EQ(told.page, page);
+    EXPECT_EQ(told.width, rig::View(pages[static_cast<std::size_t>(page) - 1]).width());
   }
-  const LTLOADOPTIONS beyond{sizeof beyond, 4};
-  LTFILEINFO info{};
-  info.width = 77;
-  EXPECT_EQ(L_FileInfo(at("a.tif").c_str(), &info, kInfoUsesOptions, &beyond), kModuleBadParameter);
+  EXPECT_EQ(Shown(load("a.tif")), Shown(pages[0]));
+  EXPECT_EQ(run("convert 'a.tif[2]' -depth 8 rgb:-"), Shown(pages[2]));
+  for (const int wrong : {4, 0, -1}) {
+    EXPECT_EQ(info("a.tif", wrong).width, 0);
+    EXPECT_EQ(code_, kModuleBadParameter);
+  }
+  LTFILEINFO told{};
   const LTLOADOPTIONS shorter{4, 1};
-  EXPECT_EQ(L_FileInfo(at("a.tif").c_str(), &info, kInfoUsesOptions, &shorter),
+  EXPECT_EQ(L_FileInfo(at("a.tif").c_str(), &told, kInfoUsesOptions, &shorter),
             kModuleBadParameter);
-  EXPECT_EQ(info.width, 77);
+  EXPECT_EQ(L_FileInfo(at("a.tif").c_str(), &told, kInfoUsesOptions, nullptr), kModuleBadParameter);
+  EXPECT_EQ(L_FileInfo(at("a.tif").c_str(), nullptr, 0, nullptr), kModuleBadParameter);
 
-  const orvo::OwnedDib first = files::Load(at("a.tif"));
-  EXPECT_EQ(files::ShownPixels(first.get()), files::ShownPixels(pages[0].get()));
-  if (files::HasProgram("convert")) {
-    EXPECT_EQ(files::OutputOf("convert '" + at("a.tif") + "[2]' -depth 8 bgr:-"),
-              files::ShownPixels(pages[2].get()));
+  ASSERT_EQ(save(pages[2], "a.png", kFormatPng), kModuleSuccess);
+  const Bytes png = read("a.png");
+  EXPECT_EQ(save(pages[2], "a.png", kFormatTiff, 0, kSaveAppendsPage), kModuleBadFile);
+  EXPECT_EQ(read("a.png"), png);
+  // The only page's link to the next one leads back to itself.
+  ASSERT_EQ(save(pages[2], "loop.tif", kFormatTiff), kModuleSuccess);
+  Bytes loop = read("loop.tif");
+  std::uint32_t directory = 0;
+  std::memcpy(&directory, &loop[4], 4);
+  std::memcpy(&loop[directory + 2 + 12 * std::size_t{loop[directory]}], &directory, 4);
+  write("loop.tif", loop);
+  EXPECT_NE(save(pages[2], "loop.tif", kFormatTiff, 0, kSaveAppendsPage), kModuleSuccess);
+  EXPECT_EQ(read("loop.tif"), loop);
+  EXPECT_EQ(fileCount(), 3U);
+}
+
+class Damage : public FileTest {
+ protected:
+  // A small file of each kind, by name.
+  std::map<std::string, Bytes> samples() {
+    const std::tuple<const char*, int, rig::Kind> kinds[] = {
+        {"8.bmp", kFormatBmp, {8, false}},    {"24.jpg", kFormatJpeg, {24, false}},
+        {"8.png", kFormatPng, {8, false}},    {"32.png", kFormatPng, {32, false}},
+        {"24.tif", kFormatTiff, {24, false}}, {"8.tif", kFormatTiffCompressed, {8, true}},
+        {"4.tif", kFormatTiff, {4, false}},   {"1.tif", kFormatTiffCompressed, {1, true}},
+        {"8.psd", kFormatPsd, {8, false}},    {"24.psd", kFormatPsd, {24, false}},
+        {"8.pcx", kFormatPcx, {8, false}},    {"24.tga", kFormatTga, {24, false}},
+        {"8.ras", kFormatRas, {8, false}},    {"24.pct", kFormatPct, {24, false}}};
+    std::map<std::string, Bytes> made;
+    for (const auto& [name, format, kind] : kinds) {
+      EXPECT_EQ(save(Picture(kind, 30, 20), name, format), kModuleSuccess);
+      made[name] = read(name);
+    }
+    run("convert -size 40x30 plasma:red-blue -interlace JPEG progressive.jpg");
+    made["progressive.jpg"] = read("progressive.jpg");
+    return made;
+  }
+  // Every entry that reads the file; whether it loads.
+  bool reads(const std::string& name, const Bytes& bytes) {
+    write(name, bytes);
+    (void)info(name);
+    const bool described = code_ == kModuleSuccess;
+    const bool loaded = static_cast<bool>(load(name));
+    EXPECT_TRUE(described || !loaded) << name;
+    return loaded;
+  }
+};
+
+TEST_F(Damage, cut_and_scrambled_files_do_no_harm) {
+  std::mt19937 random(7);
+  for (const auto& [name, whole] : samples()) {
+    const std::string extension = name.substr(name.find('.'));
+    // All pixels are there without the end mark of PNG and JPEG and the resolution that ends a
+    // TIFF; rare formats may load in part.
+    const std::size_t tail = extension == ".png" || extension == ".tif"   ? 24
+                             : extension == ".jpg"                        ? 8
+                             : extension == ".bmp" || extension == ".psd" ? 1
+                                                                          : whole.size() / 2;
+    const std::size_t step = std::max<std::size_t>(whole.size() / 100, 1);
+    for (std::size_t length = 0; length + tail < whole.size(); length += step) {
+      const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+      EXPECT_FALSE(reads("cut" + extension, cut))
+          << name << " at " << length << " of " << whole.size();
+    }
+    for (int round = 0; round < 100; ++round) {
+      Bytes bytes = whole;
+      const std::size_t reach =
+          round % 2 == 0 ? std::min<std::size_t>(bytes.size(), 120) : bytes.size();
+      for (int i = 0; i <= round % 5; ++i)
+        bytes[random() % reach] = static_cast<std::uint8_t>(random());
+      (void)reads("scrambled" + extension, bytes);
+    }
   }
 }
 
-TEST_F(Saving, only_a_sound_tiff_takes_a_further_page) {
-  const orvo::OwnedDib image = pictures::Noise(9, 9, 24, 1);
-  ASSERT_EQ(Save(image.get(), at("a.png"), kFormatPng), kModuleSuccess);
-  const files::Bytes png = files::Read(at("a.png"));
-  EXPECT_EQ(AppendPage(image.get(), at("a.png")), kModuleBadFile);
-  EXPECT_EQ(files::Read(at("a.png")), png);
-  EXPECT_EQ(AppendPage(image.get(), at("new.png"), kFormatPng), kFileFormatNotWritten);
+TEST_F(Damage, claims_of_60000_by_60000_pixels_fail) {
+  std::map<std::string, Bytes> all = samples();
+  const std::tuple<const char*, std::size_t, Bytes> lies[] = {
+      {"8.png", 16, {0, 0, 0xEA, 0x60, 0, 0, 0xEA, 0x60, 8, 0, 0, 0, 0, 0x82, 0x02, 0x09, 0x1D}},
+      {"8.pcx", 8, {0x5F, 0xEA, 0x5F, 0xEA}},
+      {"24.tga", 12, {0x60, 0xEA, 0x60, 0xEA}},
+      {"8.ras", 4, {0, 0, 0xEA, 0x60, 0, 0, 0xEA, 0x60}}};
+  for (const auto& [name, place, measures] : lies) {
+    Bytes bytes = all[name];
+    std::copy(measures.begin(), measures.end(), bytes.begin() + static_cast<std::ptrdiff_t>(place));
+    EXPECT_FALSE(reads(name, bytes)) << name;
+  }
+}
 
-  // The only page's link to the next one leads back to itself.
-  ASSERT_EQ(Save(image.get(), at("loop.tif"), kFormatTiff), kModuleSuccess);
-  files::Bytes loop = files::Read(at("loop.tif"));
-  std::uint32_t directory = 0;
-  std::memcpy(&directory, &loop[4], 4);
-  const std::size_t next = directory + 2 + 12 * std::size_t{loop[directory]};
-  std::memcpy(&loop[next], &directory, 4);
-  files::Write(at("loop.tif"), loop);
-  EXPECT_NE(AppendPage(image.get(), at("loop.tif")), kModuleSuccess);
-  EXPECT_EQ(files::Read(at("loop.tif")), loop);
-  EXPECT_EQ(fileCount(), 2U);
+TEST_F(Damage, failing_memory_is_reported) {
+  for (const auto& [name, whole] : samples()) {
+    struct_LEAD_Bitmap bitmap{};
+    rig::FailEach(
+        [&, path = at(name)] {
+          return L_LoadBitmap(path.c_str(), &bitmap, 0, 1, nullptr, nullptr);
+        },
+        [&](int code) {
+          EXPECT_EQ(bitmap.block != nullptr, code == kModuleSuccess);
+          L_FreeBitmap(&bitmap);
+        });
+  }
+  EXPECT_EQ(fileCount(), samples().size());
+}
+
+TEST_F(Damage, what_is_no_picture_file_has_its_own_code) {
+  const auto codeOf = [&](const std::string& name) {
+    (void)info(name);
+    const int described = code_;
+    EXPECT_FALSE(load(name));
+    EXPECT_EQ(code_, described) << name;
+    return code_;
+  };
+  EXPECT_EQ(codeOf("absent.png"), kModuleFileNotFound);
+  EXPECT_EQ(codeOf("no/such/folder.png"), kModuleFileNotFound);
+  EXPECT_EQ(codeOf(""), kModuleFileNotOpened);
+  EXPECT_EQ(codeOf(std::string(400, 'a')), kModuleFileNotOpened);
+  // A name never opens another decoder, nor one that starts programs.
+  const auto textFile = [&](const std::string& name, std::string content) {
+    content.resize(4000, ' ');
+    write(name, {content.begin(), content.end()});
+    return codeOf(name);
+  };
+  EXPECT_EQ(textFile("letter.bmp", "BMXY this is a letter"), kFileFormatNotRead);
+  for (const char* const name :
+       {"a.cmp", "a.fpx", "a.exf", "a.eps", "a.mvg", "a.tga", "a.wpg", "a.wmf"}) {
+    EXPECT_EQ(textFile(name, "push graphic-context image over 0,0 0,0 '/etc/passwd' pop"),
+              kFileFormatNotRead)
+        << name;
+    EXPECT_EQ(textFile(name, "%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 9 9\nshowpage\n"),
+              kFileFormatNotRead)
+        << name;
+  }
+  EXPECT_EQ(textFile("a.pct", "<svg xmlns='http://www.w3.org/2000/svg'/>"), kFileFormatDamaged);
+  EXPECT_EQ(textFile("a.pcd", "<svg xmlns='http://www.w3.org/2000/svg'/>"), kFileFormatDamaged);
+  write("empty.jpg", {});
+  EXPECT_EQ(codeOf("empty.jpg"), kFileFormatNotRead);
+  ASSERT_EQ(save(Picture({24, false}, 9, 9), "png.tga", kFormatPng), kModuleSuccess);
+  EXPECT_TRUE(load("png.tga")) << "a PNG all the same";
+  struct_LEAD_Bitmap bitmap{};
+  EXPECT_EQ(L_LoadBitmap(nullptr, &bitmap, 0, 1, nullptr, nullptr), kModuleBadParameter);
+  EXPECT_EQ(L_LoadBitmap(at("a").c_str(), nullptr, 0, 1, nullptr, nullptr), kModuleNoBitmap);
 }
 
 }  // namespace

@@ -3,13 +3,13 @@
 #include <cstdlib>
 #include <new>
 
-#include "kernel_fixture.h"
+#include "fixture.h"
 
 namespace {
 int newsUntilFailure = 0;
 }
 
-void kernel::FailNew(int n) noexcept {
+void rig::FailNew(int n) noexcept {
   newsUntilFailure = n;
 }
 

@@ -1,0 +1,249 @@
+// What the tests of the four modules share: pictures of every kind and a view of their pixels, a
+// folder that goes with the test, a watch on progress, and calls that fail one after the other.
+#ifndef TESTS_MODULES_FIXTURE_H
+#define TESTS_MODULES_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include "binding/module_contract.h"
+#include "platform/fault_injection.h"
+#include "support/pictures.h"
+
+namespace rig {
+
+using orvo::OwnedDib;
+using pictures::Locked;
+using Bytes = std::vector<std::uint8_t>;
+using Operation = std::function<int(struct_LEAD_Bitmap*)>;
+// Red, green, blue, and the fourth byte of 32 bits (else 0).
+using Color = std::array<double, 4>;
+
+// Every kind of image: gray ones have bytes that are their tones.
+struct Kind {
+  int depth;
+  bool gray;
+  [[nodiscard]] bool inColors() const { return depth <= 8 && !gray; }
+};
+inline constexpr Kind kKinds[] = {{1, false},  {4, false},  {8, false}, {8, true},
+                                  {16, false}, {24, false}, {32, false}};
+
+// Noise, the bytes of the palette that hold no colour included.
+inline OwnedDib Picture(Kind kind, int width, int height, unsigned seed = 5) {
+  OwnedDib dib = kind.inColors() ? pictures::NoiseInColor(width, height, kind.depth, seed)
+                                 : pictures::Noise(width, height, kind.depth, seed);
+  const Locked image(dib.get());
+  for (std::size_t i = 0; i < orvo::DibPaletteBytes(kind.depth) / 4; ++i) {
+    image.palette()[i].rgbReserved = static_cast<std::uint8_t>(i + 1);
+  }
+  return dib;
+}
+
+// A locked image, pixel by pixel. Rows are counted as stored.
+class View {
+ public:
+  explicit View(const OwnedDib& dib) : image_(dib.get()), layout_(image_.layout()) {}
+
+  [[nodiscard]] int width() const { return layout_.width; }
+  [[nodiscard]] int height() const { return layout_.height; }
+  [[nodiscard]] int depth() const { return layout_.depth; }
+  [[nodiscard]] const BITMAPINFOHEADER& header() const { return *image_.header(); }
+  [[nodiscard]] RGBQUAD* palette() const { return image_.palette(); }
+  [[nodiscard]] std::uint8_t* row(int y) const { return image_.row(y); }
+  [[nodiscard]] bool holds(int x, int y) const {
+    return x >= 0 && y >= 0 && x < width() && y < height();
+  }
+
+  // A pixel's bits.
+  [[nodiscard]] unsigned value(int x, int y) const {
+    const std::uint8_t* const bytes = row(y);
+    const auto bits = static_cast<unsigned>(depth());
+    const unsigned at = static_cast<unsigned>(x) * bits;
+    if (bits < 8) return bytes[at / 8] >> (8 - bits - at % 8) & ((1U << bits) - 1);
+    unsigned value = 0;
+    for (unsigned i = bits / 8; i-- > 0;) value = value << 8 | bytes[at / 8 + i];
+    return value;
+  }
+  [[nodiscard]] Color entry(unsigned index) const {
+    const RGBQUAD& color = palette()[index];
+    return {double(color.rgbRed), double(color.rgbGreen), double(color.rgbBlue)};
+  }
+  [[nodiscard]] Color color(int x, int y) const {
+    const unsigned pixel = value(x, y);
+    if (depth() <= 8) return entry(pixel);
+    const auto channel = [&](unsigned place) {
+      const unsigned narrow = pixel >> (5 * place) & 31;
+      return double(depth() == 16 ? narrow << 3 | narrow >> 2 : pixel >> (8 * place) & 255);
+    };
+    return {channel(2), channel(1), channel(0), depth() == 32 ? channel(3) : 0};
+  }
+  // All colours from the top left; with the fourth bytes when asked.
+  [[nodiscard]] Bytes shown(bool withFourth = false) const {
+    Bytes all;
+    for (int y = height() - 1; y >= 0; --y) {
+      for (int x = 0; x < width(); ++x) {
+        const Color each = color(x, y);
+        for (std::size_t c = 0; c < (withFourth ? 4U : 3U); ++c) {
+          all.push_back(static_cast<std::uint8_t>(each[c]));
+        }
+      }
+    }
+    return all;
+  }
+
+ private:
+  Locked image_;
+  orvo::DibLayout layout_;
+};
+
+inline Bytes Shown(const OwnedDib& dib, bool withFourth = false) {
+  return View(dib).shown(withFourth);
+}
+inline int DepthOf(const OwnedDib& dib) {
+  return View(dib).depth();
+}
+// The largest difference of two pictures' bytes; 256 when they differ in size.
+inline int LargestDifference(const Bytes& a, const Bytes& b) {
+  if (a.size() != b.size()) return 256;
+  int largest = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) largest = std::max(largest, std::abs(a[i] - b[i]));
+  return largest;
+}
+
+// Runs an operation on an image in place; its owner holds the valid handle afterwards.
+inline int Apply(const Operation& operation, OwnedDib& image) {
+  struct_LEAD_Bitmap bitmap{};
+  L_ChangeFromDIB(&bitmap, image.release());
+  const int code = operation(&bitmap);
+  image.reset(L_ChangeToDIB(&bitmap));
+  return code;
+}
+inline OwnedDib Changed(const OwnedDib& image, const Operation& operation) {
+  OwnedDib copy = pictures::CopyOf(image.get());
+  EXPECT_EQ(Apply(operation, copy), kModuleSuccess);
+  return copy;
+}
+inline Operation ToDepth(int bits, unsigned dithering = 0,
+                         unsigned flags = kColorResOptimisedPalette) {
+  return [=](struct_LEAD_Bitmap* bitmap) {
+    return L_ColorResBitmap(bitmap, bitmap, bits, flags | dithering << kColorResDitheringShift,
+                            nullptr, nullptr, nullptr, nullptr, nullptr);
+  };
+}
+
+// Follows progress for a scope, and stops the operation at a percent.
+class Watch {
+ public:
+  explicit Watch(int stopAt = 1000) : stopAt_(stopAt) { L_SetStatusCallBack(Follow, this); }
+  ~Watch() { L_SetStatusCallBack(nullptr, nullptr); }
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+
+  // Checks what was seen of an operation that gave this code: a rising scale up to the stop, or to
+  // its end.
+  void check(int code) const {
+    ASSERT_FALSE(seen_.empty());
+    EXPECT_TRUE(std::is_sorted(seen_.begin(), seen_.end(), std::less_equal<>()));
+    EXPECT_GE(seen_.front(), 0);
+    EXPECT_EQ(code, stopAt_ <= 100 ? kModuleAborted : kModuleSuccess);
+    EXPECT_GE(seen_.back(), std::min(stopAt_, 100));
+    EXPECT_LE(seen_.back(), 100);
+    EXPECT_EQ(std::count_if(seen_.begin(), seen_.end(), [&](int p) { return p >= stopAt_; }),
+              stopAt_ <= 100 ? 1 : 0);
+  }
+  [[nodiscard]] const std::vector<int>& seen() const { return seen_; }
+
+ private:
+  static int Follow(int percent, void* watch) {
+    Watch& self = *static_cast<Watch*>(watch);
+    self.seen_.push_back(percent);
+    return percent >= self.stopAt_ ? 16 : 1;
+  }
+
+  int stopAt_;
+  std::vector<int> seen_;
+};
+
+// The n-th call of new from now on fails, once; 0 lets all succeed.
+void FailNew(int n) noexcept;
+
+// Lets the first, then the second ... allocation, lock and call of new fail, until the work, which
+// gives a module code, goes through. `check` takes each code and looks at what is left.
+template <class Work, class Check>
+void FailEach(const Work& work, const Check& check) {
+  for (void (*const fail)(int) noexcept : {+PlatformFailAllocation, +PlatformFailLock, +FailNew}) {
+    for (int n = 1, code = kModuleFailure; code != kModuleSuccess; ++n) {
+      ASSERT_LT(n, 500);
+      fail(n);
+      code = work();
+      fail(0);
+      ASSERT_TRUE(code == kModuleSuccess || code == kModuleNoMemory || code == kModuleNoBitmap)
+          << code;
+      check(code);
+    }
+  }
+}
+
+// Every test has an empty folder of its own, and leaves no block, no lock and no word behind.
+class ModuleTest : public testing::Test {
+ protected:
+  ModuleTest() {
+    std::string pattern = testing::TempDir() + "orvo-modules-XXXXXX";
+    folder_ = mkdtemp(pattern.data());
+    testing::internal::CaptureStderr();
+  }
+  ~ModuleTest() override {
+    std::filesystem::remove_all(folder_);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(PlatformLiveBlocks(), blocks_);
+    EXPECT_EQ(PlatformHeldLocks(), locks_);
+  }
+
+  [[nodiscard]] std::string at(const std::string& name) const { return folder_ / name; }
+  [[nodiscard]] std::size_t fileCount() const {
+    const std::filesystem::directory_iterator files(folder_);
+    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+  }
+  [[nodiscard]] Bytes read(const std::string& name) const {
+    std::ifstream file(at(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  void write(const std::string& name, const Bytes& bytes) const {
+    std::ofstream(at(name), std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+  }
+  // Runs a command line in the folder; what it prints.
+  Bytes run(const std::string& command) const {
+    Bytes output;
+    std::FILE* const pipe = popen(
+        ("export OMP_NUM_THREADS=1 && cd " + folder_.string() + " && " + command).c_str(), "r");
+    if (pipe == nullptr) return output;
+    for (int byte = 0; (byte = std::fgetc(pipe)) != EOF;) {
+      output.push_back(static_cast<std::uint8_t>(byte));
+    }
+    EXPECT_EQ(pclose(pipe), 0) << command;
+    return output;
+  }
+  [[nodiscard]] std::string text(const std::string& command) const {
+    const Bytes output = run(command);
+    return {output.begin(), output.end()};
+  }
+
+ private:
+  std::filesystem::path folder_;
+  std::size_t blocks_ = PlatformLiveBlocks();
+  std::size_t locks_ = PlatformHeldLocks();
+};
+
+}  // namespace rig
+
+#endif  // TESTS_MODULES_FIXTURE_H

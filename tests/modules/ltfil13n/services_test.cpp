@@ -1,0 +1,288 @@
+// What is done with files beyond reading and writing them: orientation, conversion, thumbnails,
+// resolution; and what their tags say.
+#include "files.h"
+
+namespace {
+
+using rig::Bytes;
+using rig::Color;
+using rig::FileTest;
+using rig::OwnedDib;
+using rig::Picture;
+using rig::Shown;
+using rig::View;
+
+// Where a tag stands in the first directory of a little-endian TIFF.
+std::uint8_t* TagOf(Bytes& tiff, int tag) {
+  std::uint32_t directory = 0;
+  std::memcpy(&directory, &tiff[4], 4);
+  std::uint8_t* entry = &tiff[directory + 2];
+  while ((entry[0] | entry[1] << 8) != tag) entry += 12;
+  return entry;
+}
+
+// A picture stored in an orientation by number as it is to be seen.
+void ExpectUpright(const OwnedDib& stored, const OwnedDib& seen, int orientation) {
+  const View from(stored);
+  const View to(seen);
+  const bool turned = orientation > 4;
+  const bool mirrorsColumns = orientation == 2 || orientation == 3 || orientation >= 7;
+  const bool mirrorsLines =
+      orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7;
+  ASSERT_EQ(to.width(), turned ? from.height() : from.width());
+  ASSERT_EQ(to.height(), turned ? from.width() : from.height());
+  for (int y = 0; y < to.height(); ++y) {
+    for (int x = 0; x < to.width(); ++x) {  // lines from the top
+      const int column = turned ? y : x;
+      const int line = turned ? x : y;
+      ASSERT_EQ(to.color(x, to.height() - 1 - y),
+                from.color(mirrorsColumns ? from.width() - 1 - column : column,
+                           mirrorsLines ? line : from.height() - 1 - line))
+          << orientation << ": " << x << ", " << y;
+    }
+  }
+}
+
+TEST_F(FileTest, pictures_stand_upright_at_every_depth) {
+  for (const rig::Kind kind : rig::kKinds) {
+    if (kind.depth == 16) continue;
+    const OwnedDib image = Picture(kind, 70, 131);
+    rig::Locked(image.get()).header()->biYPelsPerMeter = orvo::PixelsPerMetre(150);
+    ASSERT_EQ(save(image, "a.tif", kFormatTiff), kModuleSuccess);
+    Bytes bytes = read("a.tif");
+    for (const int orientation : {1, 2, 3, 4, 5, 6, 7, 8, 9, 0}) {
+      TagOf(bytes, 274)[8] = static_cast<std::uint8_t>(orientation);
+      const OwnedDib loaded = load("b.tif", bytes);
+      ASSERT_TRUE(loaded);
+      ASSERT_NO_FATAL_FAILURE(ExpectUpright(image, loaded, orientation > 8 ? 1 : orientation));
+      expectInfo("b.tif", loaded, "none");
+      EXPECT_EQ(info("b.tif").xResolution, orientation > 4 && orientation < 9 ? 150 : 300);
+    }
+  }
+}
+
+// Cameras tell how they were held in a block that follows the file's first two bytes.
+TEST_F(FileTest, tags_of_cameras_are_followed) {
+  run("convert -size 30x20 gradient:red-blue -strip in.jpg");
+  const Bytes plain = read("in.jpg");
+  const OwnedDib stored = load("in.jpg");
+  ASSERT_EQ(View(stored).header().biXPelsPerMeter, 0);
+  for (const bool big : {true, false}) {
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+      rig::Builder exif;
+      const auto number16 = [&](std::int64_t n) { big ? exif.big16({n}) : exif.little16({n}); };
+      const auto number32 = [&](std::int64_t n) { big ? exif.big32({n}) : exif.little32({n}); };
+      exif.add({0xFF, 0xE1}).big16({2 + 6 + 8 + 2 + 4 * 12 + 4 + 16});
+      exif.add({'E', 'x', 'i', 'f', 0, 0, big ? 'M' : 'I', big ? 'M' : 'I'});
+      number16(42);
+      number32(8);
+      number16(4);
+      const std::int64_t tags[][3] = {
+          {0x112, 3, orientation}, {0x11A, 5, 62}, {0x11B, 5, 70}, {0x128, 3, 3}};
+      for (const auto& [tag, type, value] : tags) {
+        number16(tag);
+        number16(type);
+        number32(1);
+        if (type == 3) {
+          number16(value);
+          number16(0);
+        } else {
+          number32(value);
+        }
+      }
+      for (const std::int64_t n : {0, 240, 2, 50, 1}) number32(n);  // dots per centimetre
+      Bytes bytes = plain;
+      const Bytes& block = exif;
+      bytes.insert(bytes.begin() + 2, block.begin(), block.end());
+      // The density of the usual block behind it has no unit.
+      const OwnedDib seen = load("turned.jpg", bytes);
+      ASSERT_TRUE(seen);
+      ASSERT_NO_FATAL_FAILURE(ExpectUpright(stored, seen, orientation));
+      expectInfo("turned.jpg", seen, "JPEG");
+      EXPECT_EQ(View(seen).header().biXPelsPerMeter, orientation > 4 ? 5000 : 12000);
+    }
+  }
+}
+
+TEST_F(FileTest, tags_of_tiff_are_followed_or_refused) {
+  const OwnedDib image = Picture({8, false}, 31, 9);
+  ASSERT_EQ(save(image, "a.tif", kFormatTiff), kModuleSuccess);
+  const Bytes plain = read("a.tif");
+  Bytes bytes = plain;
+  std::uint32_t palette = 0;
+  std::memcpy(&palette, TagOf(bytes, 320) + 8, 4);
+  // Some writers store bytes where 16 bits are asked. A single larger one tells that they are not.
+  for (std::size_t i = palette; i < palette + 1536; i += 2) bytes[i + 1] = 0;
+  EXPECT_EQ(Shown(load("b.tif", bytes)), Shown(image));
+  for (const std::size_t channel : {0U, 1U, 2U}) {
+    Bytes one = bytes;
+    one[palette + 512 * channel + 511] = 1;
+    const Bytes shown = Shown(load("b.tif", one));
+    EXPECT_EQ(*std::max_element(shown.begin(), shown.end()), 1) << channel;
+  }
+  // Of tones that are no plain numbers nothing is shown. The tag takes the orientation's place.
+  for (const auto& [format, code] : {std::pair{1, kModuleSuccess},
+                                     {2, kModuleDepthNotSupported},
+                                     {3, kModuleDepthNotSupported},
+                                     {4, kModuleSuccess}}) {
+    bytes = plain;
+    std::uint8_t* const tag = TagOf(bytes, 274);
+    tag[0] = 339 & 255;
+    tag[8] = static_cast<std::uint8_t>(format);
+    EXPECT_EQ(static_cast<bool>(load("b.tif", bytes)), code == kModuleSuccess);
+    EXPECT_EQ(code_, code);
+    (void)info("b.tif");
+    EXPECT_EQ(code_, code);
+  }
+  // Grays that count from white.
+  for (const int depth : {1, 4, 8}) {
+    const OwnedDib gray = pictures::Noise(31, 9, depth, 1);
+    ASSERT_EQ(save(gray, "a.tif", kFormatTiff), kModuleSuccess);
+    Bytes inverted = read("a.tif");
+    TagOf(inverted, 262)[8] = 0;
+    Bytes expected = Shown(gray);
+    for (std::uint8_t& tone : expected) tone = static_cast<std::uint8_t>(255 - tone);
+    EXPECT_EQ(Shown(load("b.tif", inverted)), expected) << depth;
+  }
+}
+
+TEST_F(FileTest, depths_and_resolutions_are_those_asked_for) {
+  const OwnedDib image = Picture({8, false}, 33, 9);
+  ASSERT_EQ(save(image, "a.png", kFormatPng), kModuleSuccess);
+  const auto convert = [&](const char* source, int width, int height, int bits) {
+    return L_FileConvert(at(source).c_str(), at("b.tif").c_str(), kFormatTiffCompressed, width,
+                         height, bits, 0, nullptr, nullptr, nullptr);
+  };
+  for (const int bits : {0, 8, 24}) {
+    ASSERT_EQ(convert("a.png", 0, 9, bits), kModuleSuccess);
+    EXPECT_EQ(Shown(load("b.tif")), Shown(image));
+    EXPECT_EQ(info("b.tif").bitsPerPixel, bits == 0 ? 8 : bits);
+  }
+  ASSERT_EQ(convert("a.png", 11, 3, 0), kModuleSuccess);
+  EXPECT_EQ(info("b.tif").width, 11);
+  const Bytes before = read("b.tif");
+  EXPECT_EQ(convert("absent", 0, 0, 0), kModuleFileNotFound);
+  EXPECT_EQ(convert("a.png", 0, 0, 7), kModuleBadParameter);
+  EXPECT_EQ(read("b.tif"), before);
+
+  L_DefaultDithering(1);
+  const OwnedDib colors = Picture({24, false}, 40, 20);
+  ASSERT_EQ(save(colors, "c.png", kFormatPng, 0, 0, 4), kModuleSuccess);
+  EXPECT_EQ(Shown(load("c.png")), Shown(rig::Changed(colors, rig::ToDepth(4, 1))));
+  ASSERT_EQ(save(colors, "c.png", kFormatPng), kModuleSuccess);
+  EXPECT_EQ(Shown(load("c.png", 4)), Shown(rig::Changed(colors, rig::ToDepth(4, 1))));
+  L_DefaultDithering(0);
+
+  // A resolution stored in the record is that of the file, not the older one of the header.
+  struct_LEAD_Bitmap bitmap{};
+  L_ChangeFromDIB(&bitmap, pictures::CopyOf(colors.get()).release());
+  bitmap.xResolution = 72;
+  bitmap.yResolution = 144;
+  EXPECT_EQ(L_SaveBitmap(at("a.tif").c_str(), &bitmap, kFormatTiff, 0, 0, nullptr), kModuleSuccess);
+  EXPECT_EQ(bitmap.width, 40);
+  L_FreeBitmap(&bitmap);
+  EXPECT_NE(text("tiffinfo a.tif").find("Resolution: 72, 144 pixels/inch"), std::string::npos);
+  rig::Locked(colors.get()).header()->biXPelsPerMeter = 0;
+  for (const int format : {kFormatBmp, kFormatPng, kFormatTiff, kFormatPsd, kFormatJpeg}) {
+    EXPECT_EQ(save(colors, "none", format), kModuleSuccess);
+    EXPECT_EQ(info("none").xResolution, 0) << format;
+  }
+}
+
+TEST_F(FileTest, thumbnails_are_the_averaged_page_in_its_frame) {
+  struct Row {
+    LTTHUMBNAILOPTIONS options;  // width, height, bits, flags, aspect, size, background
+    int width, height;           // of the page in it
+  };
+  const Row rows[] = {{{30, 30, 0, 0, 1, 0, 0, 0, 0}, 30, 10},
+                      {{20, 31, 0, 0, 0, 0, 0, 0, 0}, 20, 31},
+                      {{9, 1, 0, 0, 1, 0, 0, 0, 0}, 3, 1},
+                      {{2, 90, 0, 0, 1, 0, 0, 0, 0}, 2, 1},
+                      {{181, 180, 0, 0, 1, 1, 0x808080, 0, 0}, 181, 60},
+                      {{60, 11, 24, 0, 1, 1, 0x0A0B0C, 0, 0}, 33, 11},
+                      {{41, 40, 24, 0, 1, 1, 0x00C000, 0, 0}, 41, 14}};
+  for (const rig::Kind kind : rig::kKinds) {
+    if (kind.depth == 16) continue;
+    const OwnedDib image = Picture(kind, 90, 30);
+    ASSERT_EQ(save(image, "a.png", kFormatPng), kModuleSuccess);
+    for (Row row : rows) {
+      LTTHUMBNAILOPTIONS& wish = row.options;
+      SCOPED_TRACE(testing::Message()
+                   << kind.depth << " bits, " << wish.width << " by " << wish.height);
+      if (kind.inColors()) wish.bitsPerPixel = 24;
+      struct_LEAD_Bitmap bitmap{};
+      ASSERT_EQ(L_CreateThumbnailFromFile(at("a.png").c_str(), &bitmap, &wish, nullptr, nullptr,
+                                          nullptr, nullptr),
+                kModuleSuccess);
+      const OwnedDib thumbnail(L_ChangeToDIB(&bitmap));
+      EXPECT_EQ(rig::DepthOf(thumbnail), wish.bitsPerPixel == 0 ? kind.depth : wish.bitsPerPixel);
+      OwnedDib page = kind.inColors() || wish.backgroundColor == 0x00C000
+                          ? rig::Changed(image, rig::ToDepth(std::max(kind.depth, 24)))
+                          : pictures::CopyOf(image.get());
+      rig::Apply([&](auto* b) { return L_SizeBitmap(b, row.width, row.height, kSizeBest); }, page);
+      const View from(page);
+      const View to(thumbnail);
+      const bool framed = wish.forceSize != 0;
+      ASSERT_EQ(to.width(), framed ? wish.width : row.width);
+      ASSERT_EQ(to.height(), framed ? wish.height : row.height);
+      const int left = (to.width() - row.width) / 2;
+      const int below = (to.height() - row.height + 1) / 2;
+      const unsigned ground = static_cast<unsigned>(wish.backgroundColor);
+      const Color background{double(ground & 255), double(ground >> 8 & 255), double(ground >> 16)};
+      for (int y = 0; y < to.height(); ++y) {
+        for (int x = 0; x < to.width(); ++x) {
+          Color expected =
+              from.holds(x - left, y - below) ? from.color(x - left, y - below) : background;
+          if (to.depth() == 24) expected[3] = 0;
+          ASSERT_EQ(to.color(x, y), expected) << x << ", " << y;
+        }
+      }
+    }
+  }
+  struct_LEAD_Bitmap bitmap{};
+  const auto codeOf = [&](const char* name, const LTTHUMBNAILOPTIONS* options) {
+    return L_CreateThumbnailFromFile(at(name).c_str(), &bitmap, options, nullptr, nullptr, nullptr,
+                                     nullptr);
+  };
+  const LTTHUMBNAILOPTIONS flat{10, 0, 0, 0, 0, 0, 0, 0, 0};
+  const LTTHUMBNAILOPTIONS thin{-5, 10, 0, 0, 0, 0, 0, 0, 0};
+  EXPECT_EQ(codeOf("a.png", &flat), kModuleBadParameter);
+  EXPECT_EQ(codeOf("a.png", &thin), kModuleBadParameter);
+  EXPECT_EQ(codeOf("a.png", nullptr), kModuleBadParameter);
+  EXPECT_EQ(codeOf("absent", &rows[0].options), kModuleFileNotFound);
+  EXPECT_EQ(L_CreateThumbnailFromFile("", nullptr, &flat, nullptr, nullptr, nullptr, nullptr),
+            kModuleNoBitmap);
+}
+
+// The decoder's own shrinking shows what the whole page, averaged, shows, and makes it quicker.
+TEST_F(FileTest, thumbnails_of_jpeg_are_close_to_the_averaged_page) {
+  run("convert -size 640x480 gradient:red-blue -rotate 90 -quality 95 a.jpg && convert a.jpg "
+      "a.png");
+  Bytes shown[2];
+  for (const bool isPng : {false, true}) {
+    struct_LEAD_Bitmap bitmap{};
+    const LTTHUMBNAILOPTIONS wish{64, 64, 0, 0, 1, 1, 0, 0, 0};
+    ASSERT_EQ(L_CreateThumbnailFromFile(at(isPng ? "a.png" : "a.jpg").c_str(), &bitmap, &wish,
+                                        nullptr, nullptr, nullptr, nullptr),
+              kModuleSuccess);
+    shown[isPng ? 1 : 0] = Shown(OwnedDib(L_ChangeToDIB(&bitmap)));
+  }
+  EXPECT_LE(rig::LargestDifference(shown[0], shown[1]), 4);
+}
+
+TEST_F(FileTest, eps_holds_the_pixels_in_their_size_on_paper) {
+  const OwnedDib image = Picture({24, false}, 150, 75);
+  ASSERT_EQ(save(image, "a.eps", kFormatEps), kModuleSuccess);
+  const Bytes file = read("a.eps");
+  const std::string start(file.begin(), file.end());
+  EXPECT_TRUE(start.starts_with("%!PS-Adobe-3.0 EPSF-3.0"));
+  EXPECT_NE(start.find("\n%%BoundingBox: 0 0 36 18\n"), std::string::npos);
+  EXPECT_TRUE(std::all_of(file.begin(), file.end(), [](std::uint8_t b) { return b < 128; }));
+  // The pixels follow the numbers that describe them, deflated, as letters.
+  EXPECT_EQ(run("python3 -c \"import base64, sys, zlib\n"
+                "data = open('a.eps').read().split('DisplayImage\\n')[-1].split('\\n4\\n')[1]\n"
+                "sys.stdout.buffer.write(zlib.decompress(base64.a85decode(data.split('~')[0])))\""),
+            Shown(image));
+}
+
+}  // namespace

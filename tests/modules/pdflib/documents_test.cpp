@@ -1,0 +1,374 @@
+// Documents written through the module's entries, looked at by other programs: pictures come out as
+// they went in, coded as their kind asks, in pages of the right size; what fails leaves no file.
+#include <sys/resource.h>
+
+#include <csignal>
+#include <sstream>
+
+#include "modules/ltfil13n/files.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using rig::Bytes;
+
+class DocumentTest : public rig::FileTest {
+ protected:
+  // A document of a page for each page of each picture file, a point a pixel unless they have a
+  // resolution. False when one cannot be taken or the document is not written.
+  bool make(const std::vector<std::string>& files, const std::string& target = "out.pdf") {
+    fs::remove(at(target));
+    const std::size_t before = fileCount();
+    PdfDocument* const pdf = PDF_new();
+    bool sound = PDF_open_file(pdf, at(target).c_str()) != -1;
+    PDF_set_info(pdf, "Title", "J\xC3\xBCrgens (Scan)");
+    for (std::size_t i = 0; sound && i < files.size(); ++i) {
+      const std::string extension = files[i].substr(files[i].find('.') + 1);
+      const char* const type = extension == "jpg"   ? "jpeg"
+                               : extension == "tif" ? "tiff"
+                                                    : extension.c_str();
+      for (int page = 1; sound; ++page) {
+        const bool paged = extension == "tif";
+        const int image =
+            PDF_open_image_file(pdf, type, at(files[i]).c_str(), paged ? "page" : "", page);
+        if (image == -1) sound = page > 1;
+        if (image == -1) break;
+        place(pdf, image);
+        if (!paged) break;
+      }
+    }
+    PDF_close(pdf);
+    const bool written = fs::exists(at(target)) && fs::file_size(at(target)) > 0;
+    PDF_delete(pdf);
+    EXPECT_EQ(fs::exists(at(target)), written);
+    EXPECT_EQ(fileCount(), before + (written ? 1 : 0));
+    return sound && written;
+  }
+  static void place(PdfDocument* pdf, int image) {
+    const auto key = static_cast<float>(image);
+    const auto value = [&](const char* name) { return PDF_get_value(pdf, name, key); };
+    const float x = value("resx");
+    const float y = value("resy");
+    // Without a unit they tell the shape of a pixel.
+    const float across = x > 0 ? 72 / x : 1;
+    const float down = y > 0 ? 72 / y : x < 0 ? y / x : 1;
+    PDF_begin_page(pdf, value("imagewidth") * across, value("imageheight") * down);
+    PDF_scale(pdf, across, down);
+    PDF_place_image(pdf, image, 0, 0, 1);
+    PDF_end_page(pdf);
+    PDF_close_image(pdf, image);
+  }
+  // Red, green and blue of all pixels of a page drawn with so many dots per inch. It is drawn four
+  // times as large and the middle of each pixel taken, since the program widens pictures by a dot.
+  std::vector<Bytes> drawn(int dotsPerInch) {
+    run("pdftoppm -r " + std::to_string(4 * dotsPerInch) + " out.pdf drawn");
+    std::vector<fs::path> files;
+    for (const auto& file : fs::directory_iterator(at(""))) {
+      if (file.path().extension() == ".ppm") files.push_back(file.path());
+    }
+    std::sort(files.begin(), files.end());
+    std::vector<Bytes> pages;
+    for (const fs::path& path : files) {
+      std::ifstream file(path, std::ios::binary);
+      std::string mark;
+      std::size_t width = 0, height = 0;
+      file >> mark >> width >> height;
+      const Bytes all = read(path.filename());
+      const auto start = all.end() - static_cast<std::ptrdiff_t>(width * height * 3);
+      Bytes pixels;
+      for (std::size_t y = 2; y < height; y += 4) {
+        for (std::size_t x = 2; x < width; x += 4) {
+          const auto pixel = start + static_cast<std::ptrdiff_t>((y * width + x) * 3);
+          pixels.insert(pixels.end(), pixel, pixel + 3);
+        }
+      }
+      pages.push_back(pixels);
+      fs::remove(path);
+    }
+    return pages;
+  }
+};
+
+struct Row {
+  const char* arguments;  // of convert
+  const char* file;
+  const char* kind;        // colours, components, bits, coding
+  int mostDifference = 0;  // of a tone; JPEG decoders and ink mixing differ
+};
+
+constexpr Row kRows[] = {
+    {"", "a.jpg", "rgb 3 8 jpeg", 3},
+    {"-interlace JPEG -sampling-factor 4:2:0", "b.jpg", "rgb 3 8 jpeg", 3},
+    {"-colorspace Gray", "c.jpg", "gray 1 8 jpeg", 1},
+    {"-set colorspace RGB -define jpeg:colorspace=RGB", "d.jpg", "rgb 3 8 jpeg", 3},
+    {"-monochrome -compress Group4", "a.tif", "gray 1 1 ccitt"},
+    {"-monochrome -compress Group4 -define quantum:polarity=min-is-white -define "
+     "tiff:rows-per-strip=9999",
+     "b.tif", "gray 1 1 ccitt"},
+    {"-monochrome -compress Group4 -define tiff:rows-per-strip=8", "c.tif", "gray 1 1 ccitt"},
+    {"-monochrome -compress Group4 -define tiff:fill-order=lsb", "d.tif", "gray 1 1 ccitt"},
+    {"-monochrome -depth 1 -compress None -define quantum:polarity=min-is-white", "e.tif",
+     "gray 1 1 ccitt"},
+    {"-monochrome -compress Fax", "f.tif", "gray 1 1 ccitt"},
+    {"-colors 2 -type Palette -depth 1 -compress None", "g.tif", "index 1 1 ccitt"},
+    {"-colorspace Gray -depth 8 -compress LZW", "h.tif", "gray 1 8 image"},
+    {"-colorspace Gray -depth 2 -compress None", "i.tif", "gray 1 2 image"},
+    {"-colorspace Gray -depth 8 -define quantum:polarity=min-is-white", "j.tif", "gray 1 8 image"},
+    {"-colors 200 -type Palette -compress RLE", "k.tif", "index 1 8 image", 1},
+    {"-colors 13 -type Palette -depth 4 -define tiff:tile-geometry=32x16", "l.tif",
+     "index 1 4 image"},
+    {"-compress LZW -define tiff:tile-geometry=32x32", "m.tif", "rgb 3 8 image"},
+    {"-compress Zip -interlace plane", "n.tif", "rgb 3 8 image"},
+    {"-compress JPEG -quality 95", "o.tif", "rgb 3 8 image", 4},
+    {"-colorspace YCbCr -compress LZW", "p.tif", "rgb 3 8 image", 3},
+    {"-depth 16 -orient BottomLeft", "q.tif", "rgb 3 8 image", 1},
+    {"-alpha set -channel A -evaluate multiply 0.6 +channel", "r.tif", "rgb 3 8 image", 1},
+    {"-monochrome", "a.png", "gray 1 1 ccitt"},
+    {"-colorspace Gray -depth 4 -define png:bit-depth=4", "b.png", "gray 1 4 image"},
+    {"-colorspace Gray -depth 2 -interlace PNG", "c.png", "gray 1 2 image"},
+    {"-colors 100", "d.png", "index 1 8 image"},
+    {"-depth 16 -interlace PNG", "e.png", "rgb 3 8 image", 1},
+    {"-alpha set -channel A -evaluate multiply 0.3 +channel", "f.png", "rgb 3 8 image", 1},
+    {"-colorspace Gray -alpha set -channel A -evaluate multiply 0.5 +channel", "g.png",
+     "gray 1 8 image", 1},
+    {"-transparent red -colors 50 PNG8:-|convert -", "h.png", "index 1 8 image", 1},
+    {"-colors 2", "a.gif", "index 1 1 ccitt"},
+    {"-colors 3", "b.gif", "index 1 2 image"},
+    {"-colors 10 -interlace GIF", "c.gif", "index 1 4 image"},
+    {"-transparent white -fuzz 30% -transparent red -colors 60", "d.gif", "index 1 8 image"},
+};
+
+// The rose is 70 by 46 pixels.
+TEST_F(DocumentTest, pictures_come_back_pixel_by_pixel_in_the_coding_of_their_kind) {
+  std::string commands;
+  std::string shown;
+  std::vector<std::string> files;
+  for (const Row& row : kRows) {
+    commands += "convert rose: " + std::string(row.arguments) + " " + row.file + " && ";
+    shown += std::string(row.file) + "[0] ";
+    files.emplace_back(row.file);
+  }
+  run("convert -delay 1 -size 20x10 xc:red xc:blue film.gif");
+  const Bytes expected = run(commands + "convert " + shown +
+                             "-auto-orient -background white -alpha remove -depth 8 rgb:-");
+  files.emplace_back("film.gif");
+  ASSERT_TRUE(make(files));
+  EXPECT_NE(text("qpdf --check out.pdf").find("No syntax or stream encoding errors"),
+            std::string::npos);
+  EXPECT_NE(text("pdfinfo out.pdf").find(" J\xC3\xBCrgens (Scan)\n"), std::string::npos);
+  const std::vector<Bytes> pages = drawn(72);
+  ASSERT_EQ(pages.size(), files.size());
+  std::istringstream list(
+      text("pdfimages -list out.pdf | tail -n +3 | tr -s ' ' | cut -d ' ' -f 7-10"));
+  constexpr std::ptrdiff_t kBytes = 70 * 46 * 3;
+  ASSERT_EQ(expected.size(), kBytes * std::size(kRows));
+  for (std::size_t i = 0; i < std::size(kRows); ++i) {
+    const auto start = expected.begin() + kBytes * static_cast<std::ptrdiff_t>(i);
+    EXPECT_LE(rig::LargestDifference(Bytes(start, start + kBytes), pages[i]),
+              kRows[i].mostDifference)
+        << kRows[i].file;
+    std::string kind;
+    std::getline(list, kind);
+    EXPECT_EQ(kind, kRows[i].kind) << kRows[i].file;
+  }
+  ASSERT_EQ(pages.back().size(), 600U);
+  EXPECT_EQ(Bytes(pages.back().begin(), pages.back().begin() + 3), (Bytes{255, 0, 0}))
+      << "the first frame";
+
+  // What goes through goes byte for byte.
+  run("pdfimages -all out.pdf raw");
+  for (const int i : {0, 1, 2, 3})
+    EXPECT_EQ(read("raw-00" + std::to_string(i) + ".jpg"), read(kRows[i].file));
+  const Bytes fax = read("raw-005.ccitt");
+  const Bytes whole = read("b.tif");
+  EXPECT_NE(std::search(whole.begin(), whole.end(), fax.begin(), fax.end()), whole.end());
+}
+
+TEST_F(DocumentTest, sizes_follow_the_resolution) {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
+      {"-units PixelsPerInch -density 300x150", "a.jpg", "16.8 x 22.08"},
+      {"-units PixelsPerCentimeter -density 100", "b.jpg", "19.8425 x 13.0394"},
+      {"-units PixelsPerInch -density 300x150", "a.png", "16.8 x 22.08"},
+      {"-units PixelsPerInch -density 200x100", "a.tif", "25.2 x 33.12"},
+      {"-units PixelsPerInch -density 300x150 -orient RightTop", "b.tif", "22.08 x 16.8"},
+      // Without a unit the densities tell the shape of a pixel: half as high as wide.
+      {"-units Undefined -density 1x2", "c.jpg", "70 x 23"},
+      {"-units Undefined -density 2x1", "b.png", "70 x 92"},
+      {"-units Undefined -density 1x2", "d.tif", "70 x 23"},
+      {"-units Undefined -density 3x3", "c.tif", "70 x 46"},
+      // Beyond 200 inches, which is as far as readers go, the units grow.
+      {"-resize 15000x20!", "c.png", "7500 x 10"},
+      {"-resize 14400x20!", "d.png", "14400 x 20"}};
+  std::string commands;
+  std::vector<std::string> files;
+  for (const auto& [arguments, file, size] : rows) {
+    commands += std::string("convert rose: ") + arguments + " " + file + " && ";
+    files.emplace_back(file);
+  }
+  run(commands + "true");
+  ASSERT_TRUE(make(files));
+  const std::string told = text("pdfinfo -l 99 out.pdf");
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    const std::string size = std::get<2>(rows[i]);
+    EXPECT_NE(told.find("Page " + std::string(i < 9 ? "   " : "  ") + std::to_string(i + 1) +
+                        " size: " + (i < 9 ? " " : " ") + size),
+              std::string::npos)
+        << files[i] << told;
+  }
+  EXPECT_EQ(text("qpdf --qdf out.pdf - | grep -a UserUnit"), "  /UserUnit 2\n");
+}
+
+TEST_F(DocumentTest, pictures_stand_upright) {
+  run("convert rose: -resize 40x20! -strip in.jpg");
+  const Bytes plain = read("in.jpg");
+  std::vector<std::string> files;
+  std::string shown;
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    Bytes bytes = plain;
+    const Bytes exif =
+        rig::Builder()
+            .add({0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'M', 'M', 0, 42, 0, 0, 0, 8})
+            .big16({1, 0x112, 3, 0, 1, orientation, 0, 0, 0});
+    bytes.insert(bytes.begin() + 2, exif.begin(), exif.end());
+    files.push_back(std::to_string(orientation) + ".jpg");
+    write(files.back(), bytes);
+    shown += files.back() + " ";
+  }
+  ASSERT_TRUE(make(files));
+  const Bytes expected = run("convert " + shown + "-auto-orient -depth 8 rgb:-");
+  const std::vector<Bytes> pages = drawn(72);
+  Bytes all;
+  for (const Bytes& page : pages) all.insert(all.end(), page.begin(), page.end());
+  EXPECT_LE(rig::LargestDifference(expected, all), 3);
+}
+
+// Readers make colours of inks each in its own way; an inverted picture would still be far off.
+TEST_F(DocumentTest, inks_are_not_inverted) {
+  const Bytes expected =
+      run("convert rose: -colorspace CMYK a.jpg && convert rose: -colorspace CMYK a.tif && "
+          "gm convert a.jpg -depth 8 rgb:- && gm convert a.tif -depth 8 rgb:-");
+  ASSERT_TRUE(make({"a.jpg", "a.tif"}));
+  Bytes got;
+  for (const Bytes& page : drawn(72)) got.insert(got.end(), page.begin(), page.end());
+  ASSERT_EQ(expected.size(), got.size());
+  double sum = 0;
+  for (std::size_t i = 0; i < got.size(); ++i) sum += std::abs(expected[i] - got[i]);
+  EXPECT_LT(sum / static_cast<double>(got.size()), 30);
+}
+
+TEST_F(DocumentTest, damaged_pictures_leave_no_document) {
+  run("convert rose: -interlace JPEG a.jpg && convert rose: -colors 20 a.png && "
+      "convert rose: -interlace PNG b.png && convert rose: -colors 20 a.gif && "
+      "convert rose: rose: -compress LZW a.tif && convert rose: -monochrome -compress Group4 "
+      "b.tif");
+  std::mt19937 random(1);
+  for (const std::string name : {"a.jpg", "a.png", "b.png", "a.gif", "a.tif", "b.tif"}) {
+    const Bytes whole = read(name);
+    const std::string damaged = "damaged" + name.substr(1);
+    for (const std::size_t part : {0U, 3U, 5U, 9U}) {  // tenths that are left
+      write(damaged,
+            {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * part / 10)});
+      EXPECT_FALSE(make({damaged})) << name << " " << part;
+    }
+    for (int trial = 0; trial < 60; ++trial) {
+      Bytes bytes = whole;
+      for (int i = 0; i < 4; ++i)
+        bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
+      write(damaged, bytes);
+      (void)make({damaged});
+    }
+  }
+  // Nor does a later page that is damaged make a shorter one.
+  Bytes bytes = read("a.tif");
+  const std::size_t strip =
+      std::stoul(text("tiffinfo -s a.tif | grep '0: .8*' | tail -1 | tr -d '[' | cut -d: -f2"));
+  std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(strip), 400, std::uint8_t{0x5A});
+  write("a.tif", bytes);
+  EXPECT_FALSE(make({"a.tif"}));
+  for (const char* const file : {"missing.jpg", "missing.tif", "missing.png", "missing.gif"}) {
+    EXPECT_FALSE(make({file}));
+  }
+}
+
+TEST_F(DocumentTest, what_cannot_be_written_leaves_nothing) {
+  run("convert rose: rose: -compress None a.tif");
+  ASSERT_TRUE(make({"a.tif"}));
+  const auto whole = static_cast<rlim_t>(fs::file_size(at("out.pdf")));
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  for (const rlim_t limit : {rlim_t{0}, whole / 4, whole / 2, whole - 600, whole - 1, whole}) {
+    const rlimit most{limit, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &most);
+    const bool written = make({"a.tif"});
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(written, limit == whole) << limit;
+  }
+  std::signal(SIGXFSZ, handler);
+  fs::create_directory(at("folder.pdf"));
+  PdfDocument* const pdf = PDF_new();
+  for (const std::string& target :
+       {at("folder.pdf"), at("missing/x.pdf"), std::string(), at(std::string(300, 'a'))}) {
+    EXPECT_EQ(PDF_open_file(pdf, target.c_str()), -1) << target;
+  }
+  PDF_delete(pdf);
+  EXPECT_EQ(fileCount(), 3U);
+}
+
+TEST_F(DocumentTest, calls_out_of_order_leave_nothing) {
+  run("convert rose: -density 50x40 -units PixelsPerInch a.png");
+  PDF_delete(nullptr);
+  PDF_close(nullptr);
+  PDF_end_page(nullptr);
+  EXPECT_EQ(PDF_open_file(nullptr, at("x.pdf").c_str()), -1);
+  // What is done to a document before it is closed, and whether a file is left.
+  const std::pair<std::function<void(PdfDocument*, int)>, bool> rows[] = {
+      {[](PdfDocument* pdf, int image) { place(pdf, image); }, true},
+      {[](PdfDocument*, int) {}, false},  // no page
+      {[](PdfDocument* pdf, int image) {
+         PDF_begin_page(pdf, 0, 10);
+         PDF_place_image(pdf, image, 0, 0, 1);
+         PDF_end_page(pdf);
+         place(pdf, image);
+       },
+       false},
+      {[](PdfDocument* pdf, int image) {
+         place(pdf, image);
+         PDF_place_image(pdf, image, 0, 0, 1);  // closed, and on no page
+       },
+       false},
+      {[&](PdfDocument* pdf, int image) {
+         place(pdf, image);
+         EXPECT_EQ(PDF_open_image_file(pdf, "png", at("absent.png").c_str(), "", 0), -1);
+       },
+       false}};
+  for (const auto& [work, written] : rows) {
+    PdfDocument* const pdf = PDF_new();
+    EXPECT_EQ(PDF_open_file(pdf, nullptr), -1);
+    EXPECT_EQ(PDF_open_image_file(pdf, "png", at("a.png").c_str(), "", 0), -1) << "no document";
+    ASSERT_NE(PDF_open_file(pdf, at("out.pdf").c_str()), -1);
+    EXPECT_EQ(PDF_open_file(pdf, at("second.pdf").c_str()), -1);
+    for (const char* const type : {"gif", "bmp", static_cast<const char*>(nullptr)}) {
+      EXPECT_EQ(PDF_open_image_file(pdf, type, at("a.png").c_str(), nullptr, 0), -1);
+    }
+    EXPECT_EQ(PDF_open_image_file(pdf, "png", nullptr, "", 0), -1);
+    PDF_set_info(pdf, nullptr, nullptr);
+    const int image = PDF_open_image_file(pdf, "png", at("a.png").c_str(), "", 0);
+    ASSERT_GE(image, 0);
+    const auto key = static_cast<float>(image);
+    EXPECT_EQ(PDF_get_value(pdf, "resx", key), 50);
+    EXPECT_EQ(PDF_get_value(pdf, "resy", key), 40);
+    EXPECT_EQ(PDF_get_value(pdf, "unknown", key), 0);
+    EXPECT_EQ(PDF_get_value(pdf, nullptr, key), 0);
+    EXPECT_EQ(PDF_get_value(pdf, "resx", key + 1), 0);
+    work(pdf, image);
+    // Still unfinished, it cannot be taken for a whole document.
+    EXPECT_EQ(fs::file_size(at("out.pdf")), 0U);
+    PDF_close(pdf);
+    PDF_delete(pdf);
+    EXPECT_EQ(fileCount(), written ? 2U : 1U);
+    fs::remove(at("out.pdf"));
+  }
+}
+
+}  // namespace
