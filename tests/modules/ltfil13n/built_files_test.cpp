@@ -1,4 +1,6 @@
 // Files made byte by byte: the rare forms of each format, those that lie, and what they show.
+#include <sstream>
+
 #include "files.h"
 
 namespace {
@@ -8,124 +10,96 @@ using rig::Bytes;
 using rig::FileTest;
 using rig::OwnedDib;
 
-struct Bmp {
-  std::int64_t width, height;
-  int depth;
-  std::uint32_t compression = BI_RGB;
-  std::int64_t colorsUsed = 0;
-  std::size_t headerBytes = 40;
-  std::vector<std::int64_t> masks{};    // behind or in the header
-  std::vector<std::int64_t> palette{};  // 0x00RRGGBB
-  Bytes pixels{0, 0, 0, 0};
-  std::int64_t offset = -1;  // of the pixels; -1 the true one
-};
-
-Bytes FileOf(const Bmp& bmp) {
+// A bitmap by its numbers: width, height, depth, compression, colours used, bytes of the header and
+// offset of the pixels (-1 the true one); behind strokes, in hexadecimal, masks, palette and
+// pixels.
+Bytes BitmapOf(const std::string& numbers) {
+  std::vector<std::int64_t> parts[4];
+  std::size_t part = 0;
+  std::istringstream words(numbers);
+  for (std::string word; words >> word;) {
+    if (word == "/") {
+      ++part;
+    } else {
+      parts[part].push_back(std::stoll(word, nullptr, part == 0 ? 10 : 16));
+    }
+  }
+  const auto& [measures, masks, palette, pixels] = parts;
+  const std::int64_t size = measures[5];
   Builder body;
-  body.little32({static_cast<std::int64_t>(bmp.headerBytes)});
-  if (bmp.headerBytes == 12) {
-    body.little16({bmp.width, bmp.height, 1, bmp.depth});
+  body.little32({size});
+  if (size == 12) {
+    body.little16({measures[0], measures[1], 1, measures[2]});
   } else {
-    body.little32({bmp.width, bmp.height}).little16({1, bmp.depth});
-    body.little32({bmp.compression, 0, 11811, 5906, bmp.colorsUsed, 0});
+    body.little32({measures[0], measures[1]}).little16({1, measures[2]});
+    body.little32({measures[3], 0, 11811, 5906, measures[4], 0});
   }
-  for (const std::int64_t mask : bmp.masks) body.little32({mask});
+  for (const std::int64_t mask : masks) body.little32({mask});
   const Bytes& written = body;
-  if (written.size() < bmp.headerBytes) body.zeros(bmp.headerBytes - written.size());
-  for (const std::int64_t color : bmp.palette) {
+  if (size > 56) body.zeros(static_cast<std::size_t>(size) - written.size());
+  for (const std::int64_t color : palette) {
     body.little16({color}).add({color >> 16});
-    if (bmp.headerBytes != 12) body.add({0});
+    if (size != 12) body.add({0});
   }
+  const auto behind = static_cast<std::int64_t>(14 + written.size());
   Builder file;
-  file.add({'B', 'M'}).little32({0, 0});
-  file.little32({bmp.offset < 0 ? static_cast<std::int64_t>(14 + written.size()) : bmp.offset});
-  return file.add(written).add(bmp.pixels);
+  file.add({'B', 'M'}).little32({0, 0, measures[6] < 0 ? behind : measures[6]}).add(written);
+  for (const std::int64_t byte : pixels) file.add({byte});
+  return file;
 }
 
-constexpr std::int64_t kRed = 0xFF0000;
-constexpr std::int64_t kBlue = 0x0000FF;
-
 TEST_F(FileTest, bitmaps_in_rare_forms_show_the_right_pixels) {
-  const std::vector<std::int64_t> two{kRed, kBlue};
-  const std::vector<std::int64_t> three{0, kRed, kBlue};
-  struct Row {
-    const char* name;
-    Bmp bmp;
-    Bytes shown;  // the colours of the pixels from the top left
-  };
-  const Row rows[] = {
-      {"top_down",
-       {1, -2, 24, BI_RGB, 0, 40, {}, {}, {1, 2, 3, 0, 4, 5, 6, 0}},
-       {3, 2, 1, 6, 5, 4}},
-      {"core_header", {2, 1, 1, BI_RGB, 0, 12, {}, two, {0x40, 0, 0, 0}}, {255, 0, 0, 0, 0, 255}},
-      {"partial_palette", {2, 1, 4, BI_RGB, 2, 40, {}, two, {0x1F, 0, 0, 0}}, {0, 0, 255, 0, 0, 0}},
-      {"more_colors_than_the_depth_has",
-       {2, 1, 1, BI_RGB, 1000, 40, {}, two, {0x80, 0, 0, 0}},
-       {0, 0, 255, 255, 0, 0}},
-      {"offset_of_zero", {1, 1, 24, BI_RGB, 0, 40, {}, {}, {7, 8, 9, 0}, 0}, {9, 8, 7}},
-      {"565",
-       {2, 1, 16, BI_BITFIELDS, 0, 40, {0xF800, 0x07E0, 0x001F}, {}, {0, 0xF8, 0xE0, 7}},
-       {255, 0, 0, 0, 255, 0}},
-      {"444",
-       {2, 1, 16, BI_BITFIELDS, 0, 40, {0xF00, 0x0F0, 0x00F}, {}, {0x48, 0x0C, 1, 0}},
-       {206, 66, 140, 0, 0, 16}},
-      {"another_order",
-       {1, 1, 32, BI_BITFIELDS, 0, 40, {0xFF, 0xFF00, 0xFF0000}, {}, {1, 2, 3, 4}},
-       {1, 2, 3}},
-      {"alpha",
-       {1, 1, 32, 6, 0, 40, {0xFF00, 0xFF, 0xFF0000, 0xFF000000}, {}, {1, 2, 3, 4}},
-       {2, 1, 3, 4}},
-      {"10_bit_channels",
-       {1, 1, 32, BI_BITFIELDS, 0, 108, {0x3FF00000, 0xFFC00, 0x3FF, 0}, {}, {0xFF, 3, 0, 0x20}},
-       {128, 0, 255}},
-      {"runs_8",
-       {4, 2, 8, BI_RLE8, 3, 40, {}, three, {0, 3, 1, 2, 1, 0, 0, 0, 0, 2, 2, 0, 2, 1, 0, 1}},
+  const std::pair<const char*, Bytes> rows[] = {
+      {"1 -2 24 0 0 40 -1 / / / 1 2 3 0 4 5 6 0", {3, 2, 1, 6, 5, 4}},  // top down
+      {"2 1 1 0 0 12 -1 / / FF0000 FF / 40 0 0 0", {255, 0, 0, 0, 0, 255}},
+      {"2 1 4 0 2 40 -1 / / FF0000 FF / 1F 0 0 0", {0, 0, 255, 0, 0, 0}},  // half a palette
+      {"2 1 1 0 1000 40 -1 / / FF0000 FF / 80 0 0 0", {0, 0, 255, 255, 0, 0}},
+      {"1 1 24 0 0 40 0 / / / 7 8 9 0", {9, 8, 7}},
+      {"2 1 16 3 0 40 -1 / F800 7E0 1F / / 0 F8 E0 7", {255, 0, 0, 0, 255, 0}},
+      {"2 1 16 3 0 40 -1 / F00 F0 F / / 48 C 1 0", {206, 66, 140, 0, 0, 16}},
+      {"1 1 32 3 0 40 -1 / FF FF00 FF0000 / / 1 2 3 4", {1, 2, 3, 0}},
+      {"1 1 32 6 0 40 -1 / FF00 FF FF0000 FF000000 / / 1 2 3 4", {2, 1, 3, 4}},
+      {"1 1 32 3 0 108 -1 / 3FF00000 FFC00 3FF 0 / / FF 3 0 20", {128, 0, 255, 0}},
+      {"4 2 8 1 3 40 -1 / / 0 FF0000 FF / 0 3 1 2 1 0 0 0 0 2 2 0 2 1 0 1",
        {0, 0, 0, 0, 0, 0, 255, 0, 0, 255, 0, 0, 255, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0, 0}},
-      {"runs_4",
-       {5, 1, 4, BI_RLE4, 3, 40, {}, three, {3, 0x12, 2, 0x22, 0, 1}},
+      {"5 1 4 2 3 40 -1 / / 0 FF0000 FF / 3 12 2 22 0 1",
        {255, 0, 0, 0, 0, 255, 255, 0, 0, 0, 0, 255, 0, 0, 255}},
-      {"literals_4",
-       {5, 2, 4, BI_RLE4, 3, 40, {}, three, {0, 5, 0x12, 0x01, 0x20, 0, 0, 0, 0, 2, 1, 0, 9, 0x21}},
-       {0,   0, 0, 0, 0, 255, 255, 0, 0, 0,   0, 255, 255, 0, 0,
-        255, 0, 0, 0, 0, 255, 0,   0, 0, 255, 0, 0,   0,   0, 255}},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    const OwnedDib image = load("a.bmp", FileOf(row.bmp));
+      {"5 1 4 2 3 40 -1 / / 0 FF0000 FF / 0 5 12 1 20 0",
+       {255, 0, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 0, 255}}};
+  for (const auto& [numbers, shown] : rows) {
+    SCOPED_TRACE(numbers);
+    const OwnedDib image = load("a.bmp", BitmapOf(numbers));
     ASSERT_EQ(code_, kModuleSuccess);
-    EXPECT_EQ(rig::Shown(image, row.shown.size() == 4), row.shown);
-    EXPECT_EQ(rig::DepthOf(image), row.bmp.depth);
-    expectInfo("a.bmp", image,
-               row.bmp.compression == BI_RLE8 || row.bmp.compression == BI_RLE4 ? "RLE" : "none");
-    EXPECT_EQ(info("a.bmp").yResolution, row.bmp.headerBytes == 12 ? 0 : 150);
+    EXPECT_EQ(rig::Shown(image, shown.size() == 4), shown);
+    expectInfo("a.bmp", image, shown.size() > 12 ? "RLE" : "none");
+    EXPECT_EQ(info("a.bmp").yResolution, std::string(numbers).find(" 12 ") < 20 ? 0 : 150);
   }
-  const std::pair<Bmp, int> bad[] = {
-      {{1, 1, 16, BI_BITFIELDS, 0, 40, {0xF800, 0x0FE0, 0x001F}}, kFileFormatDamaged},  // overlap
-      {{1, 1, 16, BI_BITFIELDS, 0, 40, {0xF800, 0x05E0, 0x001F}}, kFileFormatDamaged},  // a hole
-      {{1, 1, 16, BI_BITFIELDS, 0, 40, {0xF0000, 0x07E0, 0x001F}}, kFileFormatDamaged},
-      {{1, 1, 16, BI_BITFIELDS, 0, 40, {0xF800, 0x07E0, 0}}, kFileFormatDamaged},
-      {{1, -1, 8, BI_RLE8, 1, 40, {}, {0}, {0, 1}}, kFileFormatDamaged},  // from the top
-      {{1, 1, 4, BI_RLE8, 1, 40, {}, {0}, {0, 1}}, kFileFormatDamaged},
-      {{1, 1, 8, BI_RLE4, 1, 40, {}, {0}, {0, 1}}, kFileFormatDamaged},
-      {{1, 1, 24, BI_BITFIELDS}, kFileFormatDamaged},
-      {{1, 1, 8, BI_RLE8, 1, 40, {}, {0}, {0, 0, 1, 0, 0, 1}}, kFileFormatDamaged},  // a second row
-      {{2, 2, 8, BI_RLE8, 1, 40, {}, {0}, {0, 2, 9, 0, 1, 0, 0, 1}}, kFileFormatDamaged},
-      {{2, 2, 8, BI_RLE8, 1, 40, {}, {0}, {0, 2, 0, 9, 1, 0, 0, 1}}, kFileFormatDamaged},
-      {{2, 2, 8, BI_RLE8, 1, 40, {}, {0}, {2, 0, 0, 0, 1, 0}}, kModuleReadFailed},
-      {{1, 1, 24, BI_RGB, 0, 40, {}, {}, {1, 2, 3, 0}, 5000}, kModuleReadFailed},
-      {{2, 1, 24}, kModuleReadFailed},
-      {{1, 1, 5}, kModuleDepthNotSupported},
-      {{1, 1, 24, 4}, kFileFormatNotRead},  // a JPEG inside
-      {{1, INT32_MIN, 24}, kFileFormatDamaged},
-      {{0, 1, 24}, kFileFormatDamaged},
-      {{1, 0, 24}, kFileFormatDamaged},
-      {{1, 0, 24, BI_RGB, 0, 12}, kFileFormatDamaged},
-      {{60000, 60000, 24}, kModuleReadFailed},
-      {{1, 1, 24, BI_RGB, 0, 300}, kFileFormatNotRead},
-  };
-  for (std::size_t i = 0; i < std::size(bad); ++i) {
-    EXPECT_FALSE(load("a.bmp", FileOf(bad[i].first)));
-    EXPECT_EQ(code_, bad[i].second) << i;
+  const std::pair<const char*, int> bad[] = {
+      {"1 1 16 3 0 40 -1 / F800 FE0 1F / / 0 0 0 0", kFileFormatDamaged},  // masks overlap
+      {"1 1 16 3 0 40 -1 / F800 5E0 1F / / 0 0 0 0", kFileFormatDamaged},  // one has a hole
+      {"1 1 16 3 0 40 -1 / F0000 7E0 1F / / 0 0 0 0", kFileFormatDamaged},
+      {"1 1 16 3 0 40 -1 / F800 7E0 0 / / 0 0 0 0", kFileFormatDamaged},
+      {"1 -1 8 1 1 40 -1 / / 0 / 0 1", kFileFormatDamaged},  // runs from the top
+      {"1 1 4 1 1 40 -1 / / 0 / 0 1", kFileFormatDamaged},
+      {"1 1 8 2 1 40 -1 / / 0 / 0 1", kFileFormatDamaged},
+      {"1 1 24 3 0 40 -1 / / / 0 0 0 0", kFileFormatDamaged},
+      {"1 1 8 1 1 40 -1 / / 0 / 0 0 1 0 0 1", kFileFormatDamaged},  // above the last row
+      {"2 2 8 1 1 40 -1 / / 0 / 0 2 9 0 1 0 0 1", kFileFormatDamaged},
+      {"2 2 8 1 1 40 -1 / / 0 / 0 2 0 9 1 0 0 1", kFileFormatDamaged},
+      {"2 2 8 1 1 40 -1 / / 0 / 2 0 0 0 1 0", kModuleReadFailed},
+      {"1 1 24 0 0 40 5000 / / / 1 2 3 0", kModuleReadFailed},
+      {"2 1 24 0 0 40 -1 / / / 0 0 0 0", kModuleReadFailed},
+      {"1 1 5 0 0 40 -1 / / / 0 0 0 0", kModuleDepthNotSupported},
+      {"1 1 24 4 0 40 -1 / / / 0 0 0 0", kFileFormatNotRead},  // a JPEG inside
+      {"1 -2147483648 24 0 0 40 -1 / / / 0 0 0 0", kFileFormatDamaged},
+      {"0 1 24 0 0 40 -1 / / / 0 0 0 0", kFileFormatDamaged},
+      {"1 0 24 0 0 40 -1 / / / 0 0 0 0", kFileFormatDamaged},
+      {"1 0 24 0 0 12 -1 / / / 0 0 0 0", kFileFormatDamaged},
+      {"60000 60000 24 0 0 40 -1 / / / 0 0 0 0", kModuleReadFailed},
+      {"1 1 24 0 0 300 -1 / / / 0 0 0 0", kFileFormatNotRead}};
+  for (const auto& [numbers, code] : bad) {
+    EXPECT_FALSE(load("a.bmp", BitmapOf(numbers))) << numbers;
+    EXPECT_EQ(code_, code) << numbers;
   }
 }
 
@@ -182,24 +156,24 @@ TEST_F(FileTest, photoshop_documents_mean_what_their_bytes_say) {
   EXPECT_EQ(reds({.resources = resources, .picture = {77}}), Bytes{77});
   EXPECT_EQ(info("a.psd").xResolution, 600);
   EXPECT_EQ(info("a.psd").yResolution, 150);
-  const std::pair<Psd, int> bad[] = {
-      {{.version = 2}, kFileFormatNotRead},
-      {{.mode = 9}, kFileFormatNotRead},
-      {{.bits = 32}, kFileFormatNotRead},
-      {{.bits = 8, .mode = 0}, kFileFormatNotRead},
-      {{.bits = 16, .mode = 2}, kFileFormatNotRead},
-      {{.compression = 2}, kFileFormatNotRead},
-      {{.channels = 2, .mode = 3}, kFileFormatDamaged},
-      {{.channels = 0}, kFileFormatDamaged},
-      {{.channels = 57}, kFileFormatDamaged},
-      {{.height = 0}, kFileFormatDamaged},
-      {{.width = 60000}, kFileFormatDamaged},
-      {{.height = 30000, .width = 30000}, kModuleReadFailed},
-      {{.width = 4}, kModuleReadFailed},
-      {{.height = 9999, .width = 9999, .compression = 1}, kModuleReadFailed}};
-  for (std::size_t i = 0; i < std::size(bad); ++i) {
-    EXPECT_EQ(reds(bad[i].first), Bytes());
-    EXPECT_EQ(code_, bad[i].second) << i;
+  // version, channels, height, width, bits, mode, compression and the code
+  constexpr int kBad[][8] = {{2, 1, 1, 1, 8, 1, 0, kFileFormatNotRead},
+                             {1, 1, 1, 1, 8, 9, 0, kFileFormatNotRead},
+                             {1, 1, 1, 1, 32, 1, 0, kFileFormatNotRead},
+                             {1, 1, 1, 1, 8, 0, 0, kFileFormatNotRead},
+                             {1, 1, 1, 1, 16, 2, 0, kFileFormatNotRead},
+                             {1, 1, 1, 1, 8, 1, 2, kFileFormatNotRead},
+                             {1, 2, 1, 1, 8, 3, 0, kFileFormatDamaged},
+                             {1, 0, 1, 1, 8, 1, 0, kFileFormatDamaged},
+                             {1, 57, 1, 1, 8, 1, 0, kFileFormatDamaged},
+                             {1, 1, 0, 1, 8, 1, 0, kFileFormatDamaged},
+                             {1, 1, 1, 30001, 8, 1, 0, kFileFormatDamaged},
+                             {1, 1, 30000, 30000, 8, 1, 0, kModuleReadFailed},
+                             {1, 1, 1, 4, 8, 1, 0, kModuleReadFailed},
+                             {1, 1, 9999, 9999, 8, 1, 1, kModuleReadFailed}};
+  for (const auto& row : kBad) {
+    EXPECT_EQ(reds({row[0], row[1], row[2], row[3], row[4], row[5], {}, row[6]}), Bytes());
+    EXPECT_EQ(code_, row[7]) << &row - kBad;
   }
 }
 

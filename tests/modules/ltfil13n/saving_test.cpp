@@ -90,21 +90,25 @@ TEST_F(FileTest, progress_rises_to_100_and_a_stop_leaves_nothing) {
       return L_FileConvert(at(name).c_str(), at("b").c_str(), format, 90, 80, 8, 0, nullptr,
                            nullptr, nullptr);
     };
-    const std::function<int()> works[] = {[&] { return save(image, name, format); },
-                                          [&] { return save(image, name, format, 0, 0, 8); },
-                                          [&] { return load(name), code_; },
-                                          [&] { return load(name, 4), code_; }, convert};
-    for (std::size_t i = 0; i < std::size(works); ++i) {
+    const auto loaded = [&](int bits) { return load(name, bits), code_; };
+    const std::pair<std::string, std::function<int()>> works[] = {
+        {name, [&] { return save(image, name, format); }},
+        {name, [&] { return save(image, name, format, 0, 0, 8); }},
+        {"b", convert},
+        {"", [&] { return loaded(0); }},
+        {"", [&] { return loaded(4); }}};
+    for (const auto& [made, work] : works) {
       for (const int stopAt : {0, 50, 100, 1000}) {
-        SCOPED_TRACE(testing::Message() << format << ", work " << i << ", stop at " << stopAt);
-        fs::remove(at(i < 2 ? name : "b"));
+        SCOPED_TRACE(testing::Message() << format << " to " << made << ", stop at " << stopAt);
+        if (!made.empty()) fs::remove(at(made));
         const std::size_t files = fileCount();
         const rig::Watch watch(stopAt);
-        const int code = works[i]();
+        const int code = work();
         watch.check(code);
-        EXPECT_EQ(fileCount(), files + (code == kModuleSuccess && (i < 2 || i == 4) ? 1 : 0));
+        EXPECT_EQ(fileCount(), files + (code == kModuleSuccess && !made.empty() ? 1 : 0));
       }
     }
+    fs::remove(at("b"));
     fs::remove(at(name));
   }
 }
