@@ -70,27 +70,15 @@ TEST_F(FileTest, tags_of_cameras_are_followed) {
   for (const bool big : {true, false}) {
     for (int orientation = 1; orientation <= 8; ++orientation) {
       rig::Builder exif;
-      const auto number16 = [&](std::int64_t n) { big ? exif.big16({n}) : exif.little16({n}); };
-      const auto number32 = [&](std::int64_t n) { big ? exif.big32({n}) : exif.little32({n}); };
-      exif.add({0xFF, 0xE1}).big16({2 + 6 + 8 + 2 + 4 * 12 + 4 + 16});
-      exif.add({'E', 'x', 'i', 'f', 0, 0, big ? 'M' : 'I', big ? 'M' : 'I'});
-      number16(42);
-      number32(8);
-      number16(4);
-      const std::int64_t tags[][3] = {
-          {0x112, 3, orientation}, {0x11A, 5, 62}, {0x11B, 5, 70}, {0x128, 3, 3}};
-      for (const auto& [tag, type, value] : tags) {
-        number16(tag);
-        number16(type);
-        number32(1);
-        if (type == 3) {
-          number16(value);
-          number16(0);
-        } else {
-          number32(value);
-        }
-      }
-      for (const std::int64_t n : {0, 240, 2, 50, 1}) number32(n);  // dots per centimetre
+      const auto n16 = big ? &rig::Builder::big16 : &rig::Builder::little16;
+      const auto n32 = big ? &rig::Builder::big32 : &rig::Builder::little32;
+      exif.add({0xFF, 0xE1, 0, 86, 'E', 'x', 'i', 'f', 0, 0, big ? 'M' : 'I', big ? 'M' : 'I'});
+      ((exif.*n16)({42}).*n32)({8});
+      ((exif.*n16)({4, 0x112, 3}).*n32)({1});
+      ((exif.*n16)({orientation, 0, 0x11A, 5}).*n32)({1, 62});
+      ((exif.*n16)({0x11B, 5}).*n32)({1, 70});
+      ((exif.*n16)({0x128, 3}).*n32)({1});
+      ((exif.*n16)({3, 0}).*n32)({0, 240, 2, 50, 1});  // 120 and 50 dots per centimetre
       Bytes bytes = plain;
       const Bytes& block = exif;
       bytes.insert(bytes.begin() + 2, block.begin(), block.end());

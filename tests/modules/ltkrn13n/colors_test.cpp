@@ -109,59 +109,44 @@ TEST_F(ModuleTest, gray_is_the_rounded_brightness_of_each_colour) {
 }
 
 TEST_F(ModuleTest, fixed_palettes_are_those_of_old_screens_and_a_cube) {
-  const OwnedDib picture = Gradients(120, 80);
+  const OwnedDib picture = Picture({24, false}, 3, 3);
   const auto palette = [&](int bits) {
     const OwnedDib image = Changed(picture, ToDepth(bits, 0, 0));
-    std::vector<unsigned> entries;
-    for (int i = 0; i < 1 << bits; ++i) {
-      const RGBQUAD& entry = View(image).palette()[i];
-      entries.push_back(unsigned{entry.rgbRed} << 16 | unsigned{entry.rgbGreen} << 8 |
-                        entry.rgbBlue);
+    std::string text;
+    for (unsigned i = 0; i < 1U << bits; ++i) {
+      for (std::size_t c = 0; c < 3; ++c) text += static_cast<char>(View(image).entry(i)[c]);
     }
-    return entries;
+    return text;
   };
-  EXPECT_EQ(palette(1), (std::vector<unsigned>{0, 0xFFFFFF}));
-  EXPECT_EQ(palette(4),
-            (std::vector<unsigned>{0x000000, 0x800000, 0x008000, 0x808000, 0x000080, 0x800080,
-                                   0x008080, 0xC0C0C0, 0x808080, 0xFF0000, 0x00FF00, 0xFFFF00,
-                                   0x0000FF, 0xFF00FF, 0x00FFFF, 0xFFFFFF}));
-  const std::vector<unsigned> cube = palette(8);
-  for (unsigned i = 0; i < 256; ++i) {
-    const unsigned gray = (i - 215) * 255 / 41;
-    EXPECT_EQ(cube[i], i < 216 ? (i / 36 << 16 | i / 6 % 6 << 8 | i % 6) * 51 : gray * 0x10101)
-        << i;
+  const std::string sixteen(
+      "\0\0\0\200\0\0\0\200\0\200\200\0\0\0\200\200\0\200\0\200\200\300\300\300"
+      "\200\200\200\377\0\0\0\377\0\377\377\0\0\0\377\377\0\377\0\377\377\377\377\377",
+      48);
+  std::string cube;
+  for (int i = 0; i < 256; ++i) {
+    for (const int level : {i / 36, i / 6 % 6, i % 6}) {
+      cube += static_cast<char>(i < 216 ? level * 51 : (i - 215) * 255 / 41);
+    }
   }
+  EXPECT_EQ(palette(1), std::string("\0\0\0\377\377\377", 6));
+  EXPECT_EQ(palette(4), sixteen);
+  EXPECT_EQ(palette(8), cube);
 }
 
-// The weights of the errors that a pixel hands on, in its own row from its place (#) to the right
-// and in the rows below it, by mode.
-constexpr const char* kErrorShares[] = {"",
-                                        "   #7   /  351  ",
-                                        "   #84  / 24842 / 12421 ",
-                                        "   #84  / 24842 ",
-                                        "   #53  / 24542 /  232  ",
-                                        nullptr,  // has weights of two digits
-                                        "   #75  / 35753 / 13531 "};
-using Shares = std::vector<std::array<int, 7>>;
+// The weights of the errors that a pixel hands on, by mode: its own row and those below it, seven
+// places each with the pixel's column in the middle, digits to the base of 36.
+constexpr std::string_view kShares[] = {"",
+                                        "0000700 0035100",
+                                        "0000840 0248420 0124210",
+                                        "0000840 0248420",
+                                        "0000530 0245420 0023200",
+                                        "00000w0 c0q0u0g 0c0q0c0 50c0c05",
+                                        "0000750 0357530 0135310"};
 
-Shares SharesOf(unsigned mode) {
-  if (mode == 5) {
-    return {{0, 0, 0, 0, 0, 32, 0},
-            {12, 0, 26, 0, 30, 0, 16},
-            {0, 12, 0, 26, 0, 12, 0},
-            {5, 0, 12, 0, 12, 0, 5}};
-  }
-  Shares shares(1);
-  std::size_t at = 0;
-  for (const char* letter = kErrorShares[mode]; *letter != 0; ++letter) {
-    if (*letter == '/') {
-      shares.emplace_back();
-      at = 0;
-    } else if (at < 7) {
-      shares.back()[at++] = *letter > '0' ? *letter - '0' : 0;
-    }
-  }
-  return shares;
+int WeightAt(unsigned mode, int right, int down) {
+  const auto place = static_cast<std::size_t>(8 * down + right + 3);
+  const char digit = mode > 6 || place >= kShares[mode].size() ? '0' : kShares[mode][place];
+  return digit <= '9' ? digit - '0' : digit - 'a' + 10;
 }
 
 // How far a colour is moved at a place, in parts of a palette's step from -1/2 to 1/2.
@@ -196,42 +181,36 @@ int StepOf(const std::vector<Color>& palette) {
 // The indexes that a picture gets in a palette, row by row as stored.
 Bytes Dithered(const View& image, const std::vector<Color>& palette, unsigned mode) {
   const auto step = static_cast<float>(StepOf(palette));
-  const Shares shares = mode >= 1 && mode <= 6 ? SharesOf(mode) : Shares();
-  float weights = 0;
-  for (const auto& row : shares)
-    for (const int weight : row) weights += static_cast<float>(weight);
+  float sum = 0;
+  for (int i = 0; i < 28; ++i) sum += static_cast<float>(WeightAt(mode, i % 7 - 3, i / 7));
   std::map<std::pair<int, int>, std::array<float, 3>> errors;
   Bytes indexes;
-  for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) {
-      Color color = image.color(x, y);
-      if (palette.size() == 2) {
-        const double luma = 299 * color[0] + 587 * color[1] + 114 * color[2] + 500;
-        color[0] = color[1] = color[2] = std::floor(luma / 1000);
-      }
-      std::array<float, 3> wanted = errors[{x, y}];
-      Color target{};
-      for (std::size_t c = 0; c < 3; ++c) {
-        wanted[c] = static_cast<float>(color[c]) + wanted[c];
-        const double move =
-            mode == 7 || mode == 8 ? std::round(MoveAt(mode, x, y) * static_cast<double>(step)) : 0;
-        target[c] = std::clamp(std::floor(static_cast<double>(wanted[c] + 1024.5F)) - 1024 + move,
-                               0.0, 255.0);
-      }
-      const auto best = std::min_element(palette.begin(), palette.end(), [&](auto& a, auto& b) {
-        return SquaredDistance(a, target) < SquaredDistance(b, target);
-      });
-      indexes.push_back(static_cast<std::uint8_t>(best - palette.begin()));
-      for (std::size_t down = 0; down < shares.size(); ++down) {
-        for (int right = 0; right < 7; ++right) {
-          const float part =
-              static_cast<float>(shares[down][static_cast<std::size_t>(right)]) / weights;
-          if (part == 0) continue;
-          auto& heir = errors[{x + right - 3, y + static_cast<int>(down)}];
-          for (std::size_t c = 0; c < 3; ++c) {
-            heir[c] += std::clamp(wanted[c] - static_cast<float>((*best)[c]), -step, step) * part;
-          }
-        }
+  for (int i = 0; i < image.width() * image.height(); ++i) {
+    const int x = i % image.width();
+    const int y = i / image.width();
+    Color color = image.color(x, y);
+    if (palette.size() == 2) {
+      const double luma = 299 * color[0] + 587 * color[1] + 114 * color[2] + 500;
+      color[0] = color[1] = color[2] = std::floor(luma / 1000);
+    }
+    const double move =
+        mode == 7 || mode == 8 ? std::round(MoveAt(mode, x, y) * static_cast<double>(step)) : 0;
+    std::array<float, 3> wanted = errors[{x, y}];
+    Color target{};
+    for (std::size_t c = 0; c < 3; ++c) {
+      wanted[c] = static_cast<float>(color[c]) + wanted[c];
+      const double rounded = std::floor(static_cast<double>(wanted[c] + 1024.5F)) - 1024;
+      target[c] = std::clamp(rounded + move, 0.0, 255.0);
+    }
+    const auto best = std::min_element(palette.begin(), palette.end(), [&](auto& a, auto& b) {
+      return SquaredDistance(a, target) < SquaredDistance(b, target);
+    });
+    indexes.push_back(static_cast<std::uint8_t>(best - palette.begin()));
+    for (int place = 0; place < 28; ++place) {
+      const float part = static_cast<float>(WeightAt(mode, place % 7 - 3, place / 7)) / sum;
+      for (std::size_t c = 0; sum > 0 && c < 3; ++c) {
+        const float error = std::clamp(wanted[c] - static_cast<float>((*best)[c]), -step, step);
+        errors[{x + place % 7 - 3, y + place / 7}][c] += error * part;
       }
     }
   }
@@ -247,11 +226,10 @@ TEST_F(ModuleTest, dithering_is_that_of_the_plain_form) {
         std::vector<Color> palette;
         for (unsigned i = 0; i < 1U << bits; ++i) palette.push_back(got.entry(i));
         const Bytes expected = Dithered(View(picture), palette, mode);
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-          const int x = static_cast<int>(i) % got.width();
-          const int y = static_cast<int>(i) / got.width();
-          ASSERT_EQ(got.value(x, y), expected[i])
-              << bits << " bits, mode " << mode << " at " << x << ", " << y;
+        for (int i = 0; i < got.width() * got.height(); ++i) {
+          ASSERT_EQ(got.value(i % got.width(), i / got.width()),
+                    expected[static_cast<std::size_t>(i)])
+              << bits << " bits, mode " << mode << ", pixel " << i;
         }
       }
     }
@@ -259,9 +237,9 @@ TEST_F(ModuleTest, dithering_is_that_of_the_plain_form) {
 }
 
 // Root of the mean squared difference of all channels.
-double Error(const OwnedDib& expected, const OwnedDib& got) {
-  const Bytes a = Shown(expected);
-  const Bytes b = Shown(got);
+double Error(const OwnedDib& picture, int bits) {
+  const Bytes a = Shown(picture);
+  const Bytes b = Shown(Changed(picture, ToDepth(bits)));
   double sum = 0;
   for (std::size_t i = 0; i < a.size(); ++i) sum += std::pow(a[i] - b[i], 2);
   return std::sqrt(sum / static_cast<double>(a.size()));
@@ -270,14 +248,14 @@ double Error(const OwnedDib& expected, const OwnedDib& got) {
 // Bounds lie well below what an even grid of as many boxes as the palette has colours would leave.
 TEST_F(ModuleTest, an_optimised_palette_stands_for_many_colours) {
   const OwnedDib picture = Gradients(120, 80);
-  EXPECT_LT(Error(picture, Changed(picture, ToDepth(8))), 4.5);
-  EXPECT_LT(Error(picture, Changed(picture, ToDepth(4))), 18);
+  EXPECT_LT(Error(picture, 8), 4.5);
+  EXPECT_LT(Error(picture, 4), 18);
   // More colours than are counted one by one.
   const OwnedDib noise = Picture({24, false}, 300, 200);
   const View bytes(noise);
   const OwnedDib dark =
       Drawn(300, 200, [&](int x, int y, int channel) { return bytes.row(y)[3 * x + channel] / 4; });
-  EXPECT_LT(Error(dark, Changed(dark, ToDepth(8))), 3.2);
+  EXPECT_LT(Error(dark, 8), 3.2);
 }
 
 }  // namespace
