@@ -131,6 +131,11 @@ inline OwnedDib Changed(const OwnedDib& image, const Operation& operation) {
   EXPECT_EQ(Apply(operation, copy), kModuleSuccess);
   return copy;
 }
+// An entry's call with these arguments behind the bitmap.
+template <class Entry, class... Arguments>
+Operation Do(Entry entry, Arguments... arguments) {
+  return [=](struct_LEAD_Bitmap* bitmap) { return entry(bitmap, arguments...); };
+}
 inline Operation ToDepth(int bits, unsigned dithering = 0,
                          unsigned flags = kColorResOptimisedPalette) {
   return [=](struct_LEAD_Bitmap* bitmap) {

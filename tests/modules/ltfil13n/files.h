@@ -62,6 +62,18 @@ class FileTest : public ModuleTest {
     EXPECT_TRUE(!image || pictures::BytesOf(image.get()) == before) << "the source changed";
     return code;
   }
+  int convert(const std::string& source, const std::string& target, int format, int width = 0,
+              int height = 0, int bits = 0) {
+    return L_FileConvert(at(source).c_str(), at(target).c_str(), format, width, height, bits, 0,
+                         nullptr, nullptr, nullptr);
+  }
+  // Null options are none.
+  OwnedDib thumbnail(const std::string& name, const LTTHUMBNAILOPTIONS* options) {
+    struct_LEAD_Bitmap bitmap{};
+    code_ = L_CreateThumbnailFromFile(at(name).c_str(), &bitmap, options, nullptr, nullptr, nullptr,
+                                      nullptr);
+    return OwnedDib(L_ChangeToDIB(&bitmap));
+  }
   LTFILEINFO info(const std::string& name, int page = 1) {
     const LTLOADOPTIONS options{sizeof options, page};
     LTFILEINFO info{};

@@ -86,15 +86,11 @@ TEST_F(FileTest, progress_rises_to_100_and_a_stop_leaves_nothing) {
   const OwnedDib image = Picture({24, false}, 400, 200);
   for (const int format : kFormats) {
     const std::string name = NameOf(format);
-    const auto convert = [&] {
-      return L_FileConvert(at(name).c_str(), at("b").c_str(), format, 90, 80, 8, 0, nullptr,
-                           nullptr, nullptr);
-    };
     const auto loaded = [&](int bits) { return load(name, bits), code_; };
     const std::pair<std::string, std::function<int()>> works[] = {
         {name, [&] { return save(image, name, format); }},
         {name, [&] { return save(image, name, format, 0, 0, 8); }},
-        {"b", convert},
+        {"b", [&] { return convert(name, "b", format, 90, 80, 8); }},
         {"", [&] { return loaded(0); }},
         {"", [&] { return loaded(4); }}};
     for (const auto& [made, work] : works) {

@@ -137,20 +137,16 @@ TEST_F(FileTest, tags_of_tiff_are_followed_or_refused) {
 TEST_F(FileTest, depths_and_resolutions_are_those_asked_for) {
   const OwnedDib image = Picture({8, false}, 33, 9);
   ASSERT_EQ(save(image, "a.png", kFormatPng), kModuleSuccess);
-  const auto convert = [&](const char* source, int width, int height, int bits) {
-    return L_FileConvert(at(source).c_str(), at("b.tif").c_str(), kFormatTiffCompressed, width,
-                         height, bits, 0, nullptr, nullptr, nullptr);
-  };
   for (const int bits : {0, 8, 24}) {
-    ASSERT_EQ(convert("a.png", 0, 9, bits), kModuleSuccess);
+    ASSERT_EQ(convert("a.png", "b.tif", kFormatTiffCompressed, 0, 9, bits), kModuleSuccess);
     EXPECT_EQ(Shown(load("b.tif")), Shown(image));
     EXPECT_EQ(info("b.tif").bitsPerPixel, bits == 0 ? 8 : bits);
   }
-  ASSERT_EQ(convert("a.png", 11, 3, 0), kModuleSuccess);
+  ASSERT_EQ(convert("a.png", "b.tif", kFormatTiffCompressed, 11, 3, 0), kModuleSuccess);
   EXPECT_EQ(info("b.tif").width, 11);
   const Bytes before = read("b.tif");
-  EXPECT_EQ(convert("absent", 0, 0, 0), kModuleFileNotFound);
-  EXPECT_EQ(convert("a.png", 0, 0, 7), kModuleBadParameter);
+  EXPECT_EQ(convert("absent", "b.tif", kFormatTiffCompressed, 0, 0, 0), kModuleFileNotFound);
+  EXPECT_EQ(convert("a.png", "b.tif", kFormatTiffCompressed, 0, 0, 7), kModuleBadParameter);
   EXPECT_EQ(read("b.tif"), before);
 
   L_DefaultDithering(1);
@@ -198,18 +194,15 @@ TEST_F(FileTest, thumbnails_are_the_averaged_page_in_its_frame) {
       SCOPED_TRACE(testing::Message()
                    << kind.depth << " bits, " << wish.width << " by " << wish.height);
       if (kind.inColors()) wish.bitsPerPixel = 24;
-      struct_LEAD_Bitmap bitmap{};
-      ASSERT_EQ(L_CreateThumbnailFromFile(at("a.png").c_str(), &bitmap, &wish, nullptr, nullptr,
-                                          nullptr, nullptr),
-                kModuleSuccess);
-      const OwnedDib thumbnail(L_ChangeToDIB(&bitmap));
-      EXPECT_EQ(rig::DepthOf(thumbnail), wish.bitsPerPixel == 0 ? kind.depth : wish.bitsPerPixel);
+      const OwnedDib made = thumbnail("a.png", &wish);
+      ASSERT_EQ(code_, kModuleSuccess);
+      EXPECT_EQ(rig::DepthOf(made), wish.bitsPerPixel == 0 ? kind.depth : wish.bitsPerPixel);
       OwnedDib page = kind.inColors() || wish.backgroundColor == 0x00C000
                           ? rig::Changed(image, rig::ToDepth(std::max(kind.depth, 24)))
                           : pictures::CopyOf(image.get());
-      rig::Apply([&](auto* b) { return L_SizeBitmap(b, row.width, row.height, kSizeBest); }, page);
+      rig::Apply(rig::Do(L_SizeBitmap, row.width, row.height, kSizeBest), page);
       const View from(page);
-      const View to(thumbnail);
+      const View to(made);
       const bool framed = wish.forceSize != 0;
       ASSERT_EQ(to.width(), framed ? wish.width : row.width);
       ASSERT_EQ(to.height(), framed ? wish.height : row.height);
@@ -227,10 +220,9 @@ TEST_F(FileTest, thumbnails_are_the_averaged_page_in_its_frame) {
       }
     }
   }
-  struct_LEAD_Bitmap bitmap{};
   const auto codeOf = [&](const char* name, const LTTHUMBNAILOPTIONS* options) {
-    return L_CreateThumbnailFromFile(at(name).c_str(), &bitmap, options, nullptr, nullptr, nullptr,
-                                     nullptr);
+    EXPECT_FALSE(thumbnail(name, options));
+    return code_;
   };
   const LTTHUMBNAILOPTIONS flat{10, 0, 0, 0, 0, 0, 0, 0, 0};
   const LTTHUMBNAILOPTIONS thin{-5, 10, 0, 0, 0, 0, 0, 0, 0};
@@ -238,24 +230,15 @@ TEST_F(FileTest, thumbnails_are_the_averaged_page_in_its_frame) {
   EXPECT_EQ(codeOf("a.png", &thin), kModuleBadParameter);
   EXPECT_EQ(codeOf("a.png", nullptr), kModuleBadParameter);
   EXPECT_EQ(codeOf("absent", &rows[0].options), kModuleFileNotFound);
-  EXPECT_EQ(L_CreateThumbnailFromFile("", nullptr, &flat, nullptr, nullptr, nullptr, nullptr),
-            kModuleNoBitmap);
 }
 
 // The decoder's own shrinking shows what the whole page, averaged, shows, and makes it quicker.
 TEST_F(FileTest, thumbnails_of_jpeg_are_close_to_the_averaged_page) {
   run("convert -size 640x480 gradient:red-blue -rotate 90 -quality 95 a.jpg && convert a.jpg "
       "a.png");
-  Bytes shown[2];
-  for (const bool isPng : {false, true}) {
-    struct_LEAD_Bitmap bitmap{};
-    const LTTHUMBNAILOPTIONS wish{64, 64, 0, 0, 1, 1, 0, 0, 0};
-    ASSERT_EQ(L_CreateThumbnailFromFile(at(isPng ? "a.png" : "a.jpg").c_str(), &bitmap, &wish,
-                                        nullptr, nullptr, nullptr, nullptr),
-              kModuleSuccess);
-    shown[isPng ? 1 : 0] = Shown(OwnedDib(L_ChangeToDIB(&bitmap)));
-  }
-  EXPECT_LE(rig::LargestDifference(shown[0], shown[1]), 4);
+  const LTTHUMBNAILOPTIONS wish{64, 64, 0, 0, 1, 1, 0, 0, 0};
+  const Bytes shrunk = Shown(thumbnail("a.jpg", &wish));
+  EXPECT_LE(rig::LargestDifference(shrunk, Shown(thumbnail("a.png", &wish))), 4);
 }
 
 TEST_F(FileTest, eps_holds_the_pixels_in_their_size_on_paper) {

@@ -7,6 +7,7 @@
 namespace {
 
 using rig::Color;
+using rig::Do;
 using rig::kKinds;
 using rig::ModuleTest;
 using rig::Operation;
@@ -72,8 +73,7 @@ constexpr unsigned Remapped(unsigned tone) {
 std::vector<Adjustment> Adjustments() {
   std::vector<Adjustment> all;
   const auto add = [&](const std::string& name, auto entry, auto argument, auto plain) {
-    all.push_back({name + " " + std::to_string(argument),
-                   [=](auto* bitmap) { return entry(bitmap, argument); },
+    all.push_back({name + " " + std::to_string(argument), Do(entry, argument),
                    [=](const View& image, int x, int y) { return plain(image.color(x, y)); }});
   };
   for (const auto& [change, factor] :
@@ -100,8 +100,7 @@ std::vector<Adjustment> Adjustments() {
         [change](const Color& color) { return Turned(color, change / 100.0); });
   }
   for (const int change : {-1000, -400, 0, 130, 1000}) {
-    all.push_back({"sharpness " + std::to_string(change),
-                   [=](auto* bitmap) { return L_SharpenBitmap(bitmap, change); },
+    all.push_back({"sharpness " + std::to_string(change), Do(L_SharpenBitmap, change),
                    [=](const View& image, int x, int y) { return Sharpened(image, x, y, change); },
                    true});
   }
@@ -207,8 +206,7 @@ TEST_F(ModuleTest, adjustments_agree_with_plain_arithmetic_and_touch_nothing_els
 TEST_F(ModuleTest, a_repeated_palette_colour_keeps_its_index_when_sharpened) {
   const OwnedDib source = Picture({8, false}, 31, 12);
   std::fill_n(View(source).palette(), 256, RGBQUAD{9, 8, 7, 6});
-  const OwnedDib got =
-      rig::Changed(source, [](auto* bitmap) { return L_SharpenBitmap(bitmap, 1000); });
+  const OwnedDib got = rig::Changed(source, Do(L_SharpenBitmap, 1000));
   EXPECT_EQ(pictures::Difference(source.get(), got.get()), "");
 }
 

@@ -83,7 +83,7 @@ TEST_F(ModuleTest, few_colours_come_over_exactly_however_they_are_dithered) {
 }
 
 TEST_F(ModuleTest, gray_is_the_rounded_brightness_of_each_colour) {
-  const auto toGray = [](auto* bitmap) { return L_GrayScaleBitmap(bitmap, 8); };
+  const auto toGray = rig::Do(L_GrayScaleBitmap, 8);
   for (const rig::Kind kind : kKinds) {
     const OwnedDib source = Picture(kind, 61, 39);
     const OwnedDib gray = Changed(source, toGray);

@@ -8,6 +8,7 @@ namespace {
 
 using rig::Changed;
 using rig::Color;
+using rig::Do;
 using rig::kKinds;
 using rig::ModuleTest;
 using rig::OwnedDib;
@@ -78,11 +79,9 @@ TEST_F(ModuleTest, turned_pixels_come_from_where_the_turn_puts_them) {
       for (const int angle : {0, 9000, 18000, 27000, -9000 - 360000000, 1, 700, 4507, 13333, -700,
                               std::numeric_limits<int>::min()}) {
         for (const unsigned flags : {0U, unsigned{kRotateGrows}}) {
-          SCOPED_TRACE(testing::Message() << kind.depth << " bits, " << width << " by " << height
-                                          << ", " << angle << ", flags " << flags);
+          SCOPED_TRACE(testing::Message() << kind.depth << ", " << width << ", " << angle);
           const unsigned ground = kind.gray ? 0x808080 : kBlue;
-          const OwnedDib turned = Changed(
-              source, [=](auto* bitmap) { return L_RotateBitmap(bitmap, angle, flags, ground); });
+          const OwnedDib turned = Changed(source, Do(L_RotateBitmap, angle, flags, ground));
           const View from(source);
           const View to(turned);
           ASSERT_EQ(std::pair(to.width(), to.height()), SizeOf(from, angle, flags != 0));
@@ -119,8 +118,7 @@ TEST_F(ModuleTest, a_turn_by_90_degrees_is_clockwise_and_exchanges_the_resolutio
   rig::Locked(page.get()).header()->biYPelsPerMeter = 3937;
   constexpr int kTurns[][4] = {{9000, 3937, 7, 15}, {-9000, 3937, 0, 0}, {18000, 11811, 15, 0}};
   for (const auto& [angle, across, x, y] : kTurns) {
-    const OwnedDib turned = Changed(
-        page, [=, a = angle](auto* bitmap) { return L_RotateBitmap(bitmap, a, kRotateGrows, 0); });
+    const OwnedDib turned = Changed(page, Do(L_RotateBitmap, angle, kRotateGrows, 0U));
     EXPECT_EQ(View(turned).header().biXPelsPerMeter, across);
     EXPECT_EQ(View(turned).value(x, y), 255U);
   }
@@ -174,11 +172,8 @@ TEST_F(ModuleTest, sizes_agree_with_the_sum_over_all_pixels) {
       const bool mixes = !kind.inColors() && flags != kSizeNearest;
       const Weight weight = !mixes ? Nearest : flags == kSizeBest ? Best : Triangle;
       for (const auto& [width, height] : kSizes) {
-        SCOPED_TRACE(testing::Message() << kind.depth << " bits, flags " << flags << ", " << width
-                                        << " by " << height);
-        const OwnedDib resized = Changed(source, [=, w = width, h = height](auto* bitmap) {
-          return L_SizeBitmap(bitmap, w, h, flags);
-        });
+        SCOPED_TRACE(testing::Message() << kind.depth << ", " << flags << ", " << width);
+        const OwnedDib resized = Changed(source, Do(L_SizeBitmap, width, height, flags));
         const View from(source);
         const View to(resized);
         ASSERT_EQ(std::pair(to.width(), to.height()), std::pair(width, height));
@@ -198,8 +193,7 @@ TEST_F(ModuleTest, a_trimmed_image_is_the_rectangle_of_stored_rows) {
     const OwnedDib source = rig::Picture(kind, 37, 12);
     for (const int left : {0, 1, 3, 8, 36}) {
       const int width = std::min(11, 37 - left);
-      const OwnedDib cut =
-          Changed(source, [=](auto* bitmap) { return L_TrimBitmap(bitmap, left, 2, width, 10); });
+      const OwnedDib cut = Changed(source, Do(L_TrimBitmap, left, 2, width, 10));
       const View from(source);
       const View to(cut);
       ASSERT_EQ(std::pair(to.width(), to.height()), std::pair(width, 10));
@@ -221,12 +215,11 @@ TEST_F(ModuleTest, measures_that_cannot_be_leave_the_image) {
       {-1, 0, 5, 5}, {0, -1, 5, 5}, {0, 0, 11, 8}, {0, 0, 10, 9}, {6, 0, 5, 5},        {0, 4, 5, 5},
       {0, 0, 0, 5},  {0, 0, 5, 0},  {10, 0, 1, 1}, {0, 8, 1, 1},  {1, 1, kMost, kMost}};
   for (const auto& row : kRectangles) {
-    expect([&](auto* bitmap) { return L_TrimBitmap(bitmap, row[0], row[1], row[2], row[3]); },
-           kModuleBadParameter);
+    expect(Do(L_TrimBitmap, row[0], row[1], row[2], row[3]), kModuleBadParameter);
   }
   for (const unsigned flags : {kSizeNearest, kSizeBilinear, kSizeBest}) {
     for (const auto& [width, height] : {std::pair{0, 8}, {8, 0}, {-5, 8}, {kMost, kMost}}) {
-      expect([=, w = width, h = height](auto* bitmap) { return L_SizeBitmap(bitmap, w, h, flags); },
+      expect(Do(L_SizeBitmap, width, height, flags),
              width == kMost ? kModuleNoMemory : kModuleBadParameter);
     }
   }
