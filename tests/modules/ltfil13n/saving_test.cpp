@@ -101,6 +101,7 @@ TEST_F(FileTest, progress_rises_to_100_and_a_stop_leaves_nothing) {
         const rig::Watch watch(stopAt);
         const int code = work();
         watch.check(code);
+        EXPECT_GT(watch.seen().size(), format == kFormatJpeg && stopAt > 100 ? 20U : 0U);
         EXPECT_EQ(fileCount(), files + (code == kModuleSuccess && !made.empty() ? 1 : 0));
       }
     }
@@ -173,13 +174,12 @@ class Damage : public FileTest {
   // A small file of each kind, by name.
   std::map<std::string, Bytes> samples() {
     const std::tuple<const char*, int, rig::Kind> kinds[] = {
-        {"8.bmp", kFormatBmp, {8, false}},    {"24.jpg", kFormatJpeg, {24, false}},
-        {"8.png", kFormatPng, {8, false}},    {"32.png", kFormatPng, {32, false}},
-        {"24.tif", kFormatTiff, {24, false}}, {"8.tif", kFormatTiffCompressed, {8, true}},
-        {"4.tif", kFormatTiff, {4, false}},   {"1.tif", kFormatTiffCompressed, {1, true}},
-        {"8.psd", kFormatPsd, {8, false}},    {"24.psd", kFormatPsd, {24, false}},
-        {"8.pcx", kFormatPcx, {8, false}},    {"24.tga", kFormatTga, {24, false}},
-        {"8.ras", kFormatRas, {8, false}},    {"24.pct", kFormatPct, {24, false}}};
+        {"8.bmp", kFormatBmp, {8, false}},           {"24.jpg", kFormatJpeg, {24, false}},
+        {"8.png", kFormatPng, {8, false}},           {"32.png", kFormatPng, {32, false}},
+        {"24.tif", kFormatTiff, {24, false}},        {"8.tif", kFormatTiffCompressed, {8, true}},
+        {"1.tif", kFormatTiffCompressed, {1, true}}, {"8.psd", kFormatPsd, {8, false}},
+        {"8.pcx", kFormatPcx, {8, false}},           {"24.tga", kFormatTga, {24, false}},
+        {"8.ras", kFormatRas, {8, false}},           {"24.pct", kFormatPct, {24, false}}};
     std::map<std::string, Bytes> made;
     for (const auto& [name, format, kind] : kinds) {
       EXPECT_EQ(save(Picture(kind, 30, 20), name, format), kModuleSuccess);

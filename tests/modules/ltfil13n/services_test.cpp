@@ -166,6 +166,15 @@ TEST_F(FileTest, depths_and_resolutions_are_those_asked_for) {
   EXPECT_EQ(bitmap.width, 40);
   L_FreeBitmap(&bitmap);
   EXPECT_NE(text("tiffinfo a.tif").find("Resolution: 72, 144 pixels/inch"), std::string::npos);
+  // One colour in a palette of grays is no gray.
+  for (const int entry : {0, 255}) {
+    const OwnedDib tinted = Picture({8, true}, 60, 40);
+    View(tinted).palette()[entry] = {0, 0, 255, 0};
+    for (const int format : {kFormatPng, kFormatTiff, kFormatPsd, kFormatBmp, kFormatJpeg}) {
+      EXPECT_EQ(save(tinted, "tinted", format, 100), kModuleSuccess);
+      EXPECT_LE(rig::LargestDifference(Shown(load("tinted")), Shown(tinted)), 9) << format;
+    }
+  }
   rig::Locked(colors.get()).header()->biXPelsPerMeter = 0;
   for (const int format : {kFormatBmp, kFormatPng, kFormatTiff, kFormatPsd, kFormatJpeg}) {
     EXPECT_EQ(save(colors, "none", format), kModuleSuccess);

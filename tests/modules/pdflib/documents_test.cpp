@@ -294,8 +294,14 @@ TEST_F(DocumentTest, calls_out_of_order_leave_nothing) {
        },
        false},
       {[](PdfDocument* pdf, int image) {
+         PDF_place_image(pdf, image, 0, 0, 1);  // on no page
          place(pdf, image);
-         PDF_place_image(pdf, image, 0, 0, 1);  // closed, and on no page
+       },
+       false},
+      {[](PdfDocument* pdf, int image) {
+         place(pdf, image);
+         PDF_begin_page(pdf, 9, 9);
+         PDF_place_image(pdf, image, 0, 0, 1);  // closed
        },
        false},
       {[&](PdfDocument* pdf, int image) {
