@@ -104,6 +104,7 @@ TEST_F(FileTest, tags_of_tiff_are_followed_or_refused) {
   EXPECT_EQ(Shown(load("b.tif", bytes)), Shown(image));
   for (const std::size_t channel : {0U, 1U, 2U}) {
     Bytes one = bytes;
+    one[palette + 512 * channel + 510] = 0;
     one[palette + 512 * channel + 511] = 1;
     const Bytes shown = Shown(load("b.tif", one));
     EXPECT_EQ(*std::max_element(shown.begin(), shown.end()), 1) << channel;
@@ -241,13 +242,13 @@ TEST_F(FileTest, thumbnails_are_the_averaged_page_in_its_frame) {
   EXPECT_EQ(codeOf("absent", &rows[0].options), kModuleFileNotFound);
 }
 
-// The decoder's own shrinking shows what the whole page, averaged, shows, and makes it quicker.
+// The decoder's own shrinking shows what the whole page, averaged, shows, and is never enlarged.
 TEST_F(FileTest, thumbnails_of_jpeg_are_close_to_the_averaged_page) {
-  run("convert -size 640x480 gradient:red-blue -rotate 90 -quality 95 a.jpg && convert a.jpg "
-      "a.png");
-  const LTTHUMBNAILOPTIONS wish{64, 64, 0, 0, 1, 1, 0, 0, 0};
+  run("convert -size 480x640 xc:white -draw 'line 0,0 480,640 line 480,90 0,300 circle 200,400 "
+      "240,470' -quality 95 a.jpg && convert a.jpg a.png");
+  const LTTHUMBNAILOPTIONS wish{100, 100, 0, 0, 1, 1, 0, 0, 0};
   const Bytes shrunk = Shown(thumbnail("a.jpg", &wish));
-  EXPECT_LE(rig::LargestDifference(shrunk, Shown(thumbnail("a.png", &wish))), 4);
+  EXPECT_LE(rig::LargestDifference(shrunk, Shown(thumbnail("a.png", &wish))), 12);
 }
 
 TEST_F(FileTest, eps_holds_the_pixels_in_their_size_on_paper) {
