@@ -10,25 +10,25 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # words that everybody knows.
 arrows='
 table: methods binding dib platform
-methods: binding imaging imaging/adjust imaging/descreen imaging/redeye imaging/regions imaging/trim dib platform
+methods: binding imaging imaging/adjust imaging/descreen imaging/redeye imaging/regions imaging/trim dib
 binding: contract dib platform
 contract: dib platform
 imaging: platform
 imaging/adjust: imaging
 imaging/descreen: imaging
-imaging/redeye: imaging/adjust imaging
+imaging/redeye: imaging/adjust imaging platform
 imaging/regions: imaging platform
-imaging/trim: platform
+imaging/trim: imaging platform
 dib: platform
 platform:
-modules/common: contract dib platform
-modules/pictures: modules/common contract dib platform
-modules/ltkrn13n: modules/common contract dib platform
-modules/ltimg13n: modules/common contract dib
-modules/ltfil13n: modules/pictures modules/common contract dib platform
-modules/pdflib: modules/pictures modules/common contract platform
-apps/orvo: table dib platform
-examples: table
+modules/common: contract dib
+modules/pictures: modules/common
+modules/ltkrn13n: modules/common contract platform
+modules/ltimg13n: modules/common contract
+modules/ltfil13n: modules/pictures modules/common contract platform
+modules/pdflib: modules/pictures contract platform
+apps/orvo: table dib
+examples: table dib
 '
 
 includes() {
@@ -55,10 +55,10 @@ function target_of(from, form, header) {
   return room_of(header)
 }
 BEGIN {
-  words["records.h"]; words["result_codes.h"]; words["export.h"]; words["version.h"]
+  words["records.h"]; words["result_codes.h"]; words["export.h"]
   for (word in words) header_room[word] = "words"
   header_room["platform.h"] = "platform"
-  header_room["dib.h"] = "dib"
+  header_room["dib.h"] = header_room["dib_block.h"] = "dib"
   header_room["CLeadTools.h"] = "binding"
   header_room["COrvoCS.h"] = "methods"
   header_room["instance.h"] = header_room["raii.h"] = header_room["orvo.h"] = "table"
@@ -96,7 +96,7 @@ END {
 }'
 
 picture=$(sed -E '/^$/d; s/: */ -> /; s/ -> $//' <<<"$arrows")
-shown=$(awk '/^<!-- arrows -->/ { on = 1; next } /^```$/ { on = 0 } on && !/^```/' docs/architecture.md)
+shown=$(awk '/^<!-- arrows -->/ { begun = 1; next } begun && /^```$/ { ++fences; next } fences == 1' docs/architecture.md)
 if [ "$picture" != "$shown" ]; then
   echo "docs/architecture.md shows other arrows:"
   diff <(echo "$shown") <(echo "$picture") || true
