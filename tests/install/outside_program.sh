@@ -20,20 +20,20 @@ done
 # Away from the source tree, so that nothing of it is found by chance; the installed tree is moved,
 # which it has to bear.
 cp -r "$source/examples" "$work/outside"
-"$build/bin/make_samples" "$work/samples" >/dev/null
+convert -size 300x200 -seed 7 plasma: "$work/photo.jpg"
 mv "$prefix" "$work/moved"
 prefix=$work/moved
 
 cmake -G Ninja -S "$work/outside" -B "$work/by-cmake" -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
 cmake --build "$work/by-cmake" >/dev/null
-"$work/by-cmake/fix_photo" "$work/samples/photo.jpg" "$work/by-cmake.png"
+"$work/by-cmake/fix_photo" "$work/photo.jpg" "$work/by-cmake.png"
 
 export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig
 read -ra flags <<<"$(pkg-config --cflags --libs orvo)"
 "$compiler" -std=c++17 "$work/outside/fix_photo.cpp" -o "$work/by-pkg-config" "${flags[@]}" \
   -Wl,-rpath,"$prefix/$libdir"
-"$work/by-pkg-config" "$work/samples/photo.jpg" "$work/by-pkg-config.png"
+"$work/by-pkg-config" "$work/photo.jpg" "$work/by-pkg-config.png"
 cmp "$work/by-cmake.png" "$work/by-pkg-config.png"
 
 (cd / && "$prefix/bin/orvo" info "$work/by-cmake.png" >/dev/null)
