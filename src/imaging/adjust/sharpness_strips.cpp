@@ -60,7 +60,7 @@ ORVO_ALWAYS_INLINE void Turn(const std::uint8_t* from, std::size_t fromStride, s
 
 // rows: those of the window, from the top. tones: of the strip.
 [[gnu::noinline]] void SumRow(const StripRow* const (&rows)[kKernelRows], KernelWeights weights,
-            std::uint8_t* tones) {
+                              std::uint8_t* tones) {
   alignas(64) double sums[kSums];
   for (std::size_t i = 0; i < kSums; ++i) {
     sums[i] = KernelSum(
