@@ -37,6 +37,11 @@ constexpr std::uint8_t LumaOf(Color color) {
 constexpr Color ColorOf(const RGBQUAD& entry) {
   return {entry.rgbBlue, entry.rgbGreen, entry.rgbRed};
 }
+// Of callers' numbers: red in the lowest byte, then green and blue.
+constexpr Color ColorOfReference(unsigned color) {
+  return {static_cast<std::uint8_t>(color >> 16), static_cast<std::uint8_t>(color >> 8),
+          static_cast<std::uint8_t>(color)};
+}
 constexpr RGBQUAD EntryOf(Color color) {
   return {color.blue, color.green, color.red, 0};
 }

@@ -64,13 +64,27 @@ bool PaletteIsGray(const Pixels& image) noexcept {
   return image.palette != nullptr;
 }
 
-bool BytesAreTones(const Pixels& image) noexcept {
-  if (image.depth != 8) return false;
-  for (int i = 0; i < image.paletteSize(); ++i) {
-    const RGBQUAD& entry = image.palette[i];
-    if (entry.rgbBlue != i || entry.rgbGreen != i || entry.rgbRed != i) return false;
+bool HasGrayRamp(const Pixels& image, bool reversed) noexcept {
+  const int last = image.paletteSize() - 1;
+  for (int i = 0; i <= last; ++i) {
+    if (image.palette[i].rgbRed != (reversed ? last - i : i) * 255 / last) return false;
   }
-  return true;
+  return PaletteIsGray(image);
+}
+
+bool BytesAreTones(const Pixels& image) noexcept {
+  return image.depth == 8 && HasGrayRamp(image);
+}
+
+bool HasAlpha(const Pixels& image) noexcept {
+  if (image.depth != 32) return false;
+  for (int y = 0; y < image.height; ++y) {
+    const std::uint8_t* const row = image.row(y);
+    unsigned any = 0;
+    for (std::size_t i = 3; i < image.rowBytes(); i += 4) any |= row[i];
+    if (any != 0) return true;
+  }
+  return false;
 }
 
 void FillGrayPalette(const Pixels& image) noexcept {

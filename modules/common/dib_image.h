@@ -72,9 +72,16 @@ void Describe(struct_LEAD_Bitmap& bitmap, const LockedDib& image) noexcept;
 
 // Whether all palette entries are gray (red, green and blue equal).
 bool PaletteIsGray(const Pixels& image) noexcept;
+// Whether the palette is the even ramp from black to white that FillGrayPalette makes, or the same
+// from white to black.
+bool HasGrayRamp(const Pixels& image, bool reversed = false) noexcept;
 // Whether the bytes of the rows are the tones that they show: 8 bits, entry i of the palette gray
 // i.
 bool BytesAreTones(const Pixels& image) noexcept;
+// Whether the fourth bytes of 32-bit pixels mean transparency. They usually are padding and 0
+// throughout; taken for transparency that would make the whole picture invisible. So they count
+// only when one of them is not 0.
+bool HasAlpha(const Pixels& image) noexcept;
 // Fills the palette with its entries' even steps from black to white.
 void FillGrayPalette(const Pixels& image) noexcept;
 

@@ -1,5 +1,4 @@
-// How single pixels lie in a row, depth by depth, for code that moves pixels about without a look
-// at their colours.
+// How single pixels lie in a row, depth by depth.
 #ifndef MODULES_COMMON_PIXEL_FORMATS_H
 #define MODULES_COMMON_PIXEL_FORMATS_H
 
@@ -55,22 +54,30 @@ struct WideColor {
 static_assert(sizeof(WideColor) == 4);
 
 using Format1 = PackedFormat<1>;
+using Format2 = PackedFormat<2>;
 using Format4 = PackedFormat<4>;
 using Format8 = WholeFormat<std::uint8_t>;
 using Format16 = WholeFormat<std::uint16_t>;
 using Format24 = WholeFormat<Color>;
 using Format32 = WholeFormat<WideColor>;
 
-// Runs work with the format of a depth: work(Format24{}).
+// Runs work with the format of a depth: work(Format24{}). 2 bits are for rows out of files.
 template <class Work>
-auto WithFormat(int depth, Work&& work) {
+auto WithIndexFormat(int depth, Work&& work) {
   switch (depth) {
     case 1:
       return work(Format1{});
+    case 2:
+      return work(Format2{});
     case 4:
       return work(Format4{});
-    case 8:
+    default:
       return work(Format8{});
+  }
+}
+template <class Work>
+auto WithColorFormat(int depth, Work&& work) {
+  switch (depth) {
     case 16:
       return work(Format16{});
     case 24:
@@ -78,6 +85,32 @@ auto WithFormat(int depth, Work&& work) {
     default:
       return work(Format32{});
   }
+}
+template <class Work>
+auto WithFormat(int depth, Work&& work) {
+  return depth <= 8 ? WithIndexFormat(depth, work) : WithColorFormat(depth, work);
+}
+
+// Colours of pixels of 16 bits and above.
+constexpr Color ColorOf(std::uint16_t pixel) {
+  return ColorOf555(pixel);
+}
+constexpr Color ColorOf(Color pixel) {
+  return pixel;
+}
+constexpr Color ColorOf(WideColor pixel) {
+  return pixel.color;
+}
+
+// The same pixels given another colour; what holds no colour stays.
+constexpr std::uint16_t Recolored(std::uint16_t pixel, Color color) {
+  return With555(pixel, color);
+}
+constexpr Color Recolored(Color /*pixel*/, Color color) {
+  return color;
+}
+constexpr WideColor Recolored(WideColor pixel, Color color) {
+  return {color, pixel.rest};
 }
 
 }  // namespace modules

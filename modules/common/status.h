@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "binding/module_contract.h"
+#include "common/guard.h"
 
 extern "C" {
 // Calls the installed callback; false when it asks to stop.
@@ -45,6 +45,24 @@ class Progress {
   Report report_;
   int last_ = -1;
 };
+
+// Runs work(y) for each row, and reports progress from the `stage`-th of as many equal parts as
+// `progress` counts. Throws kModuleAborted when the callback asks to stop.
+template <class Work>
+void ForEachRow(int height, const Work& work, Progress& progress, int stage = 0) {
+  const auto rows = static_cast<std::uint64_t>(height);
+  const std::uint64_t before = rows * static_cast<std::uint64_t>(stage);
+  for (int y = 0; y < height; ++y) {
+    Require(progress.report(before + static_cast<std::uint64_t>(y)), kModuleAborted);
+    work(y);
+  }
+  Require(progress.report(before + rows), kModuleAborted);
+}
+template <class Work>
+void ForEachRow(int height, const Work& work) {
+  Progress progress(static_cast<std::uint64_t>(height));
+  ForEachRow(height, work, progress);
+}
 
 // Maps what is reported in a scope onto base .. base + span percent, so that the stages of one
 // operation make one rising scale. Shares do not nest.

@@ -7,20 +7,6 @@
 #include "common/status.h"
 
 namespace modules {
-namespace {
-
-// Changes all rows from one image into another. False when the callback asks to stop.
-bool ChangeReported(const Pixels& source, const Pixels& target, const RowChange& change) {
-  Progress progress(static_cast<std::uint64_t>(source.height));
-  for (int y = 0; y < source.height; ++y) {
-    if (!progress.report(static_cast<std::uint64_t>(y))) return false;
-    change(source, target, y);
-  }
-  return progress.report(static_cast<std::uint64_t>(source.height));
-}
-
-}  // namespace
-
 int Adjustment::obstacle() const {
   if (!*image_) return kModuleNoBitmap;
   return image().depth == 1 ? kModuleDepthNotSupported : kModuleSuccess;
@@ -36,7 +22,7 @@ int Adjustment::changeRows(const RowChange& change) {
   {
     const LockedDib target(copy.get());
     if (!target) return kModuleNoMemory;
-    if (!ChangeReported(source, *target, change)) return kModuleAborted;
+    ForEachRow(source.height, [&](int y) { change(source, *target, y); });
   }
   // Only the handle changes: the record's resolution may be newer than the header's.
   image_.reset();

@@ -4,22 +4,11 @@
 
 #include <algorithm>
 
+#include "common/pixel_formats.h"
 #include "ltimg13n/adjustment.h"
-#include "ltimg13n/recolored.h"
 #include "ltimg13n/tone_tables.h"
 
 namespace modules {
-
-template <class Format, class Rule>
-void RecolorRow(Format format, const Pixels& source, const Pixels& target, int y,
-                const Rule& rule) {
-  const std::uint8_t* const from = source.row(y);
-  std::uint8_t* const to = target.row(y);
-  for (std::size_t x = 0; x < static_cast<std::size_t>(source.width); ++x) {
-    const auto pixel = format.read(from, x);
-    format.write(to, x, Recolored(pixel, rule(ColorOf(pixel))));
-  }
-}
 
 // rule: Color operator()(Color) const. Palettes change their entries and keep the pixels' indices.
 template <class Rule>
@@ -28,14 +17,14 @@ int ChangeColors(Adjustment& adjustment, const Rule& rule) {
     return adjustment.changePalette([&rule](Color color) { return rule(color); });
   }
   return adjustment.changeRows([&rule](const Pixels& source, const Pixels& target, int y) {
-    switch (source.depth) {
-      case 16:
-        return RecolorRow(Format16{}, source, target, y, rule);
-      case 24:
-        return RecolorRow(Format24{}, source, target, y, rule);
-      default:
-        return RecolorRow(Format32{}, source, target, y, rule);
-    }
+    const std::uint8_t* const from = source.row(y);
+    std::uint8_t* const to = target.row(y);
+    WithColorFormat(source.depth, [&](auto format) {
+      for (std::size_t x = 0; x < static_cast<std::size_t>(source.width); ++x) {
+        const auto pixel = format.read(from, x);
+        format.write(to, x, Recolored(pixel, rule(ColorOf(pixel))));
+      }
+    });
   });
 }
 

@@ -10,8 +10,8 @@
 
 #include "common/color_rows.h"
 #include "common/palette_search.h"
+#include "common/pixel_formats.h"
 #include "ltimg13n/adjustment.h"
-#include "ltimg13n/recolored.h"
 
 namespace modules {
 namespace {
@@ -29,11 +29,7 @@ class RowSharpener {
     for (Row& row : rows_) row.resize(bytes);
     sharp_.resize(bytes);
     columns_.resize(bytes + 2 * channels_);
-    if (image.palette == nullptr) return;
-    std::vector<Color> entries(static_cast<std::size_t>(image.paletteSize()));
-    std::transform(image.palette, image.palette + entries.size(), entries.begin(),
-                   [](const RGBQUAD& entry) { return ColorOf(entry); });
-    palette_.emplace(entries);
+    if (image.palette != nullptr) palette_.emplace(PaletteColors(image));
   }
 
   void change(const Pixels& source, const Pixels& target, int y) {

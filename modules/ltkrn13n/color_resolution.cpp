@@ -24,10 +24,6 @@ using modules::Redrawing;
 
 unsigned defaultDithering = 0;
 
-std::vector<Color> BlackAndWhite() {
-  return {modules::GrayOf(0), modules::GrayOf(255)};
-}
-
 // Black to light gray, and the pure colours at half and full strength.
 std::vector<Color> SixteenColors() {
   std::vector<Color> colors;
@@ -61,29 +57,29 @@ std::vector<Color> ColorCube() {
 }
 
 std::vector<Color> FixedPalette(int bits) {
-  if (bits == 1) return BlackAndWhite();
+  if (bits == 1) return {modules::GrayOf(0), modules::GrayOf(255)};
   return bits == 4 ? SixteenColors() : ColorCube();
 }
 
 // The new pixels' colours at 16 bits and above.
-int DrawColors(const Redrawing& drawing) {
+void DrawColors(const Redrawing& drawing) {
   std::vector<Color> colors(static_cast<std::size_t>(drawing.source().width));
-  return ForEachRow(drawing.source().height, [&](int y) {
+  ForEachRow(drawing.source().height, [&](int y) {
     modules::ReadColors(drawing.source(), y, colors.data());
     modules::WriteColors(drawing.target(), y, colors.data());
   });
 }
 
 // Draws the image in the colours of a palette; `progress` goes on with stage `stage`.
-int DrawIndexes(const Redrawing& drawing, const std::vector<Color>& palette, DitheringMode mode,
-                modules::Progress& progress, int stage) {
+void DrawIndexes(const Redrawing& drawing, const std::vector<Color>& palette, DitheringMode mode,
+                 modules::Progress& progress, int stage) {
   const Pixels& source = drawing.source();
   const Pixels& target = drawing.target();
   for (std::size_t i = 0; i < palette.size(); ++i) target.palette[i] = modules::EntryOf(palette[i]);
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
   std::vector<std::uint8_t> indexes(colors.size());
   const auto ditherer = modules::MakeDitherer(mode, palette, colors.size());
-  return ForEachRow(
+  ForEachRow(
       source.height,
       [&](int y) {
         modules::ReadColors(source, y, colors.data());
@@ -96,40 +92,38 @@ int DrawIndexes(const Redrawing& drawing, const std::vector<Color>& palette, Dit
       progress, stage);
 }
 
-int DrawInFixedPalette(const Redrawing& drawing, DitheringMode mode) {
+void DrawInFixedPalette(const Redrawing& drawing, DitheringMode mode) {
   modules::Progress progress(static_cast<std::uint64_t>(drawing.source().height));
-  return DrawIndexes(drawing, FixedPalette(drawing.target().depth), mode, progress, 0);
+  DrawIndexes(drawing, FixedPalette(drawing.target().depth), mode, progress, 0);
 }
 
 // Reads the image twice: once to choose the palette, once to draw.
-int DrawInOptimisedPalette(const Redrawing& drawing, DitheringMode mode) {
+void DrawInOptimisedPalette(const Redrawing& drawing, DitheringMode mode) {
   const Pixels& source = drawing.source();
   modules::Progress progress(2 * static_cast<std::uint64_t>(source.height));
   modules::ColorHistogram histogram;
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
-  const int code = ForEachRow(
+  ForEachRow(
       source.height,
       [&](int y) {
         modules::ReadColors(source, y, colors.data());
         histogram.add(colors.data(), colors.size());
       },
       progress);
-  if (code != kModuleSuccess) return code;
   const auto most = static_cast<std::size_t>(drawing.target().paletteSize());
   const ChosenPalette palette = modules::OptimisedPalette(histogram, most);
   // A matrix would move even colours that the palette holds.
-  return DrawIndexes(drawing, palette.colors, palette.isExact ? DitheringMode::kNone : mode,
-                     progress, 1);
+  DrawIndexes(drawing, palette.colors, palette.isExact ? DitheringMode::kNone : mode, progress, 1);
 }
 
-int CopyRows(const Redrawing& drawing) {
+void CopyRows(const Redrawing& drawing) {
   const Pixels& source = drawing.source();
-  return ForEachRow(source.height, [&](int y) {
+  ForEachRow(source.height, [&](int y) {
     std::memcpy(drawing.target().row(y), source.row(y), source.rowBytes());
   });
 }
 
-int Draw(const Redrawing& drawing, int bits, unsigned flags) {
+void Draw(const Redrawing& drawing, int bits, unsigned flags) {
   if (bits == drawing.source().depth) return CopyRows(drawing);
   if (bits > 8) return DrawColors(drawing);
   const auto mode = static_cast<DitheringMode>(flags >> kColorResDitheringShift);
@@ -140,12 +134,12 @@ int Draw(const Redrawing& drawing, int bits, unsigned flags) {
 
 int ChangeDepth(struct_LEAD_Bitmap* source, struct_LEAD_Bitmap* target, int bits, unsigned flags) {
   Redrawing drawing(source);
-  if (!drawing.hasSource() || target == nullptr) return kModuleNoBitmap;
+  modules::Require(target, kModuleNoBitmap);
   const Pixels& image = drawing.source();
   if (bits == image.depth && source == target) return modules::ReportNothingToDo();
-  int code = drawing.begin(image.width, image.height, bits);
-  if (code == kModuleSuccess) code = Draw(drawing, bits, flags);
-  return code == kModuleSuccess ? drawing.finish(*target) : code;
+  drawing.begin(image.width, image.height, bits);
+  Draw(drawing, bits, flags);
+  return drawing.finish(*target);
 }
 
 }  // namespace

@@ -16,22 +16,18 @@ constexpr int kGrayBits = 8;
 
 int MakeGray(struct_LEAD_Bitmap* bitmap) {
   Redrawing drawing(bitmap);
-  if (!drawing.hasSource()) return kModuleNoBitmap;
   const Pixels& source = drawing.source();
   if (modules::BytesAreTones(source)) return modules::ReportNothingToDo();
-  if (const int code = drawing.begin(source.width, source.height, kGrayBits);
-      code != kModuleSuccess) {
-    return code;
-  }
+  drawing.begin(source.width, source.height, kGrayBits);
   const Pixels& target = drawing.target();
   modules::FillGrayPalette(target);
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
-  const int code = modules::ForEachRow(source.height, [&](int y) {
+  modules::ForEachRow(source.height, [&](int y) {
     modules::ReadColors(source, y, colors.data());
     std::uint8_t* const tones = target.row(y);
     for (std::size_t x = 0; x < colors.size(); ++x) tones[x] = modules::LumaOf(colors[x]);
   });
-  return code == kModuleSuccess ? drawing.finish(*bitmap) : code;
+  return drawing.finish(*bitmap);
 }
 
 }  // namespace

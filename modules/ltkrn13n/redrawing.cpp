@@ -4,18 +4,19 @@
 
 namespace modules {
 
-Redrawing::Redrawing(const struct_LEAD_Bitmap* bitmap) noexcept
+Redrawing::Redrawing(const struct_LEAD_Bitmap* bitmap)
     : bitmap_(bitmap),
-      source_(std::in_place, bitmap == nullptr || bitmap->width <= 0 ? nullptr : bitmap->block) {}
+      source_(std::in_place, bitmap == nullptr || bitmap->width <= 0 ? nullptr : bitmap->block) {
+  Require(*source_, kModuleNoBitmap);
+}
 
-int Redrawing::begin(int width, int height, int depth) {
+void Redrawing::begin(int width, int height, int depth) {
   block_ = NewDibLike(source_->header(), width, height, depth);
   target_.emplace(block_.get());
-  if (!*target_) return kModuleNoMemory;
+  Require(*target_, kModuleNoMemory);
   if (target().palette != nullptr && depth == source().depth) {
     std::memcpy(target().palette, source().palette, orvo::DibPaletteBytes(depth));
   }
-  return kModuleSuccess;
 }
 
 int Redrawing::finish(struct_LEAD_Bitmap& bitmap) {

@@ -18,42 +18,27 @@ using modules::Pixels;
 using modules::Redrawing;
 using modules::Resampling;
 
-// Runs through the old pixels in whose area the middles of new pixels lie.
-class NearestStepper {
- public:
-  NearestStepper(int from, int to)
-      : from_(static_cast<std::uint64_t>(from)), to_(static_cast<std::uint64_t>(to)) {}
-  // The next old pixel.
-  std::size_t next() {
-    const auto place = static_cast<std::size_t>(place_);
-    place_ += wholes_;
-    rest_ += parts_;
-    if (rest_ >= 2 * to_) {
-      ++place_;
-      rest_ -= 2 * to_;
-    }
-    return place;
+// The old pixels in whose area the middles of new pixels lie.
+std::vector<std::size_t> NearestOf(int from, int to) {
+  std::vector<std::size_t> places;
+  const auto unit = static_cast<std::uint64_t>(2) * static_cast<std::uint64_t>(to);
+  for (std::uint64_t middle = 1; middle < unit; middle += 2) {
+    places.push_back(middle * static_cast<std::uint64_t>(from) / unit);
   }
+  return places;
+}
 
- private:
-  std::uint64_t from_;
-  std::uint64_t to_;
-  std::uint64_t wholes_ = from_ / to_;
-  std::uint64_t parts_ = 2 * (from_ % to_);
-  std::uint64_t place_ = from_ / (2 * to_);
-  std::uint64_t rest_ = from_ % (2 * to_);  // in parts of 1/(2 to)
-};
-
-int DrawNearest(const Pixels& source, const Pixels& target) {
-  NearestStepper rows(source.height, target.height);
-  const auto width = static_cast<std::size_t>(target.width);
-  return modules::WithFormat(source.depth, [&](auto format) {
-    return ForEachRow(target.height, [&](int y) {
-      const std::uint8_t* const from = source.row(static_cast<int>(rows.next()));
+void DrawNearest(const Pixels& source, const Pixels& target) {
+  const std::vector<std::size_t> rows = NearestOf(source.height, target.height);
+  const std::vector<std::size_t> columns = NearestOf(source.width, target.width);
+  modules::WithFormat(source.depth, [&](auto format) {
+    ForEachRow(target.height, [&](int y) {
+      const std::uint8_t* const from =
+          source.row(static_cast<int>(rows[static_cast<std::size_t>(y)]));
       std::uint8_t* const to = target.row(y);
-      NearestStepper columns(source.width, target.width);
-      for (std::size_t x = 0; x < width; ++x)
-        format.write(to, x, format.read(from, columns.next()));
+      for (std::size_t x = 0; x < columns.size(); ++x) {
+        format.write(to, x, format.read(from, columns[x]));
+      }
     });
   });
 }
@@ -113,8 +98,8 @@ void MixColumns(const std::vector<float>& line, const Resampling& columns, std::
   }
 }
 
-int DrawMixed(const Pixels& source, const Pixels& target, const Resampling& columns,
-              const Resampling& rows) {
+void DrawMixed(const Pixels& source, const Pixels& target, const Resampling& columns,
+               const Resampling& rows) {
   SampleRows from(source);
   SampleRows to(target);
   const std::size_t channels = from.channels();
@@ -122,32 +107,26 @@ int DrawMixed(const Pixels& source, const Pixels& target, const Resampling& colu
   const auto mixColumns = channels == 1   ? MixColumns<1>
                           : channels == 3 ? MixColumns<3>
                                           : MixColumns<4>;
-  return ForEachRow(target.height, [&](int y) {
+  ForEachRow(target.height, [&](int y) {
     MixRows(from, rows.mix(static_cast<std::size_t>(y)), line);
     mixColumns(line, columns, to.target(y));
     to.store(y);
   });
 }
 
-int Draw(const Pixels& source, const Pixels& target, unsigned flags) {
+void Draw(const Pixels& source, const Pixels& target, unsigned flags) {
   const bool mixes = source.depth > 8 || modules::BytesAreTones(source);
-  if (mixes && (flags & kSizeBest) != 0) {
-    return DrawMixed(source, target, Resampling::Best(source.width, target.width),
-                     Resampling::Best(source.height, target.height));
-  }
-  if (mixes && (flags & kSizeBilinear) != 0) {
-    return DrawMixed(source, target, Resampling::Bilinear(source.width, target.width),
-                     Resampling::Bilinear(source.height, target.height));
-  }
-  return DrawNearest(source, target);
+  if (!mixes || (flags & (kSizeBest | kSizeBilinear)) == 0) return DrawNearest(source, target);
+  const auto resampling = (flags & kSizeBest) != 0 ? Resampling::Best : Resampling::Bilinear;
+  DrawMixed(source, target, resampling(source.width, target.width),
+            resampling(source.height, target.height));
 }
 
 int Resize(struct_LEAD_Bitmap* bitmap, int width, int height, unsigned flags) {
   Redrawing drawing(bitmap);
-  if (!drawing.hasSource()) return kModuleNoBitmap;
-  int code = drawing.begin(width, height, drawing.source().depth);
-  if (code == kModuleSuccess) code = Draw(drawing.source(), drawing.target(), flags);
-  return code == kModuleSuccess ? drawing.finish(*bitmap) : code;
+  drawing.begin(width, height, drawing.source().depth);
+  Draw(drawing.source(), drawing.target(), flags);
+  return drawing.finish(*bitmap);
 }
 
 }  // namespace

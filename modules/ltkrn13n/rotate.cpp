@@ -4,11 +4,13 @@
 // For each new pixel the place in the old image is found that turns into it. Places are numbers of
 // 1/2^28 pixels; at quarter turns they hit the old pixels exactly, at every depth.
 #include <array>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <optional>
 
+#include "common/color_rows.h"
 #include "common/guard.h"
 #include "common/palette_search.h"
 #include "common/pixel_formats.h"
@@ -18,13 +20,8 @@ namespace {
 
 using modules::Color;
 using modules::ForEachRow;
-using modules::Format16;
-using modules::Format24;
-using modules::Format32;
-using modules::Format8;
 using modules::Pixels;
 using modules::Redrawing;
-using modules::WideColor;
 
 constexpr int kPlaceBits = 28;
 constexpr double kPlaceUnit = 1 << kPlaceBits;
@@ -98,84 +95,31 @@ bool Covers(const Pixels& image, std::int64_t x, std::int64_t y) {
   return x >= 0 && x < image.width && y >= 0 && y < image.height;
 }
 
-// --- Nearest pixel -------------------------------------------------------------------------------
-
 // A colour as a pixel of an image.
 template <class Value>
-Value PixelOf(const Pixels& image, Color color);
-template <>
-std::uint8_t PixelOf(const Pixels& image, Color color) {
-  std::vector<Color> entries;
-  entries.reserve(static_cast<std::size_t>(image.paletteSize()));
-  for (int i = 0; i < image.paletteSize(); ++i)
-    entries.push_back(modules::ColorOf(image.palette[i]));
-  return modules::PaletteSearch(entries).nearest(color);
+Value PixelOf(const Pixels& image, Color color) {
+  if constexpr (sizeof(Value) == 1) {
+    return modules::PaletteSearch(modules::PaletteColors(image)).nearest(color);
+  } else {
+    return modules::Recolored(Value{}, color);
+  }
 }
-template <>
-std::uint16_t PixelOf(const Pixels& /*image*/, Color color) {
-  return modules::With555(0, color);
-}
-template <>
-Color PixelOf(const Pixels& /*image*/, Color color) {
-  return color;
-}
-template <>
-WideColor PixelOf(const Pixels& /*image*/, Color color) {
-  return {color, 0};
-}
-
-template <class Format>
-int DrawNearest(Format format, const Pixels& source, const Pixels& target, const PlaceMap& map,
-                Color background) {
-  const auto uncovered = PixelOf<typename Format::Value>(source, background);
-  const Place step = map.step();
-  return ForEachRow(target.height, [&](int y) {
-    Place place = map.rowStart(y);
-    std::uint8_t* const row = target.row(y);
-    for (int i = 0; i < target.width; ++i) {
-      const std::int64_t x = place.x >> kPlaceBits;
-      const std::int64_t sourceY = place.y >> kPlaceBits;
-      format.write(row, static_cast<std::size_t>(i),
-                   Covers(source, x, sourceY) ? format.read(source.row(static_cast<int>(sourceY)),
-                                                            static_cast<std::size_t>(x))
-                                              : uncovered);
-      place.x += step.x;
-      place.y += step.y;
-    }
-  });
-}
-
-// --- Between four pixels -------------------------------------------------------------------------
 
 // The channels of a pixel, to be mixed one by one.
-std::array<int, 1> ChannelsOf(std::uint8_t tone) {
-  return {tone};
+template <class Value>
+auto ChannelsOf(Value pixel) {
+  return std::bit_cast<std::array<std::uint8_t, sizeof pixel>>(pixel);
 }
-std::array<int, 3> ChannelsOf(Color color) {
-  return {color.blue, color.green, color.red};
+auto ChannelsOf(std::uint16_t pixel) {
+  return ChannelsOf(modules::ColorOf(pixel));
 }
-std::array<int, 3> ChannelsOf(std::uint16_t pixel) {
-  return ChannelsOf(modules::ColorOf555(pixel));
-}
-std::array<int, 4> ChannelsOf(WideColor pixel) {
-  return {pixel.color.blue, pixel.color.green, pixel.color.red, pixel.rest};
-}
-
-void FromChannels(const std::array<int, 1>& channels, std::uint8_t& tone) {
-  tone = static_cast<std::uint8_t>(channels[0]);
-}
-void FromChannels(const std::array<int, 3>& channels, Color& color) {
-  color = {static_cast<std::uint8_t>(channels[0]), static_cast<std::uint8_t>(channels[1]),
-           static_cast<std::uint8_t>(channels[2])};
-}
-void FromChannels(const std::array<int, 3>& channels, std::uint16_t& pixel) {
-  Color color;
-  FromChannels(channels, color);
-  pixel = modules::With555(0, color);
-}
-void FromChannels(const std::array<int, 4>& channels, WideColor& pixel) {
-  FromChannels({channels[0], channels[1], channels[2]}, pixel.color);
-  pixel.rest = static_cast<std::uint8_t>(channels[3]);
+template <class Value, class Channels>
+Value FromChannels(const Channels& channels) {
+  if constexpr (std::is_same_v<Value, std::uint16_t>) {
+    return modules::With555(0, std::bit_cast<Color>(channels));
+  } else {
+    return std::bit_cast<Value>(channels);
+  }
 }
 
 constexpr int kFractionBits = 8;
@@ -186,77 +130,80 @@ Value Mixed(const std::array<Value, 4>& pixels, int fractionX, int fractionY) {
   const std::array<int, 4> weights{(kFractions - fractionX) * (kFractions - fractionY),
                                    fractionX * (kFractions - fractionY),
                                    (kFractions - fractionX) * fractionY, fractionX * fractionY};
-  auto sums = ChannelsOf(Value{});
+  auto channels = ChannelsOf(Value{});
+  std::array<int, channels.size()> sums{};
   sums.fill(kFractions * kFractions / 2);
   for (std::size_t i = 0; i < pixels.size(); ++i) {
-    const auto channels = ChannelsOf(pixels[i]);
+    channels = ChannelsOf(pixels[i]);
     for (std::size_t c = 0; c < sums.size(); ++c) sums[c] += weights[i] * channels[c];
   }
-  for (int& sum : sums) sum >>= 2 * kFractionBits;
-  Value mixed;
-  FromChannels(sums, mixed);
-  return mixed;
+  for (std::size_t c = 0; c < sums.size(); ++c) {
+    channels[c] = static_cast<std::uint8_t>(sums[c] >> 2 * kFractionBits);
+  }
+  return FromChannels<Value>(channels);
 }
 
-// Pixels at the rim are mixed with the background.
-template <class Format>
-int DrawMixed(Format format, const Pixels& source, const Pixels& target, const PlaceMap& map,
-              Color background) {
-  using Value = typename Format::Value;
-  const auto uncovered = PixelOf<Value>(source, background);
-  const auto pixelAt = [&](std::int64_t x, std::int64_t y) {
-    return Covers(source, x, y)
-               ? format.read(source.row(static_cast<int>(y)), static_cast<std::size_t>(x))
-               : uncovered;
-  };
+// Fills all rows with pixelAt(place).
+template <class Format, class PixelAt>
+void DrawPlaces(Format format, const Pixels& target, const PlaceMap& map, const PixelAt& pixelAt) {
   const Place step = map.step();
-  const auto fraction = [](std::int64_t place) {
-    return static_cast<int>(place >> (kPlaceBits - kFractionBits) & (kFractions - 1));
-  };
-  return ForEachRow(target.height, [&](int y) {
-    // Counted from the middles of pixels.
-    constexpr std::int64_t kHalf = std::int64_t{1} << (kPlaceBits - 1);
+  ForEachRow(target.height, [&](int y) {
     Place place = map.rowStart(y);
-    place.x -= kHalf;
-    place.y -= kHalf;
     std::uint8_t* const row = target.row(y);
-    for (int i = 0; i < target.width; ++i) {
-      const std::int64_t x = place.x >> kPlaceBits;
-      const std::int64_t above = place.y >> kPlaceBits;
-      const std::array<Value, 4> pixels{pixelAt(x, above), pixelAt(x + 1, above),
-                                        pixelAt(x, above + 1), pixelAt(x + 1, above + 1)};
-      format.write(row, static_cast<std::size_t>(i),
-                   Mixed(pixels, fraction(place.x), fraction(place.y)));
+    for (std::size_t i = 0; i < static_cast<std::size_t>(target.width); ++i) {
+      format.write(row, i, pixelAt(place));
       place.x += step.x;
       place.y += step.y;
     }
   });
 }
 
-// -------------------------------------------------------------------------------------------------
+// Takes the nearest pixel, or mixes the four around; those at the rim with the background.
+template <class Format>
+void Draw(Format format, const Pixels& source, const Pixels& target, const PlaceMap& map,
+          Color background, bool mixes) {
+  const auto uncovered = PixelOf<typename Format::Value>(source, background);
+  const auto pixelAt = [&](std::int64_t x, std::int64_t y) {
+    return Covers(source, x, y)
+               ? format.read(source.row(static_cast<int>(y)), static_cast<std::size_t>(x))
+               : uncovered;
+  };
+  if (!mixes) {
+    return DrawPlaces(format, target, map, [&](Place place) {
+      return pixelAt(place.x >> kPlaceBits, place.y >> kPlaceBits);
+    });
+  }
+  const auto fraction = [](std::int64_t place) {
+    return static_cast<int>(place >> (kPlaceBits - kFractionBits) & (kFractions - 1));
+  };
+  DrawPlaces(format, target, map, [&](Place place) {
+    // Counted from the middles of pixels.
+    constexpr std::int64_t kHalf = std::int64_t{1} << (kPlaceBits - 1);
+    place = {place.x - kHalf, place.y - kHalf};
+    const std::int64_t x = place.x >> kPlaceBits;
+    const std::int64_t above = place.y >> kPlaceBits;
+    return Mixed(std::array{pixelAt(x, above), pixelAt(x + 1, above), pixelAt(x, above + 1),
+                            pixelAt(x + 1, above + 1)},
+                 fraction(place.x), fraction(place.y));
+  });
+}
 
-int Draw(const Pixels& source, const Pixels& target, const Turn& turn, Color background) {
+void Draw(const Pixels& source, const Pixels& target, const Turn& turn, Color background) {
   const PlaceMap map(source, target, turn);
   const bool mixes = !turn.quarters && (source.depth > 8 || modules::BytesAreTones(source));
-  return modules::WithFormat(source.depth, [&](auto format) {
-    if constexpr (requires { ChannelsOf(typename decltype(format)::Value{}); }) {
-      if (mixes) return DrawMixed(format, source, target, map, background);
-    }
-    return DrawNearest(format, source, target, map, background);
-  });
+  modules::WithFormat(source.depth,
+                      [&](auto format) { Draw(format, source, target, map, background, mixes); });
 }
 
 int Rotate(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, Color background) {
   Redrawing drawing(bitmap);
-  if (!drawing.hasSource()) return kModuleNoBitmap;
   const Pixels& source = drawing.source();
   const Turn turn = TurnBy(angle);
   const auto extent =
       (flags & kRotateGrows) != 0 ? GrownExtent(source, turn) : Extent{source.width, source.height};
-  if (!extent) return kModuleNoMemory;
-  int code = drawing.begin(extent->width, extent->height, source.depth);
-  if (code == kModuleSuccess) code = Draw(source, drawing.target(), turn, background);
-  if (code != kModuleSuccess) return code;
+  modules::Require(extent, kModuleNoMemory);
+  drawing.begin(extent->width, extent->height, source.depth);
+  Draw(source, drawing.target(), turn, background);
   drawing.finish(*bitmap);
   // What ran across runs down now.
   if (turn.quarters && *turn.quarters % 2 == 1) {
@@ -267,9 +214,7 @@ int Rotate(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, Color backgrou
 
 }  // namespace
 
-// color: red in the lowest byte, then green and blue.
 int L_RotateBitmap(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, unsigned color) {
-  const auto channel = [color](int shift) { return static_cast<std::uint8_t>(color >> shift); };
-  const Color background{channel(16), channel(8), channel(0)};
-  return modules::Guarded([=] { return Rotate(bitmap, angle, flags, background); });
+  return modules::Guarded(
+      [=] { return Rotate(bitmap, angle, flags, modules::ColorOfReference(color)); });
 }

@@ -15,23 +15,20 @@ bool Holds(const Pixels& image, int left, int top, int width, int height) {
 
 int Trim(struct_LEAD_Bitmap* bitmap, int left, int top, int width, int height) {
   Redrawing drawing(bitmap);
-  if (!drawing.hasSource()) return kModuleNoBitmap;
   const Pixels& source = drawing.source();
-  if (!Holds(source, left, top, width, height)) return kModuleBadParameter;
-  if (const int code = drawing.begin(width, height, source.depth); code != kModuleSuccess) {
-    return code;
-  }
+  modules::Require(Holds(source, left, top, width, height), kModuleBadParameter);
+  drawing.begin(width, height, source.depth);
   const Pixels& target = drawing.target();
   const auto pixels = static_cast<std::size_t>(width);
   const auto skipped = static_cast<std::size_t>(left);
-  const int code = modules::WithFormat(source.depth, [&](auto format) {
-    return modules::ForEachRow(height, [&](int y) {
+  modules::WithFormat(source.depth, [&](auto format) {
+    modules::ForEachRow(height, [&](int y) {
       const std::uint8_t* const from = source.row(top + y);
       std::uint8_t* const to = target.row(y);
       for (std::size_t x = 0; x < pixels; ++x) format.write(to, x, format.read(from, skipped + x));
     });
   });
-  return code == kModuleSuccess ? drawing.finish(*bitmap) : code;
+  return drawing.finish(*bitmap);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "common/color_rows.h"
-#include "pictures/index_rows.h"
 
 namespace modules {
 namespace {

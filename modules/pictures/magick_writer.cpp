@@ -7,7 +7,6 @@
 #include "pictures/file_handle.h"
 #include "pictures/magick_pixels.h"
 #include "pictures/magick_session.h"
-#include "pictures/pixel_kinds.h"
 
 namespace modules {
 namespace {

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "common/pixel_formats.h"
+
 namespace modules {
 namespace {
 
@@ -21,28 +23,9 @@ Turn TurnOf(int orientation) {
   return {SwapsSides(orientation), columns, lines};
 }
 
-template <int bytes>
-struct WholeBytes {
-  static void copy(const std::uint8_t* from, int fromX, std::uint8_t* to, int toX) {
-    std::memcpy(to + std::ptrdiff_t{toX} * bytes, from + std::ptrdiff_t{fromX} * bytes, bytes);
-  }
-};
-
-// The target's rows are zero, so bits only need setting.
-template <unsigned bits>
-struct PartsOfBytes {
-  static std::size_t bitOf(int x) { return static_cast<std::size_t>(x) * bits; }
-  static unsigned shift(int x) { return static_cast<unsigned>(8 - bits - bitOf(x) % 8); }
-  static void copy(const std::uint8_t* from, int fromX, std::uint8_t* to, int toX) {
-    const unsigned value = from[bitOf(fromX) / 8] >> shift(fromX) & ((1U << bits) - 1U);
-    const std::size_t byte = bitOf(toX) / 8;
-    to[byte] = static_cast<std::uint8_t>(to[byte] | value << shift(toX));
-  }
-};
-
 // In squares, so that the source's rows stay in the cache while its columns become lines.
-template <class Pixel>
-void CopyTurned(const Pixels& from, const Pixels& to, Turn turn, Pixel /*kind*/) {
+template <class Format>
+void CopyTurned(const Pixels& from, const Pixels& to, Turn turn, Format format) {
   constexpr int kSquare = 64;
   const auto copySquare = [&](int left, int top) {
     const int right = std::min(left + kSquare, to.width);
@@ -54,29 +37,13 @@ void CopyTurned(const Pixels& from, const Pixels& to, Turn turn, Pixel /*kind*/)
         const int fromX = turn.mirrorsColumns ? from.width - 1 - column : column;
         const int fromTop = turn.turned ? x : y;
         const int fromY = turn.mirrorsLines ? fromTop : from.height - 1 - fromTop;
-        Pixel::copy(from.row(fromY), fromX, line, x);
+        const auto pixel = format.read(from.row(fromY), static_cast<std::size_t>(fromX));
+        format.write(line, static_cast<std::size_t>(x), pixel);
       }
     }
   };
   for (int top = 0; top < to.height; top += kSquare) {
     for (int left = 0; left < to.width; left += kSquare) copySquare(left, top);
-  }
-}
-
-void CopyTurned(const Pixels& from, const Pixels& to, Turn turn) {
-  switch (from.depth) {
-    case 1:
-      return CopyTurned(from, to, turn, PartsOfBytes<1>());
-    case 4:
-      return CopyTurned(from, to, turn, PartsOfBytes<4>());
-    case 8:
-      return CopyTurned(from, to, turn, WholeBytes<1>());
-    case 16:
-      return CopyTurned(from, to, turn, WholeBytes<2>());
-    case 24:
-      return CopyTurned(from, to, turn, WholeBytes<3>());
-    default:
-      return CopyTurned(from, to, turn, WholeBytes<4>());
   }
 }
 
@@ -97,7 +64,7 @@ OwnedBlock TurnedUpright(OwnedBlock block, int orientation) {
   if (source->palette != nullptr) {
     std::memcpy(target->palette, source->palette, orvo::DibPaletteBytes(source->depth));
   }
-  CopyTurned(*source, *target, turn);
+  WithFormat(source->depth, [&](auto format) { CopyTurned(*source, *target, turn, format); });
   return result;
 }
 

@@ -6,7 +6,6 @@
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
 #include "pictures/library_calls.h"
-#include "pictures/pixel_kinds.h"
 #include "pictures/png_session.h"
 
 namespace modules {

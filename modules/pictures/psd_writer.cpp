@@ -5,7 +5,6 @@
 #include "common/color_rows.h"
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
-#include "pictures/index_rows.h"
 #include "pictures/psd.h"
 
 namespace modules {
@@ -22,18 +21,9 @@ void Add32(Buffer& bytes, std::uint32_t number) {
   Add16(bytes, number);
 }
 
-bool IsBlackAndWhite(const Pixels& image) {
-  constexpr Color kBlack = GrayOf(0);
-  constexpr Color kWhite = GrayOf(255);
-  if (image.depth != 1) return false;
-  const Color first = ColorOf(image.palette[0]);
-  const Color second = ColorOf(image.palette[1]);
-  return (first == kBlack && second == kWhite) || (first == kWhite && second == kBlack);
-}
-
 PsdMode ModeFor(const Pixels& image) {
   if (image.depth > 8) return PsdMode::kRgb;
-  if (IsBlackAndWhite(image)) return PsdMode::kBitmap;
+  if (image.depth == 1 && (HasGrayRamp(image) || HasGrayRamp(image, true))) return PsdMode::kBitmap;
   return BytesAreTones(image) ? PsdMode::kGray : PsdMode::kIndexed;
 }
 
@@ -94,41 +84,24 @@ Buffer StartOf(const LockedDib& image, PsdMode mode, unsigned channels) {
   return bytes;
 }
 
-// Gives the samples of one channel, a stored row at a time.
-class Samples {
- public:
-  Samples(const Pixels& image, PsdMode mode)
-      : image_(image),
-        mode_(mode),
-        row_(static_cast<std::size_t>(image.width)),
-        colors_(row_.size()) {
-    if (mode == PsdMode::kBitmap) row_.resize(image.rowBytes());
+// The samples of one channel in a stored row.
+Buffer SamplesOf(const Pixels& image, PsdMode mode, std::size_t channel, int y) {
+  Buffer samples(static_cast<std::size_t>(image.width));
+  if (mode == PsdMode::kRgb) {
+    std::vector<Color> colors(samples.size());
+    ReadColors(image, y, colors.data());
+    constexpr std::array kTones{&Color::red, &Color::green, &Color::blue};
+    std::ranges::transform(colors, samples.begin(), kTones[channel]);
+  } else if (mode == PsdMode::kBitmap) {
+    samples.resize(image.rowBytes());
+    const std::uint8_t flip = image.palette[0].rgbRed == 0 ? 0xFF : 0;
+    std::transform(image.row(y), image.row(y) + samples.size(), samples.begin(),
+                   [=](std::uint8_t bits) { return static_cast<std::uint8_t>(bits ^ flip); });
+  } else {
+    ReadIndexes(image, y, samples.data());
   }
-
-  std::span<const std::uint8_t> of(int channel, int y) {
-    if (mode_ == PsdMode::kRgb) {
-      ReadColors(image_, y, colors_.data());
-      constexpr std::array<std::uint8_t Color::*, 3> kTones{&Color::red, &Color::green,
-                                                            &Color::blue};
-      std::uint8_t Color::*const tone = kTones[static_cast<std::size_t>(channel)];
-      std::transform(colors_.begin(), colors_.end(), row_.begin(),
-                     [=](const Color& color) { return color.*tone; });
-    } else if (mode_ == PsdMode::kBitmap) {
-      const std::uint8_t flip = image_.palette[0].rgbRed == 0 ? 0xFF : 0;
-      std::transform(image_.row(y), image_.row(y) + row_.size(), row_.begin(),
-                     [=](std::uint8_t bits) { return static_cast<std::uint8_t>(bits ^ flip); });
-    } else {
-      ReadIndexes(image_, y, row_.data());
-    }
-    return row_;
-  }
-
- private:
-  const Pixels& image_;
-  PsdMode mode_;
-  Buffer row_;
-  std::vector<Color> colors_;
-};
+  return samples;
+}
 
 void Write(std::FILE* file, const Buffer& bytes) {
   Require(std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size(), kModuleWriteFailed);
@@ -140,12 +113,12 @@ void WritePicture(std::FILE* file, const Pixels& image, PsdMode mode, int channe
   Progress progress(static_cast<std::uint64_t>(rows), report);
   const long tableAt = std::ftell(file);
   Write(file, Buffer(2 * static_cast<std::size_t>(rows)));
-  Samples samples(image, mode);
   Buffer counts;
   Buffer runs;
   for (int i = 0; i < rows; ++i) {
     runs.clear();
-    PackRuns(samples.of(i / image.height, image.height - 1 - i % image.height), runs);
+    const auto channel = static_cast<std::size_t>(i / image.height);
+    PackRuns(SamplesOf(image, mode, channel, image.height - 1 - i % image.height), runs);
     Add16(counts, static_cast<unsigned>(runs.size()));
     Write(file, runs);
     Require(progress.report(static_cast<std::uint64_t>(i) + 1), kModuleAborted);

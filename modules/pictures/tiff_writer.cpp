@@ -5,7 +5,6 @@
 #include "common/color.h"
 #include "common/color_rows.h"
 #include "pictures/codecs.h"
-#include "pictures/pixel_kinds.h"
 #include "pictures/tiff_page.h"
 
 namespace modules {
@@ -23,17 +22,10 @@ struct Form {
   std::uint32_t rowsPerStrip;
 };
 
-bool IsBlack(const RGBQUAD& entry) {
-  return entry.rgbRed == 0 && entry.rgbGreen == 0 && entry.rgbBlue == 0;
-}
-bool IsWhite(const RGBQUAD& entry) {
-  return entry.rgbRed == 255 && entry.rgbGreen == 255 && entry.rgbBlue == 255;
-}
-
 std::uint16_t PhotometricOf(const Pixels& image) {
   if (image.palette == nullptr) return PHOTOMETRIC_RGB;
   if (HasGrayRamp(image)) return PHOTOMETRIC_MINISBLACK;
-  const bool isInverse = image.depth == 1 && IsWhite(image.palette[0]) && IsBlack(image.palette[1]);
+  const bool isInverse = image.depth == 1 && HasGrayRamp(image, true);
   return isInverse ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_PALETTE;
 }
 
