@@ -12,7 +12,7 @@
 #include <string_view>
 
 #include "binding/module_contract.h"
-#include "pdflib/picture_files.h"
+#include "pdflib/picture_coding.h"
 #include "pdflib/spool.h"
 
 namespace modules {

@@ -5,20 +5,6 @@ namespace {
 
 using Object = QPDFObjectHandle;
 
-class SpooledData : public Object::StreamDataProvider {
- public:
-  SpooledData(std::shared_ptr<Spool> spool, const Spool::Range& range)
-      : spool_(std::move(spool)), range_(range) {}
-  void provideStreamData(const QPDFObjGen& /*object*/, Pipeline* pipeline) override {
-    spool_->copy(range_, *pipeline);
-    pipeline->finish();
-  }
-
- private:
-  std::shared_ptr<Spool> spool_;
-  Spool::Range range_;
-};
-
 Object PaletteOf(const Picture& picture) {
   std::string colors;
   for (const RGBQUAD& entry : picture.palette) {
@@ -35,14 +21,9 @@ Object PaletteOf(const Picture& picture) {
 
 Object ColorSpaceOf(const CodedPicture& coded) {
   if (!coded.picture.palette.empty()) return PaletteOf(coded.picture);
-  switch (coded.components) {
-    case 1:
-      return Object::newName("/DeviceGray");
-    case 3:
-      return Object::newName("/DeviceRGB");
-    default:
-      return Object::newName("/DeviceCMYK");
-  }
+  return Object::newName(coded.components == 1   ? "/DeviceGray"
+                         : coded.components == 3 ? "/DeviceRGB"
+                                                 : "/DeviceCMYK");
 }
 
 const char* FilterOf(Coding coding) {
@@ -59,33 +40,20 @@ const char* FilterOf(Coding coding) {
 
 // What the reader has to know to undo the coding.
 Object ParametersOf(const CodedPicture& coded) {
-  const Picture& picture = coded.picture;
-  Object parameters = Object::newDictionary();
+  const std::string columns = " /Columns " + std::to_string(coded.picture.width);
   switch (coded.coding) {
-    case Coding::kFlate:
-    case Coding::kJpeg:
-      return Object::newNull();
-    case Coding::kFlateDifferences: {
-      constexpr int kHorizontalDifferences = 2;
-      parameters.replaceKey("/Predictor", Object::newInteger(kHorizontalDifferences));
-      parameters.replaceKey("/Colors", Object::newInteger(coded.components));
-      parameters.replaceKey("/Columns", Object::newInteger(picture.width));
-      break;
-    }
-    case Coding::kFax: {
-      constexpr int kGroup4 = -1;
-      parameters.replaceKey("/K", Object::newInteger(kGroup4));
-      parameters.replaceKey("/Columns", Object::newInteger(picture.width));
-      parameters.replaceKey("/Rows", Object::newInteger(picture.height));
-      // The bits come out as they were in the file; which of them is black, /Decode tells.
-      parameters.replaceKey("/BlackIs1", Object::newBool(true));
-      break;
-    }
+    case Coding::kFlateDifferences:
+      return Object::parse("<< /Predictor 2 /Colors " + std::to_string(coded.components) + columns +
+                           " >>");
+    case Coding::kFax:
+      // Group 4. The bits come out as they were in the file; which of them is black, /Decode tells.
+      return Object::parse("<< /K -1 /BlackIs1 true /Rows " + std::to_string(coded.picture.height) +
+                           columns + " >>");
     case Coding::kJpegOfRgb:
-      parameters.replaceKey("/ColorTransform", Object::newInteger(0));
-      break;
+      return Object::parse("<< /ColorTransform 0 >>");
+    default:
+      return Object::newNull();
   }
-  return parameters;
 }
 
 }  // namespace
@@ -94,22 +62,21 @@ QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
                                  const std::shared_ptr<Spool>& spool) {
   const Picture& picture = coded.picture;
   Object image = Object::newStream(&pdf);
-  image.replaceStreamData(std::make_shared<SpooledData>(spool, coded.data),
-                          Object::newName(FilterOf(coded.coding)), ParametersOf(coded));
-  Object dictionary = image.getDict();
-  dictionary.replaceKey("/Type", Object::newName("/XObject"));
-  dictionary.replaceKey("/Subtype", Object::newName("/Image"));
-  dictionary.replaceKey("/Width", Object::newInteger(picture.width));
-  dictionary.replaceKey("/Height", Object::newInteger(picture.height));
-  dictionary.replaceKey("/BitsPerComponent", Object::newInteger(picture.bits));
-  dictionary.replaceKey("/ColorSpace", ColorSpaceOf(coded));
+  image.replaceDict(Object::parse("<< /Type /XObject /Subtype /Image /Width " +
+                                  std::to_string(picture.width) + " /Height " +
+                                  std::to_string(picture.height) + " /BitsPerComponent " +
+                                  std::to_string(picture.bits) + " >>"));
+  image.replaceStreamData(
+      [spool, range = coded.data](Pipeline* pipeline) {
+        spool->copy(range, *pipeline);
+        pipeline->finish();
+      },
+      Object::newName(FilterOf(coded.coding)), ParametersOf(coded));
+  image.getDict().replaceKey("/ColorSpace", ColorSpaceOf(coded));
   if (picture.reversed) {
-    std::vector<Object> ranges;
-    for (int i = 0; i < coded.components; ++i) {
-      ranges.push_back(Object::newInteger(1));
-      ranges.push_back(Object::newInteger(0));
-    }
-    dictionary.replaceKey("/Decode", Object::newArray(ranges));
+    std::string ranges;
+    for (int i = 0; i < coded.components; ++i) ranges += " 1 0";
+    image.getDict().replaceKey("/Decode", Object::parse("[" + ranges + " ]"));
   }
   return image;
 }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <qpdf/Pl_Flate.hh>
+#include <qpdf/Pl_Function.hh>
+
+#include "pictures/codecs.h"
 
 namespace modules {
 namespace {
@@ -24,7 +27,9 @@ void TakeDifferences(std::vector<std::uint8_t>& row, std::size_t components) {
 
 Spool::Range Deflate(DocumentRows& rows, bool differences, Spool& spool) {
   const std::uint64_t start = spool.size();
-  SpoolPipe pipe(spool);
+  Pl_Function pipe("spool", nullptr, [&](const unsigned char* bytes, std::size_t count) {
+    spool.append(bytes, count);
+  });
   Pl_Flate deflate("deflate", &pipe, Pl_Flate::a_deflate);
   for (int y = 0; y < rows.height(); ++y) {
     std::vector<std::uint8_t>& row = rows.next();
@@ -33,17 +38,6 @@ Spool::Range Deflate(DocumentRows& rows, bool differences, Spool& spool) {
   }
   deflate.finish();
   return spool.rangeSince(start);
-}
-
-Coding CodingOf(const CodedStretch& stretch) {
-  switch (stretch.coding) {
-    case CodedStretch::Coding::kFax:
-      return Coding::kFax;
-    case CodedStretch::Coding::kJpegOfRgb:
-      return Coding::kJpegOfRgb;
-    default:
-      return Coding::kJpeg;
-  }
 }
 
 }  // namespace
@@ -71,6 +65,8 @@ void DocumentRows::convert() {
   row_.resize(static_cast<std::size_t>(out - row_.data()));
 }
 
+namespace {
+
 // What is passed through is decoded all the same: damage is met here and not in the document.
 CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& spool) {
   reader.start();
@@ -80,7 +76,7 @@ CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& 
   if (const auto stretch = reader.codedStretch()) {
     Require(stretch->bytes > 0, kFileFormatDamaged);
     for (int y = 0; y < rows.height(); ++y) (void)rows.next();
-    coded.coding = CodingOf(*stretch);
+    coded.coding = stretch->coding;
     coded.data = spool.take(path, stretch->start, stretch->bytes);
   } else if (picture.bits == 1) {
     coded.coding = Coding::kFax;
@@ -92,6 +88,31 @@ CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& 
   }
   Require(reader.isWhole(), kFileFormatDamaged);
   return coded;
+}
+
+struct Type {
+  std::string_view name;
+  ReaderHandle (*open)(const char* path, Report report);
+  bool hasPages = false;
+};
+constexpr Type kTypes[] = {
+    {"jpeg", OpenJpeg}, {"png", OpenPng}, {"tiff", OpenTiff, true}, {"gif", OpenGif}};
+
+}  // namespace
+
+std::optional<CodedPicture> PictureFiles::take(std::string_view type, const std::string& path,
+                                               int page, Spool& spool) {
+  const auto* const kind = std::ranges::find(kTypes, type, &Type::name);
+  Require(kind != std::end(kTypes), kFileFormatNotRead);
+  Require(!kind->hasPages || page >= 1, kModuleBadParameter);
+  if (!reader_ || !hasPages_ || !kind->hasPages || path != path_) {
+    reader_.reset();
+    path_ = path;
+    hasPages_ = kind->hasPages;
+    reader_ = kind->open(path_.c_str(), nullptr);
+  }
+  if (!reader_->goTo(kind->hasPages ? page : 1)) return std::nullopt;
+  return CodePicture(*reader_, path_, spool);
 }
 
 }  // namespace modules

@@ -1,21 +1,15 @@
-// Pictures coded as a document holds them.
+// Pictures out of files, coded as a document holds them.
 #ifndef MODULES_PDFLIB_PICTURE_CODING_H
 #define MODULES_PDFLIB_PICTURE_CODING_H
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "pdflib/spool.h"
 #include "pictures/picture.h"
 
 namespace modules {
-
-enum class Coding {
-  kFlate,
-  kFlateDifferences,  // each component as the difference from its left neighbour
-  kFax,               // group 4; coded black is bit 1
-  kJpeg,
-  kJpegOfRgb,  // the components are red, green and blue themselves
-};
 
 struct CodedPicture {
   Picture picture;  // as it was in the file
@@ -24,9 +18,22 @@ struct CodedPicture {
   Spool::Range data = {};
 };
 
-// Takes the page at which a reader stands. Data that documents can hold as they are go into the
-// spool from the file at path; all else is coded without loss, 1 bit in group 4, the rest deflated.
-CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& spool);
+// Keeps the file of the last picture open: pages are taken one after the other as a rule, and going
+// on from one to the next is cheap.
+class PictureFiles {
+ public:
+  // Takes a picture out of a file of a type: "jpeg", "tiff", "png" or "gif". page counts from 1 and
+  // is for TIFF. Nothing when the TIFF file has fewer pages. Throws when the type is another or the
+  // file cannot be read. Data that documents can hold as they are go into the spool from the file;
+  // all else is coded without loss, 1 bit in group 4, the rest deflated.
+  std::optional<CodedPicture> take(std::string_view type, const std::string& path, int page,
+                                   Spool& spool);
+
+ private:
+  ReaderHandle reader_;
+  std::string path_;
+  bool hasPages_ = false;
+};
 
 // Gives rows as a document has them: components lie red first, values of 16 bits high byte first.
 // A page is white and printers need no transparency: transparent pictures are laid on white here.

@@ -42,19 +42,6 @@ class Spool {
   std::uint64_t size_ = 0;
 };
 
-// Appends what is written through it.
-class SpoolPipe : public Pipeline {
- public:
-  explicit SpoolPipe(Spool& spool) : Pipeline("spool", nullptr), spool_(spool) {}
-  void write(const unsigned char* data, std::size_t length) override {
-    spool_.append(data, length);
-  }
-  void finish() override {}
-
- private:
-  Spool& spool_;
-};
-
 }  // namespace modules
 
 #endif  // MODULES_PDFLIB_SPOOL_H

@@ -29,22 +29,23 @@ std::int32_t Signed32(const std::uint8_t* bytes) {
 
 // The measures; compression and resolution where the header goes that far, its rest being zero.
 void ReadMeasures(const HeaderBytes& bytes, std::uint32_t size, BmpHeader& header) {
+  Picture& picture = header.picture;
+  picture.bottomUp = true;
   if (size == kCoreHeaderBytes) {
-    header.width = Little16(&bytes[4]);
-    header.height = Little16(&bytes[6]);
+    picture.width = Little16(&bytes[4]);
+    picture.height = Little16(&bytes[6]);
     header.depth = Little16(&bytes[10]);
-    Require(header.width > 0 && header.height > 0, kFileFormatDamaged);
-    return;
+    return Require(picture.width > 0 && picture.height > 0, kFileFormatDamaged);
   }
-  header.width = Signed32(&bytes[4]);
+  picture.width = Signed32(&bytes[4]);
   const std::int32_t height = Signed32(&bytes[8]);
-  Require(header.width > 0 && height != 0 && height != INT_MIN, kFileFormatDamaged);
-  header.topDown = height < 0;
-  header.height = std::abs(height);
+  Require(picture.width > 0 && height != 0 && height != INT_MIN, kFileFormatDamaged);
+  picture.bottomUp = height > 0;
+  picture.height = std::abs(height);
   header.depth = Little16(&bytes[14]);
   header.compression = Little32(&bytes[16]);
-  header.xPixelsPerMetre = std::max(Signed32(&bytes[24]), 0);
-  header.yPixelsPerMetre = std::max(Signed32(&bytes[28]), 0);
+  picture.xPixelsPerMetre = std::max(Signed32(&bytes[24]), 0);
+  picture.yPixelsPerMetre = std::max(Signed32(&bytes[28]), 0);
 }
 
 // Whether rows of this depth may be coded this way.
@@ -56,9 +57,9 @@ void CheckCoding(const BmpHeader& header) {
           depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32,
           kModuleDepthNotSupported);
     case BI_RLE8:
-      return Require(depth == 8 && !header.topDown, kFileFormatDamaged);
+      return Require(depth == 8 && header.picture.bottomUp, kFileFormatDamaged);
     case BI_RLE4:
-      return Require(depth == 4 && !header.topDown, kFileFormatDamaged);
+      return Require(depth == 4 && header.picture.bottomUp, kFileFormatDamaged);
     case BI_BITFIELDS:
       return Require(depth == 16 || depth == 32, kFileFormatDamaged);
     default:
@@ -119,11 +120,11 @@ void ReadPalette(std::FILE* file, std::uint32_t claimed, std::size_t entryBytes,
     count =
         static_cast<std::uint32_t>(std::min<std::uint64_t>(count, (pixelOffset - at) / entryBytes));
   }
-  header.palette.resize(full);
+  header.picture.palette.resize(full);
   std::array<std::uint8_t, 4> entry{};
   for (std::uint32_t i = 0; i < count; ++i) {
     Read(file, entry.data(), entryBytes);
-    header.palette[i] = RGBQUAD{entry[0], entry[1], entry[2], 0};
+    header.picture.palette[i] = RGBQUAD{entry[0], entry[1], entry[2], 0};
   }
 }
 
@@ -157,6 +158,7 @@ BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes) {
     if (hasMasks) header.compression = BI_BITFIELDS;
   }
   CheckCoding(header);
+  header.picture.setDepth(header.depth);
 
   header.pixelOffset = Little32(&fileHeader[10]);
   if (header.depth <= 8) {

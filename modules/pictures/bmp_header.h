@@ -30,16 +30,11 @@ struct BmpChannel {
 };
 
 struct BmpHeader {
-  int width = 0;
-  int height = 0;
+  Picture picture;  // its palette has all that the depth has; black where the file has no entry
   int depth = 0;
-  std::int32_t xPixelsPerMetre = 0;
-  std::int32_t yPixelsPerMetre = 0;
   std::uint32_t compression = BI_RGB;  // BI_RGB, BI_RLE8, BI_RLE4 or BI_BITFIELDS
-  bool topDown = false;                // the top line of the picture comes first
   std::uint64_t pixelOffset = 0;       // bytes from the start of the file
   std::uint64_t pixelBytes = 0;        // bytes of the file from there on
-  std::vector<RGBQUAD> palette;        // all that the depth has; black where the file has no entry
   BmpChannel red, green, blue, alpha;  // 16 and 32 bits
 
   // Whether pixels of 16 and 32 bits lie in the file just as an image in memory has them.

@@ -17,20 +17,9 @@ class BmpReader : public PictureReader {
     if (page != 1) return false;
     file_ = OpenToRead(path_);
     header_ = ReadBmpHeader(file_.get(), FileSize(path_));
-    picture_.width = header_.width;
-    picture_.height = header_.height;
-    picture_.xPixelsPerMetre = header_.xPixelsPerMetre;
-    picture_.yPixelsPerMetre = header_.yPixelsPerMetre;
-    picture_.palette = header_.palette;
-    picture_.bottomUp = !header_.topDown;
+    picture_ = header_.picture;
     picture_.format = kFormatBmp;
     if (header_.hasRuns()) picture_.compression = "RLE";
-    if (header_.depth <= 8) {
-      picture_.bits = header_.depth;
-    } else {
-      picture_.samples = header_.depth == 32 ? 4 : 3;
-      picture_.bits = header_.depth == 16 ? 5 : 8;
-    }
     return true;
   }
 
@@ -38,7 +27,7 @@ class BmpReader : public PictureReader {
     checkLength();
     Require(std::fseek(file_.get(), static_cast<long>(header_.pixelOffset), SEEK_SET) == 0,
             kModuleReadFailed);
-    expectSteps(static_cast<std::uint64_t>(header_.height));
+    expectSteps(static_cast<std::uint64_t>(picture_.height));
     if (!header_.hasRuns()) return;
     data_.resize(static_cast<std::size_t>(header_.pixelBytes));
     Require(std::fread(data_.data(), 1, data_.size(), file_.get()) == data_.size(),
@@ -60,7 +49,7 @@ class BmpReader : public PictureReader {
   // Whether the file is long enough for what it claims.
   void checkLength() {
     constexpr std::uint64_t kMostRunRatio = 1024;
-    const auto layout = orvo::DibLayoutFor(header_.width, header_.height, header_.depth);
+    const auto layout = orvo::DibLayoutFor(picture_.width, picture_.height, header_.depth);
     Require(layout.has_value(), kFileFormatDamaged);
     const std::uint64_t needed = layout->totalBytes - layout->pixelOffset;
     Require(header_.hasRuns() ? IsPlausible(needed, header_.pixelBytes, kMostRunRatio)
@@ -71,7 +60,7 @@ class BmpReader : public PictureReader {
 
   // Turns pixels of unusual channels into plain ones, in place.
   void makePlain(std::uint8_t* row) const {
-    for (int x = 0; x < header_.width; ++x) {
+    for (int x = 0; x < picture_.width; ++x) {
       if (header_.depth == 16) {
         const std::uint32_t pixel = Little16(row);
         const std::uint16_t plain = With555(

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "common/pixel_formats.h"
 #include "pictures/bmp_header.h"
 
 namespace modules {
@@ -14,9 +15,9 @@ constexpr int kJump = 2;
 // What no run paints stays 0.
 void BmpRuns::readRow(std::uint8_t* row) {
   const int pixelsInByte = 8 / header_.depth;
-  std::fill_n(row, (header_.width + pixelsInByte - 1) / pixelsInByte, std::uint8_t{0});
-  const bool isLast = next_ == header_.height - 1;
-  while (y_ == next_ && !(isLast && x_ >= header_.width && data_.size() < 2)) step(row);
+  std::fill_n(row, (header_.picture.width + pixelsInByte - 1) / pixelsInByte, std::uint8_t{0});
+  const bool isLast = next_ == header_.picture.height - 1;
+  while (y_ == next_ && !(isLast && x_ >= header_.picture.width && data_.size() < 2)) step(row);
   // Nothing but the end mark may follow, and some writers leave that out.
   while (isLast && !ended_ && data_.size() >= 2) step(row);
   ++next_;
@@ -35,7 +36,7 @@ void BmpRuns::step(std::uint8_t* row) {
   if (count > 0) return paint(row, count, value);
   switch (value) {
     case kEndOfPicture:
-      y_ = header_.height;
+      y_ = header_.picture.height;
       ended_ = true;
       return;
     case kEndOfRow:
@@ -52,18 +53,15 @@ void BmpRuns::step(std::uint8_t* row) {
 void BmpRuns::jump() {
   x_ += take();
   y_ += take();
-  Require(x_ <= header_.width && y_ <= header_.height, kFileFormatDamaged);
+  Require(x_ <= header_.picture.width && y_ <= header_.picture.height, kFileFormatDamaged);
 }
 
 // Pixels beyond the end of a row are dropped, as the run may fill up a byte.
 void BmpRuns::put(std::uint8_t* row, int value) {
-  if (x_ >= header_.width) return;
-  if (header_.depth == 8) {
-    row[x_] = static_cast<std::uint8_t>(value);
-  } else {
-    const int shift = x_ % 2 == 0 ? 4 : 0;
-    row[x_ / 2] = static_cast<std::uint8_t>((row[x_ / 2] & ~(15 << shift)) | value << shift);
-  }
+  if (x_ >= header_.picture.width) return;
+  const auto at = static_cast<std::size_t>(x_);
+  const auto index = static_cast<std::uint8_t>(value);
+  header_.depth == 8 ? Format8::write(row, at, index) : Format4::write(row, at, index);
   ++x_;
 }
 
@@ -74,7 +72,7 @@ int BmpRuns::valueAt(int byte, int position) const {
 }
 
 void BmpRuns::paint(std::uint8_t* row, int count, int value) {
-  Require(y_ < header_.height, kFileFormatDamaged);
+  Require(y_ < header_.picture.height, kFileFormatDamaged);
   for (int i = 0; i < count; ++i) put(row, valueAt(value, i));
 }
 
@@ -82,7 +80,7 @@ void BmpRuns::paint(std::uint8_t* row, int count, int value) {
 void BmpRuns::paintLiterally(std::uint8_t* row, int count) {
   const auto bytes = static_cast<std::size_t>(header_.depth == 8 ? count : (count + 1) / 2);
   Require(data_.size() >= bytes, kModuleReadFailed);
-  Require(y_ < header_.height, kFileFormatDamaged);
+  Require(y_ < header_.picture.height, kFileFormatDamaged);
   for (int i = 0; i < count; ++i) {
     const int byte = data_[static_cast<std::size_t>(header_.depth == 8 ? i : i / 2)];
     put(row, valueAt(byte, i));

@@ -52,14 +52,8 @@ bool IsTga(Head head);
 bool IsRas(Head head);
 bool IsWpg(Head head);
 bool IsWmf(Head head);
-ReaderHandle OpenPcx(const char* path, Report report);
-ReaderHandle OpenDcx(const char* path, Report report);
-ReaderHandle OpenTga(const char* path, Report report);
-ReaderHandle OpenRas(const char* path, Report report);
-ReaderHandle OpenPct(const char* path, Report report);
-ReaderHandle OpenPcd(const char* path, Report report);
-ReaderHandle OpenWpg(const char* path, Report report);
-ReaderHandle OpenWmf(const char* path, Report report);
+struct MagickKind;
+ReaderHandle OpenRare(const MagickKind& kind, const char* path, Report report);
 void SaveRare(const SaveRequest& request, const LockedDib& image);
 
 }  // namespace modules

@@ -1,7 +1,5 @@
 #include "pictures/exif.h"
 
-#include "pictures/picture.h"
-
 namespace modules {
 namespace {
 
@@ -9,8 +7,8 @@ constexpr unsigned kTagOrientation = 0x0112;
 constexpr unsigned kTagXResolution = 0x011A;
 constexpr unsigned kTagYResolution = 0x011B;
 constexpr unsigned kTagResolutionUnit = 0x0128;
+constexpr unsigned kUnitNone = 1;
 constexpr unsigned kUnitInch = 2;
-constexpr unsigned kUnitCentimetre = 3;
 
 // Numbers in the block's own byte order; what lies beyond its end reads as 0.
 class Numbers {
@@ -41,12 +39,11 @@ class Numbers {
 
 }  // namespace
 
-Exif ReadExif(std::span<const std::uint8_t> block) {
+void ReadExif(std::span<const std::uint8_t> block, Picture& picture) {
   constexpr unsigned kMark = 42;
   constexpr std::size_t kEntryBytes = 12;
   const Numbers numbers(block);
-  Exif exif;
-  if (numbers.at16(2) != kMark) return exif;
+  if (numbers.at16(2) != kMark) return;
 
   const std::size_t directory = numbers.at32(4);
   const unsigned entries = numbers.at16(directory);
@@ -58,7 +55,7 @@ Exif ReadExif(std::span<const std::uint8_t> block) {
     const std::size_t value = entry + 8;
     switch (numbers.at16(entry)) {
       case kTagOrientation:
-        exif.orientation = OrientationOf(numbers.at16(value));
+        picture.orientation = OrientationOf(numbers.at16(value));
         break;
       case kTagXResolution:
         x = numbers.fractionAt(numbers.at32(value));
@@ -73,12 +70,7 @@ Exif ReadExif(std::span<const std::uint8_t> block) {
         break;
     }
   }
-  if (unit == kUnitInch || unit == kUnitCentimetre) {
-    const double metres = unit == kUnitInch ? orvo::kMetresPerInch : 0.01;
-    exif.xPixelsPerMetre = PixelsPerMetreOf(x, metres);
-    exif.yPixelsPerMetre = PixelsPerMetreOf(y, metres);
-  }
-  return exif;
+  if (unit != kUnitNone) picture.setResolution(x, y, unit);
 }
 
 }  // namespace modules

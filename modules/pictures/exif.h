@@ -2,22 +2,15 @@
 #ifndef MODULES_PICTURES_EXIF_H
 #define MODULES_PICTURES_EXIF_H
 
-#include <cstdint>
 #include <span>
 
-#include "pictures/orientation.h"
+#include "pictures/picture.h"
 
 namespace modules {
 
-struct Exif {
-  int orientation = kUpright;
-  std::int32_t xPixelsPerMetre = 0;
-  std::int32_t yPixelsPerMetre = 0;
-};
-
-// Reads a block of tags that begins with its byte order ("II" or "MM"). Tags that are damaged keep
-// their defaults.
-Exif ReadExif(std::span<const std::uint8_t> block);
+// Takes orientation and resolution from a block of tags that begins with its byte order ("II" or
+// "MM"). Tags that are damaged change nothing.
+void ReadExif(std::span<const std::uint8_t> block, Picture& picture);
 
 }  // namespace modules
 

@@ -5,12 +5,22 @@
 #if defined(ORVO_HAVE_JPEG)
 #include "pictures/jpeg_session.h"
 #endif
+#if defined(ORVO_HAVE_MAGICK)
+#include "pictures/magick_kinds.h"
+#endif
 #if defined(ORVO_HAVE_PNG)
 #include <png.h>
 #endif
 
 namespace modules {
 namespace {
+
+#if defined(ORVO_HAVE_MAGICK)
+template <const MagickKind& kind>
+ReaderHandle Open(const char* path, Report report) {
+  return OpenRare(kind, path, report);
+}
+#endif
 
 // Kinds with a mark of their own come before those that are told by the extension.
 constexpr Format kFormats[] = {
@@ -27,14 +37,14 @@ constexpr Format kFormats[] = {
     {"PSD", kFormatPsd, "psd", OpenPsd, SavePsd, IsPsd},
     {"BMP", kFormatBmp, "bmp jff", OpenBmp, SaveBmp, IsBmp},
 #if defined(ORVO_HAVE_MAGICK)
-    {"PCX", kFormatPcx, "pcx", OpenPcx, SaveRare, IsPcx},
-    {"DCX", kFormatPcx, "dcx", OpenDcx, nullptr, IsDcx},
-    {"Sun raster", kFormatRas, "ras", OpenRas, SaveRare, IsRas},
-    {"WordPerfect graphics", kFormatWpg, "wpg", OpenWpg, nullptr, IsWpg},
-    {"Windows metafile", kFormatWmf, "wmf", OpenWmf, nullptr, IsWmf},
-    {"TGA", kFormatTga, "tga", OpenTga, SaveRare, IsTga, true},
-    {"PICT", kFormatPct, "pct pict", OpenPct, SaveRare, nullptr, true},
-    {"Photo CD", kFormatPcd, "pcd", OpenPcd, nullptr, nullptr, true},
+    {"PCX", kFormatPcx, "pcx", Open<kPcxKind>, SaveRare, IsPcx},
+    {"DCX", kFormatPcx, "dcx", Open<kDcxKind>, nullptr, IsDcx},
+    {"Sun raster", kFormatRas, "ras", Open<kRasKind>, SaveRare, IsRas},
+    {"WordPerfect graphics", kFormatWpg, "wpg", Open<kWpgKind>, nullptr, IsWpg},
+    {"Windows metafile", kFormatWmf, "wmf", Open<kWmfKind>, nullptr, IsWmf},
+    {"TGA", kFormatTga, "tga", Open<kTgaKind>, SaveRare, IsTga, true},
+    {"PICT", kFormatPct, "pct pict", Open<kPctKind>, SaveRare, nullptr, true},
+    {"Photo CD", kFormatPcd, "pcd", Open<kPcdKind>, nullptr, nullptr, true},
     {"EPS", kFormatEps, "eps", nullptr, SaveRare},
 #endif
 };

@@ -6,6 +6,7 @@
 #include <bit>
 #include <span>
 
+#include "common/pixel_formats.h"
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
 
@@ -50,15 +51,14 @@ class GifReader : public PictureReader {
 
   void readRow(std::uint8_t* row) override {
     const std::uint8_t* const from = rowAt(nextRow_++);
-    const auto bits = static_cast<unsigned>(picture_.bits);
     const auto last = static_cast<unsigned>(picture_.palette.size()) - 1;
     std::fill_n(row, picture_.rowBytes(), std::uint8_t{0});
-    for (unsigned x = 0; x < static_cast<unsigned>(picture_.width); ++x) {
-      // Some files hold indexes that their palette lacks.
-      const unsigned index = std::min<unsigned>(from[x], last);
-      const unsigned shift = 8 - bits - x * bits % 8;
-      row[x * bits / 8] = static_cast<std::uint8_t>(row[x * bits / 8] | index << shift);
-    }
+    WithIndexFormat(picture_.bits, [&](auto format) {
+      for (std::size_t x = 0; x < static_cast<std::size_t>(picture_.width); ++x) {
+        // Some files hold indexes that their palette lacks.
+        format.write(row, x, static_cast<std::uint8_t>(std::min<unsigned>(from[x], last)));
+      }
+    });
     endStep();
   }
 

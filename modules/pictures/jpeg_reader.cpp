@@ -62,7 +62,6 @@ class JpegReader : public PictureReader {
 
   // Arithmetic coding is outside of what documents may hold.
   [[nodiscard]] std::optional<CodedStretch> codedStretch() const override {
-    using Coding = CodedStretch::Coding;
     if (codec_.arith_code != 0) return std::nullopt;
     return CodedStretch{
         .coding = codec_.jpeg_color_space == JCS_RGB ? Coding::kJpegOfRgb : Coding::kJpeg,
@@ -100,34 +99,20 @@ class JpegReader : public PictureReader {
     picture_.samples = picture_.hasInks ? 4 : codec_.out_color_space == JCS_GRAYSCALE ? 1 : 3;
     // Files with the Adobe mark hold the paper left white, plain ones the ink.
     picture_.reversed = picture_.hasInks && codec_.saw_Adobe_marker != 0;
-    const Exif exif = exifTags();
-    picture_.orientation = exif.orientation;
-    picture_.xPixelsPerMetre = exif.xPixelsPerMetre;
-    picture_.yPixelsPerMetre = exif.yPixelsPerMetre;
-    if (codec_.saw_JFIF_marker != 0) takeDensity();
+    takeExif();
+    if (codec_.saw_JFIF_marker == 0) return;
+    // The units of tags, but counted from 0.
+    picture_.setResolution(codec_.X_density, codec_.Y_density, codec_.density_unit + 1U);
   }
 
-  void takeDensity() {
-    enum : UINT8 { kNoUnit = 0, kInch = 1, kCentimetre = 2 };
-    if (codec_.density_unit == kNoUnit) {
-      picture_.xDensity = codec_.X_density;
-      picture_.yDensity = codec_.Y_density;
-    } else if (codec_.density_unit == kInch || codec_.density_unit == kCentimetre) {
-      const double metres = codec_.density_unit == kInch ? orvo::kMetresPerInch : 0.01;
-      picture_.xPixelsPerMetre = PixelsPerMetreOf(codec_.X_density, metres);
-      picture_.yPixelsPerMetre = PixelsPerMetreOf(codec_.Y_density, metres);
-    }
-  }
-
-  [[nodiscard]] Exif exifTags() const {
+  void takeExif() {
     constexpr std::uint8_t kName[] = {'E', 'x', 'i', 'f', 0, 0};
     for (auto marker = codec_.marker_list; marker != nullptr; marker = marker->next) {
       const std::span<const std::uint8_t> data(marker->data, marker->data_length);
       if (data.size() > sizeof kName && std::equal(kName, kName + sizeof kName, data.begin())) {
-        return ReadExif(data.subspan(sizeof kName));
+        return ReadExif(data.subspan(sizeof kName), picture_);
       }
     }
-    return {};
   }
 
   FileHandle file_;

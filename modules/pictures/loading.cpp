@@ -33,42 +33,24 @@ void FillPalette(const Picture& picture, const Pixels& image) {
 // Spreads 2-bit values over 4-bit ones, in place: an even number of bytes for every four values
 // begun. Tones become every fifth of the 16 grays.
 void WidenTwoBits(std::uint8_t* row, int count, bool areTones) {
-  const int factor = areTones ? 5 : 1;
-  // From the last byte to the first: written bytes never lie before those still to be read.
-  for (int i = (count + 3) / 4 - 1; i >= 0; --i) {
-    const int four = row[i];
-    const auto pair = [=](int shift) {
-      return static_cast<std::uint8_t>((four >> (shift + 2) & 3) * factor << 4 |
-                                       (four >> shift & 3) * factor);
-    };
-    const std::uint8_t first = pair(4);
-    row[2 * i + 1] = pair(0);
-    row[2 * i] = first;
+  const unsigned factor = areTones ? 5 : 1;
+  // From the last to the first: what is written never lies before what is still to be read.
+  for (std::size_t x = static_cast<std::size_t>(count + 3) / 4 * 4; x-- > 0;) {
+    Format4::write(row, x, static_cast<std::uint8_t>(Format2::read(row, x) * factor));
   }
 }
 
 // Indexes as the colours and the alpha of their palette.
-template <class Format>
 void SpreadIndexes(const Picture& picture, const std::uint8_t* indexes, std::uint8_t* row) {
   constexpr RGBQUAD kBeyondPalette{0, 0, 0, 255};
-  for (std::size_t x = 0; x < static_cast<std::size_t>(picture.width); ++x) {
-    const std::size_t index = Format::read(indexes, x);
-    const RGBQUAD& entry = index < picture.palette.size() ? picture.palette[index] : kBeyondPalette;
-    std::memcpy(row + 4 * x, &entry, sizeof entry);
-  }
-}
-
-void SpreadIndexes(const Picture& picture, const std::uint8_t* indexes, std::uint8_t* row) {
-  switch (picture.bits) {
-    case 1:
-      return SpreadIndexes<PackedFormat<1>>(picture, indexes, row);
-    case 2:
-      return SpreadIndexes<PackedFormat<2>>(picture, indexes, row);
-    case 4:
-      return SpreadIndexes<PackedFormat<4>>(picture, indexes, row);
-    default:
-      return SpreadIndexes<Format8>(picture, indexes, row);
-  }
+  WithIndexFormat(picture.bits, [&](auto format) {
+    for (std::size_t x = 0; x < static_cast<std::size_t>(picture.width); ++x) {
+      const std::size_t index = format.read(indexes, x);
+      const bool isKnown = index < picture.palette.size();
+      const RGBQUAD& entry = isKnown ? picture.palette[index] : kBeyondPalette;
+      std::memcpy(row + 4 * x, &entry, sizeof entry);
+    }
+  });
 }
 
 void MixInks(const Picture& picture, const std::uint8_t* inks, std::uint8_t* row) {

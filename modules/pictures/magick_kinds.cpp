@@ -37,7 +37,7 @@ bool HasMark(Bytes file, std::size_t offset, std::initializer_list<std::uint8_t>
   return file.size() > offset && StartsWith(file.subspan(offset), mark);
 }
 
-// --- PCX, and DCX, which strings up to 1023 of them together -------------------------------------
+// --- PCX, and DCX, which strings up to 1023 of them together
 
 int PcxDepth(Bytes file) {
   const int bits = ByteAt(file, 3);
@@ -69,7 +69,6 @@ FileResolution DcxResolution(Bytes file, int page) {
 }
 
 // --- TGA and Sun raster
-// ---------------------------------------------------------------------------
 
 int TgaDepth(Bytes file) {
   const int bits = ByteAt(file, 16);
@@ -81,7 +80,6 @@ int RasDepth(Bytes file) {
 }
 
 // --- PICT and Photo CD: the mark lies beyond the first bytes
-// --------------------------------------
 
 // 512 bytes that programs fill as they like come first, then 10 of size and frame.
 bool IsSoundPct(Bytes file) {

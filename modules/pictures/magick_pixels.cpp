@@ -82,30 +82,29 @@ std::vector<RGBQUAD> PaletteOf(const Image& image) {
   return palette;
 }
 
-void MagickLines::copy(long line, std::uint8_t* row) {
+void CopyLine(const Image& image, long line, int depth, std::uint8_t* row) {
   MagickReport report;
-  const PixelPacket* const pixels =
-      AcquireImagePixels(&image_, 0, line, image_.columns, 1, report.get());
-  const IndexPacket* const packets = AccessImmutableIndexes(&image_);
-  Require(pixels != nullptr && (depth_ > 8 || packets != nullptr), kModuleNoMemory);
-  const Pixels target{
-      .width = static_cast<int>(image_.columns), .height = 1, .depth = depth_, .bits = row};
-  if (depth_ <= 8) {
-    const auto last = static_cast<IndexPacket>((1 << depth_) - 1);
-    std::transform(packets, packets + indexes_.size(), indexes_.begin(), [=](IndexPacket index) {
+  const std::size_t width = image.columns;
+  const PixelPacket* const pixels = AcquireImagePixels(&image, 0, line, width, 1, report.get());
+  const IndexPacket* const packets = AccessImmutableIndexes(&image);
+  Require(pixels != nullptr && (depth > 8 || packets != nullptr), kModuleNoMemory);
+  const Pixels target{.width = static_cast<int>(width), .height = 1, .depth = depth, .bits = row};
+  if (depth <= 8) {
+    std::vector<std::uint8_t> indexes(width);
+    const auto last = static_cast<IndexPacket>((1 << depth) - 1);
+    std::transform(packets, packets + width, indexes.begin(), [=](IndexPacket index) {
       return static_cast<std::uint8_t>(std::min(index, last));
     });
-    return WriteIndexes(target, 0, indexes_.data());
+    return WriteIndexes(target, 0, indexes.data());
   }
-  const bool matte = image_.matte != 0;
-  const bool keepsAlpha = depth_ == 32;
-  const auto color = matte && !keepsAlpha ? ColorOverWhite : PlainColor;
-  std::transform(pixels, pixels + colors_.size(), colors_.begin(), color);
-  WriteColors(target, 0, colors_.data());
+  const bool matte = image.matte != 0;
+  const bool keepsAlpha = depth == 32;
+  std::vector<Color> colors(width);
+  std::transform(pixels, pixels + width, colors.begin(),
+                 matte && !keepsAlpha ? ColorOverWhite : PlainColor);
+  WriteColors(target, 0, colors.data());
   if (!keepsAlpha || !matte) return;
-  for (std::size_t x = 0; x < colors_.size(); ++x) {
-    row[4 * x + 3] = ToneOf(kMost - pixels[x].opacity);
-  }
+  for (std::size_t x = 0; x < width; ++x) row[4 * x + 3] = ToneOf(kMost - pixels[x].opacity);
 }
 
 void CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress) {

@@ -18,18 +18,7 @@ std::vector<RGBQUAD> PaletteOf(const Image& image);
 
 // Copies the line of an image to a bitmap's row. To 32 bits the fourth byte is the opacity;
 // otherwise transparent parts show white. Depths to 8 ask for FitsPalette.
-class MagickLines {
- public:
-  MagickLines(const Image& image, int depth)
-      : image_(image), depth_(depth), colors_(image.columns), indexes_(image.columns) {}
-  void copy(long line, std::uint8_t* row);
-
- private:
-  const Image& image_;
-  int depth_;
-  std::vector<Color> colors_;
-  std::vector<std::uint8_t> indexes_;
-};
+void CopyLine(const Image& image, long line, int depth, std::uint8_t* row);
 
 // Gives an image that has no pixels yet those of a DIB: with a palette for depths to 8; with
 // opacity for 32 bits when withAlpha.

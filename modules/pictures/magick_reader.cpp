@@ -37,11 +37,10 @@ class MagickReader : public PictureReader {
   void start() override {
     images_ = DecodeMagick(*info_, bytes_, &progress_);
     describe();
-    lines_.emplace(image(), picture_.depth());
   }
 
   void readRow(std::uint8_t* row) override {
-    lines_->copy(next_++, row);
+    CopyLine(image(), next_++, picture_.depth(), row);
     Require(progress_.reportRows(static_cast<int>(next_), picture_.height), kModuleAborted);
   }
 
@@ -77,14 +76,8 @@ class MagickReader : public PictureReader {
       picture_.xPixelsPerMetre = orvo::PixelsPerMetre(resolution.x);
       picture_.yPixelsPerMetre = orvo::PixelsPerMetre(resolution.y);
     }
-    const int bits = depth();
-    if (bits <= 8) {
-      picture_.bits = bits;
-      picture_.palette = PaletteOf(image());
-    } else {
-      picture_.samples = bits == 32 ? 4 : 3;
-      picture_.bits = bits == 16 ? 5 : 8;
-    }
+    picture_.setDepth(depth());
+    if (picture_.samples == 1) picture_.palette = PaletteOf(image());
   }
 
   const MagickKind& kind_;
@@ -93,35 +86,13 @@ class MagickReader : public PictureReader {
   MagickImageInfo info_;
   MagickImage images_;
   int page_ = 1;
-  std::optional<MagickLines> lines_;
   long next_ = 0;
 };
 
 }  // namespace
 
-ReaderHandle OpenPcx(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kPcxKind, path, report);
-}
-ReaderHandle OpenDcx(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kDcxKind, path, report);
-}
-ReaderHandle OpenTga(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kTgaKind, path, report);
-}
-ReaderHandle OpenRas(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kRasKind, path, report);
-}
-ReaderHandle OpenPct(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kPctKind, path, report);
-}
-ReaderHandle OpenPcd(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kPcdKind, path, report);
-}
-ReaderHandle OpenWpg(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kWpgKind, path, report);
-}
-ReaderHandle OpenWmf(const char* path, Report report) {
-  return std::make_unique<MagickReader>(kWmfKind, path, report);
+ReaderHandle OpenRare(const MagickKind& kind, const char* path, Report report) {
+  return std::make_unique<MagickReader>(kind, path, report);
 }
 
 }  // namespace modules

@@ -17,6 +17,22 @@ int Picture::depth() const {
   return hasInks ? 24 : 32;
 }
 
+void Picture::setDepth(int depth) {
+  samples = depth <= 8 ? 1 : depth == 32 ? 4 : 3;
+  bits = depth == 16 ? 5 : std::min(depth, 8);
+}
+
+void Picture::setResolution(double x, double y, unsigned unit) {
+  if (unit == 1) {
+    xDensity = x;
+    yDensity = y;
+  } else if (unit == 2 || unit == 3) {
+    const double metres = unit == 2 ? orvo::kMetresPerInch : 0.01;
+    xPixelsPerMetre = PixelsPerMetreOf(x, metres);
+    yPixelsPerMetre = PixelsPerMetreOf(y, metres);
+  }
+}
+
 std::int32_t PixelsPerMetreOf(double dots, double metres) {
   const double value = std::round(dots / metres);
   return value > 0 && value <= orvo::kMostResolution ? static_cast<std::int32_t>(value) : 0;

@@ -41,15 +41,23 @@ struct Picture {
   [[nodiscard]] std::size_t rowBytes() const;
   // Of a bitmap that takes the picture.
   [[nodiscard]] int depth() const;
+  // The samples and bits of a plain bitmap's pixels.
+  void setDepth(int depth);
+  // Units as tags count them: 1 none, 2 an inch, 3 a centimetre; others tell nothing.
+  void setResolution(double x, double y, unsigned unit);
+};
+
+// How documents hold pictures.
+enum class Coding : std::uint8_t {
+  kFlate,
+  kFlateDifferences,  // each component as the difference from its left neighbour
+  kFax,               // group 4, highest bit first; coded black is bit 1
+  kJpeg,
+  kJpegOfRgb,  // the components are red, green and blue themselves
 };
 
 // A stretch of the file that documents can hold as it is.
 struct CodedStretch {
-  enum class Coding : std::uint8_t {
-    kJpeg,
-    kJpegOfRgb,  // the components are red, green and blue themselves
-    kFax,        // group 4, highest bit first
-  };
   Coding coding{};
   std::uint64_t start = 0;  // in bytes, as is the length
   std::uint64_t bytes = 0;

@@ -81,7 +81,9 @@ class PngReader : public PictureReader {
     png_uint_32 exifBytes = 0;
     png_bytep exif = nullptr;
     if (png_get_eXIf_1(png_, info_, &exifBytes, &exif) != 0) {
-      picture_.orientation = ReadExif({exif, exifBytes}).orientation;
+      Picture tags;
+      ReadExif({exif, exifBytes}, tags);
+      picture_.orientation = tags.orientation;
     }
   }
 

@@ -118,9 +118,10 @@ class PsdReader : public PictureReader {
     channelStarts_.resize(static_cast<std::size_t>(used));
     picture_.width = static_cast<int>(width);
     picture_.height = static_cast<int>(height);
-    picture_.samples = used == 1 ? 1 : 3;
+    picture_.samples = used;
+    picture_.hasInks = used == 4;
     picture_.bits = std::min(8, bits_);
-    picture_.reversed = mode_ == PsdMode::kBitmap;
+    picture_.reversed = mode_ == PsdMode::kBitmap || picture_.hasInks;
   }
 
   void readPalette() {
@@ -164,10 +165,9 @@ class PsdReader : public PictureReader {
     constexpr double kFixedOne = 65536;
     std::array<std::uint8_t, kPsdResolutionBytes> resolution{};
     if (!tryRead(resolution)) return false;
-    picture_.xPixelsPerMetre =
-        PixelsPerMetreOf(Big32(resolution.data()) / kFixedOne, orvo::kMetresPerInch);
-    picture_.yPixelsPerMetre =
-        PixelsPerMetreOf(Big32(&resolution[8]) / kFixedOne, orvo::kMetresPerInch);
+    constexpr unsigned kInch = 2;
+    picture_.setResolution(Big32(resolution.data()) / kFixedOne, Big32(&resolution[8]) / kFixedOne,
+                           kInch);
     return true;
   }
 
@@ -202,18 +202,16 @@ class PsdReader : public PictureReader {
     Require(UnpackRuns(runs_, samples_), kFileFormatDamaged);
   }
 
-  // Red, green and blue fill a pixel from its end; cyan, magenta and yellow, 255 where there is no
-  // ink, are their tones before black darkens all three.
+  // Red, green and blue fill a pixel from its end, inks from its start.
   void storeChannel(std::size_t channel, std::uint8_t* row) const {
-    const auto width = static_cast<std::size_t>(picture_.width);
-    if (picture_.samples == 1) {
+    const auto step = static_cast<std::size_t>(picture_.samples);
+    if (step == 1) {
       std::copy_n(samples_.begin(), picture_.rowBytes(), row);
-    } else if (channel < 3) {
-      for (std::size_t x = 0; x < width; ++x) row[3 * x + 2 - channel] = samples_[x];
-    } else {
-      for (std::size_t i = 0; i < 3 * width; ++i) {
-        row[i] = static_cast<std::uint8_t>((row[i] * samples_[i / 3] + 127) / 255);
-      }
+      return;
+    }
+    const std::size_t place = picture_.hasInks ? channel : step - 1 - channel;
+    for (std::size_t x = 0; x < static_cast<std::size_t>(picture_.width); ++x) {
+      row[step * x + place] = samples_[x];
     }
   }
 

@@ -34,17 +34,22 @@ void TiffBands::measure() {
   const tmsize_t bytes = tiled_ ? TIFFTileSize(tiff_) : TIFFStripSize(tiff_);
   const tmsize_t rowBytes = tiled_ ? TIFFTileRowSize(tiff_) : TIFFScanlineSize(tiff_);
   Require(bytes > 0 && rowBytes > 0 && partWidth_ > 0 && partHeight_ > 0, kFileFormatDamaged);
+  if (byLibrary_) {
+    tiled_ = false;
+    partWidth_ = width_;
+    partRowBytes_ = std::size_t{width_} * sizeof(std::uint32_t);
+    partBytes_ = partRowBytes_ * partHeight_;
+    parts_ = 1;
+    return;
+  }
   partBytes_ = static_cast<std::size_t>(bytes);
   partRowBytes_ = static_cast<std::size_t>(rowBytes);
   parts_ = (width_ - 1) / partWidth_ + 1;
 }
 
 void TiffBands::checkSize(std::uint64_t fileBytes) const {
-  const std::uint64_t bandBytes = byLibrary_
-                                      ? std::uint64_t{width_} * partHeight_ * sizeof(std::uint32_t)
-                                      : std::uint64_t{partBytes_} * planes_ * parts_;
+  const std::uint64_t bandBytes = std::uint64_t{partBytes_} * planes_ * parts_;
   Require(IsPlausible(bandBytes, fileBytes, page_.mostRatio), kFileFormatDamaged);
-  if (byLibrary_) return;
   // Rows must be as long as their samples: the library has its own idea for subsampled colours.
   const std::uint64_t samples =
       std::uint64_t{partWidth_} * static_cast<std::uint64_t>(page_.planar ? 1 : page_.samples);
@@ -62,8 +67,7 @@ void TiffBands::readRow(std::uint8_t* row) {
     bandRows_ = std::min(partHeight_, height_ - bandTop_);
     byLibrary_ ? readBandByLibrary() : readBand();
   }
-  const std::uint32_t inBand = next_++ - bandTop_;
-  byLibrary_ ? storeRasterRow(inBand, row) : storeRow(inBand, row);
+  storeRow(next_++ - bandTop_, row);
 }
 
 void TiffBands::readBand() {
@@ -101,7 +105,7 @@ void TiffBands::storeRow(std::uint32_t y, std::uint8_t* row) {
 
 // The library's own conversion, for colours that are told apart nowhere else.
 void TiffBands::readBandByLibrary() {
-  raster_.resize(std::size_t{width_} * bandRows_);
+  band_.resize(partBytes_);
   std::array<char, 1024> message{};
   TIFFRGBAImage conversion{};
   constexpr int kStopAtErrors = 1;
@@ -110,19 +114,10 @@ void TiffBands::readBandByLibrary() {
   // Rows as stored, top first: the picture is turned upright later, as all are.
   conversion.orientation = conversion.req_orientation = ORIENTATION_TOPLEFT;
   conversion.row_offset = static_cast<int>(bandTop_);
-  const int read = TIFFRGBAImageGet(&conversion, raster_.data(), width_, bandRows_);
+  const int read = TIFFRGBAImageGet(&conversion, reinterpret_cast<std::uint32_t*>(band_.data()),
+                                    width_, bandRows_);
   TIFFRGBAImageEnd(&conversion);
   Require(read != 0, kModuleReadFailed);
-}
-
-// The alpha is left out.
-void TiffBands::storeRasterRow(std::uint32_t y, std::uint8_t* row) const {
-  const std::uint32_t* from = raster_.data() + std::size_t{y} * width_;
-  for (std::uint32_t x = 0; x < width_; ++x, ++from) {
-    *row++ = static_cast<std::uint8_t>(TIFFGetB(*from));
-    *row++ = static_cast<std::uint8_t>(TIFFGetG(*from));
-    *row++ = static_cast<std::uint8_t>(TIFFGetR(*from));
-  }
 }
 
 }  // namespace modules

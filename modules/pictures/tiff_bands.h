@@ -21,7 +21,6 @@ class TiffBands {
   void readBandByLibrary();
   void decode(std::uint32_t left, std::uint8_t* target);
   void storeRow(std::uint32_t y, std::uint8_t* row);
-  void storeRasterRow(std::uint32_t y, std::uint8_t* row) const;
 
   TIFF* tiff_;
   const TiffPage& page_;
@@ -30,11 +29,10 @@ class TiffBands {
   std::uint32_t height_;
   bool byLibrary_;
 
-  std::uint32_t next_ = 0;             // row of the page that readRow gives
-  std::uint32_t bandTop_ = 0;          // first row of the band at hand
-  std::uint32_t bandRows_ = 0;         // rows at hand
-  std::vector<std::uint8_t> band_;     // its decoded parts from left to right, each with all planes
-  std::vector<std::uint32_t> raster_;  // in place of the parts: pixels of the library's own making
+  std::uint32_t next_ = 0;          // row of the page that readRow gives
+  std::uint32_t bandTop_ = 0;       // first row of the band at hand
+  std::uint32_t bandRows_ = 0;      // rows at hand
+  std::vector<std::uint8_t> band_;  // its decoded parts from left to right, each with all planes
 
   bool tiled_ = false;
   std::uint32_t partWidth_ = 0;

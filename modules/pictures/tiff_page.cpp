@@ -33,16 +33,7 @@ void ReadResolution(TIFF* tiff, Picture& picture) {
   float tagY = 0;
   (void)TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &tagX);
   (void)TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &tagY);
-  const auto x = static_cast<double>(tagX);
-  const auto y = static_cast<double>(tagY);
-  if (unit == RESUNIT_NONE) {
-    picture.xDensity = x;
-    picture.yDensity = y;
-  } else if (unit == RESUNIT_INCH || unit == RESUNIT_CENTIMETER) {
-    const double metres = unit == RESUNIT_INCH ? orvo::kMetresPerInch : 0.01;
-    picture.xPixelsPerMetre = PixelsPerMetreOf(x, metres);
-    picture.yPixelsPerMetre = PixelsPerMetreOf(y, metres);
-  }
+  picture.setResolution(static_cast<double>(tagX), static_cast<double>(tagY), unit);
 }
 
 // Which sample behind the colours is transparency: the first, when the tag says so.
@@ -206,6 +197,11 @@ TiffPage ReadTiffPage(TIFF* tiff) {
   Require(page.kind == TiffPage::Kind::kByLibrary ||
               (page.bits >= 1 && page.bits <= kMostBits && page.samples >= 1 && isPlainNumber),
           kModuleDepthNotSupported);
+  if (page.kind == TiffPage::Kind::kByLibrary) {
+    page.bits = 8;
+    page.samples = 4;
+    page.planar = false;
+  }
   DescribeRows(page);
   return page;
 }

@@ -30,7 +30,7 @@ struct TiffPage {
     kRgb,  // more samples left out
     kRgba,
     kCmyk,
-    kByLibrary,  // anything else: the library's own conversion
+    kByLibrary,  // anything else: the library's own conversion, to red, green, blue and alpha
   };
 
   Picture picture;  // palette left out

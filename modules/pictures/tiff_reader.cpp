@@ -75,7 +75,7 @@ class TiffReader : public PictureReader {
         order != FILLORDER_MSB2LSB || (options & kUncompressedMode) != 0) {
       return std::nullopt;
     }
-    return CodedStretch{.coding = CodedStretch::Coding::kFax,
+    return CodedStretch{.coding = Coding::kFax,
                         .start = TIFFGetStrileOffset(tiff, 0),
                         .bytes = TIFFGetStrileByteCount(tiff, 0)};
   }
