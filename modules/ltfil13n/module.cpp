@@ -80,6 +80,7 @@ void Load(const char* path, int bits, struct_LEAD_Bitmap& bitmap) {
     modules::LoadFile(path, bitmap);
   }
   const StatusShare share(kLoadShare, 100 - kLoadShare);
+  if (bits == bitmap.bitsPerPixel) Require(KernelReportStatus(100), kModuleAborted);
   modules::BringToDepth(bitmap, bits);
 }
 

@@ -70,13 +70,16 @@ LTFILEINFO DescribeFile(const char* path, int page) {
   return info;
 }
 
-void BringToDepth(struct_LEAD_Bitmap& bitmap, int bits) {
-  if (bits == 0 || bits == bitmap.bitsPerPixel) return;
-  const unsigned flags = kColorResOptimisedPalette | KernelDefaultDithering()
-                                                         << kColorResDitheringShift;
+void ChangeDepth(struct_LEAD_Bitmap& bitmap, int bits, unsigned flags) {
   const int code =
       L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr, nullptr);
   Require(code == kModuleSuccess, code);
+}
+
+void BringToDepth(struct_LEAD_Bitmap& bitmap, int bits) {
+  if (bits == 0 || bits == bitmap.bitsPerPixel) return;
+  ChangeDepth(bitmap, bits,
+              kColorResOptimisedPalette | KernelDefaultDithering() << kColorResDitheringShift);
 }
 
 }  // namespace modules

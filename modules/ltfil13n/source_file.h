@@ -25,8 +25,9 @@ void LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame = 
 // Describes a page, counted from 1.
 LTFILEINFO DescribeFile(const char* path, int page);
 
-// Brings a bitmap to a depth; 0 and its own depth leave it alone. On failure the bitmap is as it
-// was.
+// Change a bitmap's depth, by the flags of L_ColorResBitmap or as files do: 0 and its own depth
+// then leave it alone. On failure the bitmap is as it was.
+void ChangeDepth(struct_LEAD_Bitmap& bitmap, int bits, unsigned flags);
 void BringToDepth(struct_LEAD_Bitmap& bitmap, int bits);
 
 }  // namespace modules

@@ -36,19 +36,8 @@ void Load(const char* path, Size frame, struct_LEAD_Bitmap& bitmap) {
   LoadFile(path, bitmap, &least);
 }
 
-Color BackgroundOf(const LTTHUMBNAILOPTIONS& options) {
-  const auto color = static_cast<unsigned>(options.backgroundColor);  // red in the lowest byte
-  return {static_cast<std::uint8_t>(color >> 16), static_cast<std::uint8_t>(color >> 8),
-          static_cast<std::uint8_t>(color)};
-}
-
 void Check(int code) {
   Require(code == kModuleSuccess, code);
-}
-
-void ChangeDepth(struct_LEAD_Bitmap& bitmap, int bits, unsigned flags) {
-  Check(
-      L_ColorResBitmap(&bitmap, &bitmap, bits, flags, nullptr, nullptr, nullptr, nullptr, nullptr));
 }
 
 // Brings the image to tones or colours, which can be averaged and show the background.
@@ -108,7 +97,7 @@ void MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options,
   Require(frame.width > 0 && frame.height > 0, kModuleBadParameter);
   Load(path, frame, bitmap);
   const StatusShare share(kLoadShare, 100 - kLoadShare);
-  const Color background = BackgroundOf(options);
+  const Color background = ColorOfReference(static_cast<unsigned>(options.backgroundColor));
   const int bits = options.bitsPerPixel != 0 ? options.bitsPerPixel : bitmap.bitsPerPixel;
   const Size size = options.keepAspect != 0 ? Fitted({bitmap.width, bitmap.height}, frame) : frame;
   ToWorkingDepth(bitmap, background);
