@@ -1,5 +1,5 @@
 // The life of an instance, and the operations that modules carry out, called by their places.
-#include "pairs.h"
+#include "toolkit_test.h"
 
 namespace table {
 namespace {
@@ -73,79 +73,6 @@ TEST_F(Slots, TheVersionIsToldEvenWithoutTheModule) {
   }
 }
 
-TEST_F(Slots, OwnersReleaseWhatTheyHoldAndNothingElse) {
-  orvo::OwnedInstance own;
-  EXPECT_TRUE(own && own.get() != nullptr);
-  OwnedDib photo = Face();
-  void* const block = photo.get();
-  OwnedDib made;
-  EXPECT_FALSE(made);
-  EXPECT_EQ(own->Invert(photo.get(), made.receive(photo), nullptr), ORVO_OK);
-  EXPECT_TRUE(made && made.get() != block);
-  // A failure leaves the source in the result.
-  EXPECT_EQ(own->SharpnessAdjust(photo.get(), made.receive(photo), 99), ORVO_ERR_OUT_OF_RANGE);
-  made.reset();
-  EXPECT_TRUE(IsAlive(block));
-  EXPECT_EQ(own->Invert(photo.get(), photo.receive(photo), nullptr), ORVO_OK);
-  EXPECT_FALSE(IsAlive(block));
-  void* const kept = photo.get();
-  made = std::move(photo);
-  OwnedDib last(std::move(made));
-  EXPECT_TRUE(last.get() == kept && !made && !photo && IsAlive(kept));
-  last.reset(kept);
-  EXPECT_TRUE(IsAlive(kept));
-  EXPECT_EQ(*last.address(), kept);
-  GlobalFree(last.release());
-  EXPECT_FALSE(last);
-}
-
-TEST_F(Slots, ModuleOperationsInBothForms) {
-  for (const Pair& pair : ModulePairs()) {
-    for (const int variant : {0, 1, 2, 3}) {
-      SCOPED_TRACE(pair.name);
-      state.newHandles = variant % 2 == 0;
-      const StatusCallback before = variant / 2 == 0 ? nullptr : &Earlier;
-      OwnedDib image = Face();
-      const OwnedDib original = pictures::CopyOf(image.get());
-      const OwnedDib old = pictures::Noise(7, 5, 24, 1);
-      const auto expectLog = [&](const std::string& in, const Log& back) {
-        Log expected{in, pair.entry + "(131x129x24" + pair.arguments};
-        if (pair.watched()) expected.insert(expected.begin() + 1, "L_SetStatusCallBack(watch, 0)");
-        if (pair.watched() && before) expected.emplace_back("L_SetStatusCallBack(earlier, 0)");
-        EXPECT_EQ(log(), expected + back);
-        EXPECT_EQ(install(before), pair.watched() && !before ? &Watch : before);
-        EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
-        EXPECT_EQ(heard.empty() ? -1 : heard.back(), pair.watched() ? 100 : -1);
-        heard.clear();
-      };
-      install(before);
-      DibHandle made = old.get();
-      ASSERT_EQ(Perform(toolkit.get(), pair, image.address(), &made, pair.number, &Watch), ORVO_OK);
-      const OwnedDib result(made);
-      const std::string size = "(" + Measures(made);
-      expectLog("L_ConvertFromDIB(0x0x0, *, *)",
-                pair.stamps() ? Log{"L_ConvertToDIB" + size + ")", "L_FreeBitmap" + size + ")"}
-                              : Log{"L_ChangeToDIB" + size + ")"});
-      EXPECT_EQ(IsAlive(old.get()), pair.stamps());
-      EXPECT_EQ(Difference(original.get(), image.get()), "");
-      EXPECT_NE(Difference(original.get(), made), "");
-      EXPECT_TRUE(!pair.is("Rotate") || Locked(made).layout().width > 170) << "it grows";
-      const BITMAPINFOHEADER& header = *Locked(made).header();
-      EXPECT_EQ(header.biXPelsPerMeter, orvo::PixelsPerMetre(pair.stamps() ? 150 : 300));
-      EXPECT_EQ(header.biYPelsPerMeter, orvo::PixelsPerMetre(pair.stamps() ? 100 : 200));
-
-      void* const given = image.get();
-      ASSERT_EQ(Perform(toolkit.get(), pair, image.address(), nullptr, pair.number, &Watch),
-                ORVO_OK);
-      const std::string back =
-          pair.is("Trim") ? "L_ChangeToDIB2" + size + ", 0)" : "L_ChangeToDIB" + size + ")";
-      expectLog("L_ChangeFromDIB(0x0x0, *)", {back});
-      EXPECT_TRUE(!state.newHandles || !IsAlive(given));
-      EXPECT_EQ(Difference(made, image.get()), "");
-    }
-  }
-}
-
 TEST_F(Slots, SizesFollowTheResolution) {
   // Dots per inch stored across and down, and wanted; what is asked of the module for 7 x 5 pixels.
   using Row = std::tuple<int, int, int, int, std::string>;
@@ -165,6 +92,36 @@ TEST_F(Slots, SizesFollowTheResolution) {
                          Log{"L_ChangeToDIB(7x5x24)"});
     EXPECT_EQ(Difference(original.get(), photo.get()), "");
   }
+}
+
+TEST_F(Slots, ModuleCodesBecomeTheToolkits) {
+  const std::map<int, std::vector<int>> rows = {{1, {0}},
+                                                {2, {-1, -3}},
+                                                {8, {-2, -27}},
+                                                {10, {-4, -5, -6, -7}},
+                                                {11, {-10}},
+                                                {12, {-14}},
+                                                {13, {-8}},
+                                                {14, {-9, -11, -12, -15}},
+                                                {15, {-13, -16, -23}},
+                                                {16, {-100, 2}},
+                                                {17, {3, -17, -22, -28, -99, -101}}};
+  OwnedDib image = pictures::Noise(4, 4, 24, 1);
+  for (const auto& [code, module] : rows) {
+    for (const int answered : module) {
+      state.answers["L_InvertBitmap"] = {static_cast<double>(answered)};
+      EXPECT_EQ(toolkit->InvertInPlace(image.address(), nullptr), code) << answered;
+    }
+  }
+  std::string known;
+  std::set<std::string> texts;
+  for (int code = -1; code < 30; ++code) {
+    if (std::string(OrvoResultName(code)) != "unknown") known += std::to_string(code) + " ";
+    texts.insert(std::string(OrvoResultName(code)) + OrvoResultText(code));
+  }
+  EXPECT_EQ(known, "0 1 2 4 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 ");
+  EXPECT_EQ(texts.size(), 20U) << "each code's own, and one for all others";
+  EXPECT_STREQ(OrvoResultName(4), "ORVO_ERR_BAD_DEPTH");
 }
 
 TEST_F(Slots, DitheringModeGoesIntoTheFlagsOfDepthConversion) {

@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <concepts>
 #include <memory>
+#include <ranges>
+#include <sstream>
 #include <utility>
 
 #include <orvo/orvo.h>
@@ -39,6 +42,30 @@ inline int Earlier(int /*percent*/, void* /*userData*/) {
 inline bool IsAlive(DibHandle handle) {
   return GlobalSize(handle) != 0;
 }
+
+// Results folded into one number, in the order in which they come: codes, texts, bytes of images.
+class Sum {
+ public:
+  Sum& operator<<(std::integral auto number) {
+    value_ = (value_ ^ static_cast<std::uint64_t>(number)) * 0x100000001B3U;
+    return *this;
+  }
+  Sum& operator<<(const std::ranges::sized_range auto& items) {
+    for (const auto& item : items) *this << item;
+    return *this << std::ranges::size(items);
+  }
+  Sum& operator<<(DibHandle image) {
+    return image == nullptr ? *this << 0 : *this << pictures::BytesOf(image);
+  }
+  [[nodiscard]] std::string hex() const {
+    std::ostringstream text;
+    text << std::hex << (value_ >> 32);
+    return text.str();
+  }
+
+ private:
+  std::uint64_t value_ = 0xCBF29CE484222325U;
+};
 
 // Calls an entry as any language would: the table's function pointer at that place.
 template <class... Arguments>
