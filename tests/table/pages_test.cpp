@@ -9,7 +9,12 @@
 namespace table {
 namespace {
 
-using Items = std::vector<std::vector<int>>;  // left, top, right, bottom
+using Sides = std::vector<int>;  // left, top, right, bottom
+using Items = std::vector<Sides>;
+
+Sides SidesOf(const auto& r) {
+  return {r.left, r.top, r.right, r.bottom};
+}
 
 // White, with boxes of a tone given in pixels from the top left.
 OwnedDib Page(int width, int height, const Items& boxes, int depth = 24, int tone = 0x40) {
@@ -43,22 +48,7 @@ OwnedDib TiltedPage(int degrees) {
   return page;
 }
 
-class Pages : public ToolkitTest {
- protected:
-  Items find(DibHandle page, int reach = 25, int level = 250) {
-    RegionRecord* list = nullptr;
-    int count = -1;
-    EXPECT_EQ(CallSlot(toolkit.get(), 54, page, &list, &count, reach, level), ORVO_OK);
-    EXPECT_EQ(list != nullptr, count > 0);
-    Items items;
-    for (int k = 0; k < count; ++k) {
-      items.push_back({list[k].left, list[k].top, list[k].right, list[k].bottom});
-      for (const std::uint8_t byte : list[k].reserved) EXPECT_EQ(byte, 0);
-    }
-    GlobalFree(list);
-    return items;
-  }
-};
+class Pages : public ToolkitTest {};
 
 // 300 x 300 pixels make a scale of 2.5, a reach of 10 and a seed step of 2 mask pixels from 25 and
 // 5, so items count from 11 mask pixels on.
@@ -68,36 +58,37 @@ TEST_F(Pages, ItemsComeInSourcePixelsFromTheTop) {
                        {275, 25, 290, 275},
                        {10, 275, 290, 290},
                        {120, 120, 180, 180}};
-  const Items near = {{50, 100, 100, 150}, {123, 100, 175, 150}};  // nine mask pixels between
   const Items apart = {{50, 100, 100, 150}, {125, 100, 175, 150}};
-  const Items two = {{50, 10, 100, 60}, {200, 190, 250, 290}};
   constexpr int kMost = std::numeric_limits<int>::max();
-  struct Row {
-    Items boxes, expected;
-    int width = 300, height = 300, reach = 25, level = 250;
-  };
-  const Row rows[] = {{{}, {}},
-                      {two, two},
-                      {{{0, 0, 301, 333}}, {{0, 0, 301, 331}}, 301, 333},
-                      {{{0, 0, 7, 1}}, {}, 7, 1},
-                      {{{50, 100, 75, 200}}, {}},
-                      {frame, {{10, 10, 290, 290}}},
-                      {near, {{50, 100, 175, 150}}},
-                      {apart, apart},
-                      {apart, {{50, 100, 175, 150}}, 300, 300, 28},
-                      {apart, apart, 300, 300, 0},
-                      {apart, apart, 300, 300, -kMost - 1},
-                      {apart, apart, 300, 300, kMost},
-                      {apart, {}, 300, 300, 25, 0x40},
-                      {apart, apart, 300, 300, 25, 0x41},
-                      {apart, {{0, 0, 300, 300}}, 300, 300, 25, 256}};
-  for (const Row& row : rows) {
-    for (const int depth : {8, 24, 32}) {
-      EXPECT_EQ(find(Page(row.width, row.height, row.boxes, depth).get(), row.reach, row.level),
-                row.expected)
-          << testing::PrintToString(row.boxes) << row.reach << ", " << row.level;
+  Sum sum;
+  for (const Items& boxes : {Items{}, Items{{50, 10, 100, 60}, {200, 190, 250, 290}},
+                             Items{{0, 0, 301, 333}}, Items{{50, 100, 75, 200}}, frame,
+                             Items{{50, 100, 100, 150}, {123, 100, 175, 150}}, apart}) {
+    for (const auto& [reach, level] : std::initializer_list<std::array<int, 2>>{{25, 250},
+                                                                                {28, 250},
+                                                                                {0, 250},
+                                                                                {-kMost - 1, 250},
+                                                                                {kMost, 250},
+                                                                                {25, 0x40},
+                                                                                {25, 0x41},
+                                                                                {25, 256}}) {
+      for (const int depth : {8, 24, 32}) {
+        const bool large = boxes.size() == 1;
+        const OwnedDib page = Page(large ? 301 : 300, large ? 333 : 300, boxes, depth);
+        RegionRecord* list = nullptr;
+        int count = -1;
+        sum << CallSlot(toolkit.get(), 54, page.get(), &list, &count, reach, level) << count;
+        EXPECT_EQ(list != nullptr, count > 0);
+        if (boxes == apart && reach == 0) {
+          EXPECT_EQ(SidesOf(list[0]), apart[0]);
+          EXPECT_EQ(SidesOf(list[1]), apart[1]);
+        }
+        for (int k = 0; k < count; ++k) sum << SidesOf(list[k]) << list[k].reserved;
+        GlobalFree(list);
+      }
     }
   }
+  EXPECT_EQ(sum.hex(), "b2b208d4");
 }
 
 TEST_F(Pages, NothingFoundLeavesTheListAlone) {
@@ -193,78 +184,50 @@ TEST_F(Pages, DeskewAlwaysSucceeds) {
 
 // --- Auto-trim -----------------------------------------------------------------------------------
 
-using Sides = std::vector<int>;
-Sides SidesOf(const RECT& r) {
-  return {r.left, r.top, r.right, r.bottom};
-}
-
 // A block of a tone in columns 30..59 and stored rows 20..49.
 OwnedDib Scan(int depth, int tone) {
   return Page(100, 80, {{30, 30, 60, 60}}, depth, tone);
 }
 
-TEST_F(Pages, ContentIsWhatIsDarkForThreePixelsInEachInchOfSeventyTwoDots) {
+// What is dark for three pixels in each inch of seventy-two dots counts. Of the thresholds, the
+// highest that finds something is searched.
+TEST_F(Pages, ContentIsMeasuredAndTheThresholdSearched) {
   COrvoCS own;
-  // The block's tone, threshold, pixels per metre; how far the sides lie from it, nothing if below.
-  const std::array<int, 4> rows[] = {{0, 255, 0, 0},      {24, 255, 11811, 12}, {25, 255, 2833, 0},
-                                     {26, 255, 2834, -1}, {26, 229, 2834, 3},   {27, 229, 2834, -1},
-                                     {230, 0, 8501, 6},   {230, 25, 8502, 9},   {231, 0, 2834, -1},
-                                     {155, 100, 2834, 3}, {156, 100, 2834, -1}};
-  for (const auto& [tone, threshold, resolution, run] : rows) {
-    for (const int depth : {8, 24}) {
-      const OwnedDib page = Scan(depth, tone);
-      Locked(page.get()).header()->biXPelsPerMeter = resolution;
-      RECT rect{5, 5, 5, 5};
-      ASSERT_EQ(own.CSGetAutoTrimRect(page.get(), static_cast<std::uint8_t>(threshold), &rect),
-                ORVO_OK);
-      const Sides sides = {30 - run, 20 - run, 59 + run, 49 + run};
-      EXPECT_EQ(SidesOf(rect), run < 0 ? Sides({0, 0, 1, 1}) : sides) << tone << ", " << threshold;
-    }
-  }
-}
-
-// The search by its own rules over one measurement after the other.
-Sides SearchPlainly(COrvoCS& own, DibHandle page, int first) {
-  int t = first;
-  int step = 10;
-  int best = 0;
-  int direction = 0;
-  const auto measure = [&](int threshold) {
-    RECT rect;
-    EXPECT_EQ(own.CSGetAutoTrimRect(page, static_cast<std::uint8_t>(threshold), &rect), ORVO_OK);
-    return rect;
+  Sum sum;
+  const auto fold = [&](DibHandle page, int threshold) {
+    const auto level = static_cast<std::uint8_t>(threshold);
+    RECT rect{5, 5, 5, 5};
+    sum << own.CSGetAutoTrimRect(page, level, &rect) << SidesOf(rect);
+    sum << CallSlot(toolkit.get(), 44, page, level, &rect) << SidesOf(rect);
+    return SidesOf(rect);
   };
-  while (t >= 0) {
-    const RECT rect = measure(t);
-    const int towards = rect.right - rect.left > 1 && rect.bottom - rect.top > 1 ? 1 : -1;
-    if (towards > 0 && t == first) return SidesOf(rect);
-    if (towards > 0) best = t;
-    if (direction == -towards) step /= 2;
-    if (step == 0) return SidesOf(towards > 0 ? rect : measure(best));
-    direction = towards;
-    t += towards * step;
-  }
-  return {0, 0, 100, 80};
-}
-
-TEST_F(Pages, TheHighestThresholdThatFindsIsSearched) {
-  COrvoCS own;
   for (int tone = 0; tone < 256; tone += 7) {
-    const OwnedDib page = Scan(tone % 2 == 0 ? 8 : 24, tone);
-    // Paler still round the block, so that each threshold finds another border.
-    for (int i = 0; i < 18; ++i) {
-      const int paler = std::min(tone + 2 * i, 255);
-      std::memset(Locked(page.get()).row(50 + i) + 40, paler, 60);
-    }
-    for (const int threshold : {0, 9, 100, 255}) {
-      RECT rect{};
-      ASSERT_EQ(
-          CallSlot(toolkit.get(), 44, page.get(), static_cast<std::uint8_t>(threshold), &rect),
-          ORVO_OK);
-      EXPECT_EQ(SidesOf(rect), SearchPlainly(own, page.get(), threshold))
-          << tone << ", " << threshold;
+    for (const int resolution : {0, 2833, 2834, 8501, 8502, 11811}) {
+      const OwnedDib page = Scan(tone % 2 == 0 ? 8 : 24, tone);
+      Locked(page.get()).header()->biXPelsPerMeter = resolution;
+      // Paler still round the block, so that each threshold finds another border.
+      for (int i = 0; i < 18; ++i) {
+        const int paler = std::min(tone + 2 * i, 255);
+        std::memset(Locked(page.get()).row(50 + i) + 40, paler, 60);
+      }
+      for (const int threshold : {0, 9, 25, 100, 229, 255}) fold(page.get(), threshold);
     }
   }
+  // At the edge of what is dark, tone and threshold.
+  for (const auto& [tone, threshold] : std::initializer_list<std::array<int, 2>>{{24, 255},
+                                                                                 {25, 255},
+                                                                                 {26, 255},
+                                                                                 {26, 229},
+                                                                                 {27, 229},
+                                                                                 {230, 0},
+                                                                                 {230, 25},
+                                                                                 {231, 0},
+                                                                                 {155, 100},
+                                                                                 {156, 100}}) {
+    fold(Scan(8, tone).get(), threshold);
+  }
+  EXPECT_EQ(fold(Scan(24, 24).get(), 255), Sides({18, 8, 71, 61}));
+  EXPECT_EQ(sum.hex(), "7324720d");
 }
 
 TEST_F(Pages, PagesAreTrimmedToWhatWasMeasured) {
@@ -280,30 +243,25 @@ TEST_F(Pages, PagesAreTrimmedToWhatWasMeasured) {
     ASSERT_EQ(CallSlot(toolkit.get(), 43, page.address(), std::uint8_t{100}), ORVO_OK);
     EXPECT_EQ(Difference(expected.get(), page.get()), "");
   }
-  // Depth, allocation and lock that fail, code.
-  const std::array<int, 4> rows[] = {{4, 0, 0, ORVO_ERR_BAD_DEPTH},  {16, 0, 0, ORVO_ERR_BAD_DEPTH},
-                                     {32, 0, 0, ORVO_ERR_BAD_DEPTH}, {1, 1, 0, ORVO_ERR_NO_MEMORY},
-                                     {24, 0, 1, ORVO_ERR_FAILURE},   {8, 0, 2, ORVO_ERR_FAILURE}};
-  for (const auto& [depth, allocation, lock, code] : rows) {
-    OwnedDib page = pictures::Noise(40, 40, depth, 3);
-    log();
-    for (const int form : {0, 1, 2}) {
-      RECT rect{5, 5, 5, 5};
-      DibHandle made = &rect;
-      PlatformFailAllocation(allocation);
-      PlatformFailLock(lock);
-      EXPECT_EQ(form == 0   ? toolkit->GetAutoTrimRect(page.get(), 9, &rect)
+  Sum sum;
+  for (const int depth : {1, 4, 8, 16, 24, 32}) {
+    for (const int failing : {1, 2, 3, 4}) {
+      OwnedDib page = pictures::Noise(40, 40, depth, 3);
+      log();
+      for (const int form : {0, 1, 2}) {
+        RECT rect{5, 5, 5, 5};
+        DibHandle made = nullptr;
+        (failing < 2 ? PlatformFailAllocation : PlatformFailLock)((failing + 1) / 2);
+        sum << (form == 0   ? toolkit->GetAutoTrimRect(page.get(), 9, &rect)
                 : form == 1 ? toolkit->AutoTrim(page.get(), &made, 9)
-                            : toolkit->AutoTrimInPlace(page.address(), 9),
-                code);
-      PlatformFailAllocation(0);
-      PlatformFailLock(0);
-      EXPECT_EQ(SidesOf(rect), form == 0 ? Sides({0, 0, 1, 1}) : Sides(4, 5));
-      EXPECT_EQ(made, &rect) << "left alone";
-      EXPECT_EQ(Difference(pictures::Noise(40, 40, depth, 3).get(), page.get()), "");
-      EXPECT_EQ(log(), Log());
+                            : toolkit->AutoTrimInPlace(page.address(), 9));
+        PlatformFailAllocation(0);
+        PlatformFailLock(0);
+        sum << SidesOf(rect) << page.get() << OwnedDib(made).get() << log();
+      }
     }
   }
+  EXPECT_EQ(sum.hex(), "fb07b54c");
   RECT rect{5, 5, 5, 5};
   DibHandle made = nullptr;
   EXPECT_EQ(toolkit->GetAutoTrimRect(nullptr, 9, &rect), ORVO_ERR_NULL_IMAGE);
