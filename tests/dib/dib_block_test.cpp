@@ -8,16 +8,6 @@
 
 namespace {
 
-TEST(OwnedDib, ResultsChainInOneExpression) {
-  const orvo::OwnedInstance toolkit;
-  const orvo::OwnedDib photo = pictures::Noise(20, 10, 24, 1);
-  orvo::OwnedDib once;
-  orvo::OwnedDib twice;
-  EXPECT_TRUE(toolkit->SharpnessAdjust(photo.get(), once.receive(photo), 7) == ORVO_OK &&
-              toolkit->SharpnessAdjust(once.get(), twice.receive(once), 7) == ORVO_OK);
-  EXPECT_NE(pictures::Difference(once.get(), twice.get()), "");
-}
-
 TEST(OwnedDib, EveryBlockIsFreedOnce) {
   const std::size_t blocks = PlatformLiveBlocks();
   {

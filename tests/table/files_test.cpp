@@ -79,24 +79,19 @@ TEST_F(Files, ExtensionsChooseFormatAndQuality) {
 }
 
 TEST_F(Files, ExtensionsAreCopiedOutInTwoCalls) {
-  const std::string expected(
-      "BMP\0TIF\0TIFF\0JPG\0JPE\0JPEG\0CMP\0PCX\0PSD\0PNG\0RAS\0PCD\0FPX\0WMF\0TGA\0PCT\0\0", 67);
+  Sum sum;
   for (const std::uint32_t given : {0U, 66U, 67U, 68U, 1000U}) {
     for (const bool whole : {false, true}) {
       std::string buffer(1000, '#');
       int count = 0;
       std::uint32_t size = given;
-      const bool fits = whole && given >= 67;
-      EXPECT_EQ(CallSlot(toolkit.get(), 53, whole ? &count : nullptr,
-                         whole ? buffer.data() : nullptr, &size),
-                fits ? ORVO_OK : ORVO_ERR_BUFFER_TOO_SMALL);
-      EXPECT_EQ(size, 67U);
-      EXPECT_EQ(count, whole ? 16 : 0);
-      EXPECT_EQ(buffer, fits ? expected + std::string(933, '#') : std::string(1000, '#'));
-      EXPECT_EQ(toolkit->GetFileExtensions(&count, buffer.data(), nullptr),
-                ORVO_ERR_BUFFER_TOO_SMALL);
+      sum << CallSlot(toolkit.get(), 53, whole ? &count : nullptr, whole ? buffer.data() : nullptr,
+                      &size)
+          << size << count << buffer << toolkit->GetFileExtensions(&count, buffer.data(), nullptr);
+      EXPECT_EQ(buffer.starts_with("BMP"), whole && given >= 67);
     }
   }
+  EXPECT_EQ(sum.hex(), "2ea3a5db");
 }
 
 // --- Loading and saving --------------------------------------------------------------------------
@@ -117,45 +112,41 @@ TEST_F(Files, SavingFailsInOrder) {
 // Loading and making a thumbnail: the older block goes only when the new one is there.
 TEST_F(Files, LoadedImagesReplaceTheOlderBlock) {
   const std::string path = at("in.png");
-  const Log entries[] = {{"L_LoadBitmap", "L_ConvertToDIB", "L_FreeBitmap", "ltfil13n.dll"},
-                         {"L_CreateThumbnailFromFile", "L_ChangeToDIB", "ltimg13n.dll"}};
-  const Log calls[] = {
-      {"L_LoadBitmap(~/in.png, 0x0x0, 0, 1, 0, 0)", "L_ConvertToDIB(8x5x24)",
-       "L_FreeBitmap(8x5x24)"},
-      {"L_CreateThumbnailFromFile(~/in.png, 0x0x0, 16 12 0 0 1 1 16777215 0 0, 0, 0, 0, 0)",
-       "L_ChangeToDIB(16x12x24)"}};
+  Sum sum;
   for (const int kind : {0, 1}) {
     const auto load = [&](const char* source, DibHandle* result) {
-      return kind == 0 ? CallSlot(toolkit.get(), 45, source, result)
-                       : CallSlot(toolkit.get(), 48, source, result, 16, 12);
+      sum << (kind == 0 ? CallSlot(toolkit.get(), 45, source, result)
+                        : CallSlot(toolkit.get(), 48, source, result, 16, 12))
+          << log();
     };
+    state.answers.clear();
     OwnedDib old = pictures::Noise(7, 5, 8, 1);
     DibHandle made = old.get();
-    for (const std::string& entry : entries[kind]) {
+    for (const char* entry : {"L_LoadBitmap", "L_ConvertToDIB", "L_FreeBitmap", "ltfil13n.dll",
+                              "L_CreateThumbnailFromFile", "L_ChangeToDIB", "ltimg13n.dll"}) {
       bind({entry});
-      EXPECT_EQ(load(nullptr, &made), ORVO_ERR_NO_VENDOR);
+      load(nullptr, &made);
     }
     bind();
-    EXPECT_EQ(load(nullptr, &made), ORVO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(load(path.c_str(), nullptr), ORVO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(log(), Log());
-    EXPECT_EQ(load(at("none.png").c_str(), &made), ORVO_ERR_FILE_NOT_FOUND);
-    EXPECT_EQ(log().size(), 1U);
+    load(nullptr, &made);
+    load(path.c_str(), nullptr);
+    load(at("none.png").c_str(), &made);
     EXPECT_TRUE(made == old.get() && IsAlive(made));
     for (const DibHandle first : {old.release(), DibHandle{nullptr}}) {
       made = first;
-      EXPECT_EQ(load(path.c_str(), &made), ORVO_OK);
+      load(path.c_str(), &made);
       EXPECT_FALSE(IsAlive(first));
       EXPECT_EQ(Difference(photo_.get(), made) == "", kind == 0);
       EXPECT_EQ(Measures(made), kind == 0 ? "8x5x24" : "16x12x24");
+      sum << made;
       GlobalFree(std::exchange(made, nullptr));
-      EXPECT_EQ(log(), calls[kind]);
     }
-    state.answers = {{entries[kind][1], {0}}};  // a bitmap that gives no block
-    EXPECT_EQ(load(path.c_str(), &made), kind == 0 ? ORVO_ERR_NO_MEMORY : ORVO_ERR_FAILURE);
+    // A bitmap that gives no block.
+    state.answers = {{"L_ConvertToDIB", {0}}, {"L_ChangeToDIB", {0}}};
+    load(path.c_str(), &made);
     EXPECT_EQ(made, nullptr);
-    log();
   }
+  EXPECT_EQ(sum.hex(), "3a8a67ea");
 }
 
 TEST_F(Files, ResultsChainInOneExpression) {
@@ -212,41 +203,35 @@ TEST_F(Files, InformationIsThatOfTheFirstPage) {
     if (name == "two.TIF") calls.emplace_back("L_FileInfo(~/two.TIF, *, 1, 8 1)");
     EXPECT_EQ(log(), calls);
   }
-  info = {};
+  Sum sum;
   for (const int module : {-10, -9, 0, 2}) {
     state.answers["L_FileInfo"] = {static_cast<double>(module)};
-    EXPECT_EQ(toolkit->ImageFileInfo("x", &info),
-              module == -10 ? ORVO_ERR_BAD_FILE : ORVO_ERR_FAILURE);
-    EXPECT_EQ(info.width, 0);
+    info.width = 0;
+    sum << toolkit->ImageFileInfo("x", &info) << info.width;
   }
   bind({"L_FileInfo"});
-  EXPECT_EQ(toolkit->ImageFileInfo(nullptr, &info), ORVO_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(toolkit->ImageFileInfo("x", nullptr), ORVO_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(toolkit->ImageFileInfo("x", &info), ORVO_ERR_NO_VENDOR);
+  sum << toolkit->ImageFileInfo(nullptr, &info) << toolkit->ImageFileInfo("x", nullptr)
+      << toolkit->ImageFileInfo("x", &info);
+  EXPECT_EQ(sum.hex(), "696ab9c2");
 }
 
 TEST_F(Files, ConversionFailsInOrderAndPutsThePreviousCallbackBack) {
-  for (const char* entry : {"L_FileInfo", "L_SetStatusCallBack", "L_FileConvert"}) {
+  Sum sum;
+  for (const char* entry : {"L_FileInfo", "L_SetStatusCallBack", "L_FileConvert", ""}) {
     bind({entry});
-    EXPECT_EQ(convert(nullptr, "x.png"), ORVO_ERR_NO_VENDOR) << entry;
-    EXPECT_EQ(log(), Log());
+    sum << convert(nullptr, "x.png") << toolkit->ConvertFile("x", nullptr, 0, nullptr);
+    sum << convert("none", "out.png") << convert("two.TIF", "out.png", &Watch) << log();
+    EXPECT_FALSE(has("out.png"));
   }
-  bind();
-  EXPECT_EQ(convert(nullptr, "x.gif"), ORVO_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(toolkit->ConvertFile("x", nullptr, 0, nullptr), ORVO_ERR_BAD_ARGUMENT);
-  EXPECT_EQ(convert("none", "out.png"), ORVO_ERR_BAD_FILE);
-  log();
-  EXPECT_EQ(convert("two.TIF", "out.png", &Watch), ORVO_ERR_BAD_FORMAT);
-  EXPECT_EQ(log(), Log{"L_FileInfo(~/two.TIF, *, 0, 0)"});
-  EXPECT_FALSE(has("out.png"));
   for (const StatusCallback before : {StatusCallback{&Earlier}, StatusCallback{nullptr}}) {
-    for (const int module : {1, 0, -10, -100}) {
+    for (const int module : {0, -10, -100, 1}) {
       install(before);
       state.answers["L_FileConvert"] = {static_cast<double>(module)};
-      EXPECT_EQ(convert("in.bmp", "out.png", &Watch), module == 1 ? ORVO_OK : ORVO_ERR_FAILURE);
+      sum << convert("in.bmp", "out.png", &Watch) << log();
       EXPECT_EQ(install(nullptr), before == nullptr ? &Watch : before);
     }
   }
+  EXPECT_EQ(sum.hex(), "3c498ae");
   EXPECT_EQ(convert("in.bmp", "out.png", &Watch), ORVO_OK);
   EXPECT_EQ(heard.back(), 100);
   DibHandle made = nullptr;

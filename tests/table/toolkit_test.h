@@ -29,11 +29,10 @@ using watched::operator+;
 
 // What a callback was told, and what it answers.
 inline std::vector<int> heard;
-inline int answer = 0;
 inline int stopAt = -1;  // percent at which the answer is to stop
 inline int Watch(int percent, void* userData) {
   heard.push_back(userData == nullptr ? percent : -1);
-  return percent == stopAt ? int{ORVO_ERR_CANCELLED} : answer;
+  return percent == stopAt ? ORVO_ERR_CANCELLED : ORVO_OK;
 }
 inline int Earlier(int /*percent*/, void* /*userData*/) {
   return 0;
@@ -86,7 +85,6 @@ class ToolkitTest : public testing::Test {
                    {reinterpret_cast<const void*>(&Earlier), "earlier"}};
     install(nullptr);
     heard.clear();
-    answer = 0;
     stopAt = -1;
     bind();
   }
