@@ -1,5 +1,4 @@
-// Working images for tests of pixel functions, and the comparison of a function with its plain
-// form: the same steps, written down as slowly and simply as possible.
+// Working images for tests of pixel functions, and the check sums of what these write.
 #ifndef TESTS_IMAGING_PLAIN_IMAGE_H
 #define TESTS_IMAGING_PLAIN_IMAGE_H
 
@@ -9,7 +8,6 @@
 #include <cstdint>
 #include <random>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace plain {
@@ -25,9 +23,6 @@ struct Image {
   }
   [[nodiscard]] std::size_t at(std::uint32_t x, std::uint32_t y) const {
     return stride() * y + std::size_t{x} * static_cast<std::size_t>(depth) / 8;
-  }
-  [[nodiscard]] std::string name() const {
-    return testing::PrintToString(std::tuple(width, height, depth));
   }
 };
 
@@ -51,30 +46,8 @@ inline Bytes Fill(const Image& image, int content, unsigned seed) {
   return bytes;
 }
 
-// Compares what two functions write from a source to a target, apart and in place; neither touches
-// what lies round the rows.
-template <class Shipped, class Plain>
-void ExpectSame(const Image& image, const Bytes& source, Shipped shipped, Plain plainly) {
-  constexpr std::size_t kAround = 64;
-  constexpr std::uint8_t kMarker = 0xA5;
-  for (const bool inPlace : {false, true}) {
-    Bytes expected(source.size() + 2 * kAround, kMarker);
-    if (inPlace) std::copy(source.begin(), source.end(), expected.begin() + kAround);
-    Bytes got = expected;
-    std::uint8_t* const expectedRows = &expected[kAround];
-    std::uint8_t* const rows = &got[kAround];
-    plainly(inPlace ? expectedRows : source.data(), expectedRows);
-    shipped(inPlace ? rows : source.data(), rows);
-    const auto at = std::mismatch(expected.begin(), expected.end(), got.begin()).first -
-                    expected.begin() - static_cast<std::ptrdiff_t>(kAround);
-    const auto stride = static_cast<std::ptrdiff_t>(image.stride());
-    ASSERT_TRUE(expected == got) << (inPlace ? "in place" : "apart") << ", first in row "
-                                 << at / stride << ", byte " << at % stride;
-  }
-}
-
 // One number that stands for many results, for steps whose plain form would be the same code again:
-// the constants in the tests come from a run of these steps that was written independently.
+// the constants in the tests come from runs that were proved against such forms.
 class CheckSum {  // FNV-1a, a value at a time
  public:
   template <class... Values>
@@ -88,6 +61,19 @@ class CheckSum {  // FNV-1a, a value at a time
   template <class Box>
   void addSides(const Box& box) {
     add(box.left, box.top, box.right, box.bottom);
+  }
+  // Adds what a function returns and writes from a source to a target, apart and in place, with
+  // what lies round the rows.
+  template <class Function>
+  void addBoth(const Bytes& source, Function function) {
+    constexpr std::size_t kAround = 64;
+    for (const bool inPlace : {false, true}) {
+      Bytes target(source.size() + 2 * kAround, 0xA5);
+      std::uint8_t* const rows = &target[kAround];
+      if (inPlace) std::copy(source.begin(), source.end(), rows);
+      add(function(inPlace ? rows : source.data(), rows));
+      addAll(target);
+    }
   }
   [[nodiscard]] std::uint64_t value() const { return value_; }
 

@@ -62,11 +62,6 @@ class Picture {
       }
     }
   }
-  // An eye with all that a pupil is known by.
-  void eye(double cx, double cy, double r, const Rgb& pupil = kRed, int noise = 8) {
-    ellipse(cx, cy, 3.5 * r, 1.8 * r, kWhite);
-    ellipse(cx, cy, r, r, pupil, noise);
-  }
   void fill(const Rgb& color, int noise = 0) { rectangle(0, 0, w() - 1, h() - 1, color, noise); }
   void face(double cx, double cy, double rx, double ry);
   void oddEye(double cx, double cy, double r);

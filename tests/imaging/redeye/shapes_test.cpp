@@ -6,53 +6,17 @@
 
 using namespace orvo;
 
-bool operator==(const POINT& a, const POINT& b) {
-  return a.x == b.x && a.y == b.y;
-}
-
 namespace {
 
 TEST(RedEyeColors, AllOfThem) {
-  plain::CheckSum red;
-  plain::CheckSum white;
-  plain::CheckSum skin;
+  plain::CheckSum sum;
   for (int i = 0; i < 1 << 24; ++i) {
     const auto y = static_cast<std::uint8_t>(i >> 16);
     const auto cb = static_cast<std::uint8_t>(i >> 8);
     const auto cr = static_cast<std::uint8_t>(i);
-    if (ImgIsRedEyeColor(y, cb, cr)) red.add(i);
-    if (ImgIsBrightNeutral(y, cb, cr)) white.add(i);
-    if (ImgIsSkinColor(y, cb, cr)) skin.add(i);
+    sum.add(ImgIsRedEyeColor(y, cb, cr), ImgIsBrightNeutral(y, cb, cr), ImgIsSkinColor(y, cb, cr));
   }
-  EXPECT_EQ(red.value(), 6889730681115476731U);
-  EXPECT_EQ(white.value(), 16941231830856274845U);
-  EXPECT_EQ(skin.value(), 272820004888079390U);
-}
-
-// --- Masks ---------------------------------------------------------------------------------------
-
-TEST(Masks, OpeningKeepsWhatTheElementCovers) {
-  const std::string drawn =
-      "............ .####...#... .####..###.. .####...#... .######..... .......####. ............";
-  const std::pair<void (*)(RegionMask&) noexcept, std::string> openings[] = {
-      {ImgOpenMask,
-       "............ ..##....#... .####..###.. .####...#... ..##........ ............ "
-       "............"},
-      {OpenMaskBySquares,
-       "............ .####....... .####....... .####....... .####....... ............ "
-       "............"}};
-  for (const auto& [open, opened] : openings) {
-    RegionMask mask;
-    ASSERT_TRUE(mask.allocate(12 * 7));
-    mask.start(12, 7);
-    for (std::size_t i = 0; i < 84; ++i) mask.foreground[i] = drawn[i / 12 * 13 + i % 12] == '#';
-    open(mask);
-    std::string text = drawn;
-    for (std::size_t i = 0; i < 84; ++i) {
-      text[i / 12 * 13 + i % 12] = mask.foreground[i] != 0 ? '#' : '.';
-    }
-    EXPECT_EQ(text, opened);
-  }
+  EXPECT_EQ(sum.value(), 17724068723727462590U);
 }
 
 // Seeds may be clear, and a later fill finds pixels that an earlier one has taken. What is filled
@@ -63,7 +27,8 @@ TEST(Masks, OpeningsAndFillsOfNoise) {
   RegionMask mask;
   ASSERT_TRUE(mask.allocate(40 * 40));
   for (unsigned round = 0; round < 600; ++round) {
-    mask.start(1 + static_cast<int>(random() % 40), 1 + static_cast<int>(random() % 40));
+    const int width = 1 + static_cast<int>(random() % 40);
+    mask.start(width, 1 + static_cast<int>(random() % 40));
     for (int i = 0; i < mask.width * mask.height; ++i) {
       const int x = i % mask.width;
       const int y = i / mask.width;
@@ -88,10 +53,8 @@ TEST(Masks, OpeningsAndFillsOfNoise) {
       for (const std::uint32_t member : region.members) mask.visited[member] = 1;
     }
   }
-  EXPECT_EQ(sum.value(), 14452902920152432646U);
+  EXPECT_EQ(sum.value(), 914045671021993931U);
 }
-
-// --- Hulls ---------------------------------------------------------------------------------------
 
 using Points = std::vector<POINT>;
 
@@ -118,20 +81,14 @@ TEST(Hulls, OfColumnsHeapsAndFromAnywhere) {
     ImgSortPoints(points);
     for (const POINT& p : points) sum.add(p.x, p.y);
   }
-  EXPECT_EQ(sum.value(), 15413969063754244040U) << "columns";
-
   for (std::size_t round = 0; round < 30000; ++round) {
     Points points(3 + random() % 9);
     for (POINT& p : points) p = {pick(2 + round % 7), pick(2 + round % 7)};
     sum.add(ImgNextHullVertex(points, random() % points.size()));
-    const POINT front = points.front();
-    const POINT back = points.back();
-    const std::size_t inner = points.size() - 2;
-    const std::size_t count = ImgConvexHull(std::span(points).subspan(1, inner));
-    ASSERT_TRUE(count >= 1 && count <= inner && points.front() == front && points.back() == back);
-    ASSERT_EQ(std::count(&points[count], &points[inner] + 1, points[count]), inner - count + 1);
+    sum.add(ImgConvexHull(std::span(points).subspan(1, points.size() - 2)));
+    for (const POINT& p : points) sum.add(p.x, p.y);
   }
-  EXPECT_EQ(sum.value(), 5725359993299916081U) << "vertices";
+  EXPECT_EQ(sum.value(), 1057682331797842942U);
 }
 
 }  // namespace

@@ -1,24 +1,10 @@
 // From a mask to the list of items, and to the one region that is set upright.
-#include <array>
-#include <cmath>
-
 #include "imaging/plain_image.h"
 #include "imaging/regions/region_finder.h"
-#include "methods/page_image.h"
-#include "support/pictures.h"
 
 using namespace orvo;
 
 namespace {
-
-using Box = std::array<int, 4>;  // left, top, right, bottom, the last two beyond
-using Boxes = std::vector<Box>;
-
-Box SidesOf(const RECT& box) {
-  return {box.left, box.top, box.right, box.bottom};
-}
-
-// --- Masks ---------------------------------------------------------------------------------------
 
 void Draw(Mask& page, const RECT& box, std::uint8_t value = 1) {
   for (int y = std::max(box.top, 0); y < std::min(box.bottom, page.height); ++y) {
@@ -77,76 +63,34 @@ TEST(Finder, ItemsAndLargestRegionsOfRandomMasks) {
   EXPECT_EQ(sum.value(), 13569299219758664778U);
 }
 
-// --- Whole pages ---------------------------------------------------------------------------------
-
-// A finder of a page of 300 x 400 pixels that is 200 where isDark, and white.
-template <class IsDark>
-RegionFinder Captured(IsDark isDark, const FinderSettings& settings = {}) {
-  const orvo::OwnedDib page = pictures::Blank(300, 400, 8);
-  {
-    const pictures::Locked image(page.get());
-    for (int y = 0; y < 400; ++y) {
-      for (int x = 0; x < 300; ++x) image.row(399 - y)[x] = isDark(x, y) ? 200 : 255;
-    }
-  }
-  RegionFinder finder(settings);
-  CapturePage(page.get(), finder);
-  return finder;
-}
-
-// The scale is 2.5, so 25 pixels of reach are 10 of the mask and an item counts from 11 on.
-TEST(Finder, PagesInSourcePixels) {
-  const Box left = {50, 60, 150, 200};
-  const Box right = {175, 60, 250, 200};
-  const struct {
-    Boxes dark;
-    FinderSettings settings;
-    Boxes items;
-  } kRows[] = {{{left}, {}, {left}},
-               {{left, right}, {}, {left, right}},
-               {{left, right}, {28, 250}, {{50, 60, 250, 200}}},
-               {{left, {173, 60, 250, 200}}, {}, {{50, 60, 250, 200}}},
-               {{left, {151, 60, 250, 200}}, {-5, 250}, {{50, 60, 250, 200}}},
-               {{{53, 60, 80, 87}}, {}, {{53, 60, 80, 88}}},
-               {{{50, 60, 75, 87}}, {}, {}},
-               {{left}, {25, 200}, {}},
-               {{left}, {25, 201}, {left}},
-               {{left}, {25, 256}, {{0, 0, 300, 400}}}};
-  for (const auto& row : kRows) {
-    const auto isDark = [&](int x, int y) {
-      return std::any_of(row.dark.begin(), row.dark.end(), [&](const Box& b) {
-        return x >= b[0] && y >= b[1] && x < b[2] && y < b[3];
-      });
+// The same kind of masks as light gray on white pages, several pixels of which make one of a mask.
+TEST(Finder, ItemsAndSkewInSourcePixels) {
+  plain::Bytes ramp;
+  for (unsigned i = 0; i < 1024; ++i) ramp.push_back(static_cast<std::uint8_t>(i / 4));
+  plain::CheckSum sum;
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    std::mt19937 random(seed);
+    const auto upTo = [&](int most) {
+      return static_cast<int>(random() % (static_cast<unsigned>(most) + 1));
     };
-    RegionFinder finder = Captured(isDark, row.settings);
+    const int width = 4 * (1 + upTo(90));
+    Mask page = RandomPage(width, 1 + upTo(300), upTo);
+    for (std::uint8_t& byte : page.bytes) byte = byte != 0 ? 200 : 255;
+    const SourceImage image{
+        width, page.height, 8, ramp.data(), {}, page.bytes.data(), static_cast<std::size_t>(width)};
+    RegionFinder finder({.mergeReach = upTo(60) - 5, .whiteLevel = 199 + upTo(3)});
+    finder.Capture(image);
     finder.Segment();
-    Boxes items;
-    for (int i = 0; i < finder.RegionCount(); ++i) items.push_back(SidesOf(finder.RegionRect(i)));
-    EXPECT_EQ(items, row.items) << "row " << &row - kRows;
-    EXPECT_EQ(SidesOf(finder.RegionRect(-1)), Box{});
-    EXPECT_EQ(SidesOf(finder.RegionRect(finder.RegionCount())), Box{});
-  }
-}
-
-TEST(Finder, SkewInSourcePixels) {
-  for (const int tilt : {0, 9, -20}) {
-    const double a = tilt * std::acos(-1.0) / 180;
-    RegionFinder finder = Captured([&](int x, int y) {
-      const double across = (x - 150) * std::cos(a) + (y - 200) * std::sin(a);
-      const double down = (y - 200) * std::cos(a) - (x - 150) * std::sin(a);
-      return std::abs(across) < 100 && std::abs(down) < 50;
-    });
+    for (int i = -1; i <= finder.RegionCount(); ++i) sum.addSides(finder.RegionRect(i));
+    finder.Capture(image);
     finder.SegmentForDeskew();
-    ASSERT_EQ(finder.RegionCount(), 1);
+    if (finder.RegionCount() == 0) continue;
     RECT upright;
-    EXPECT_NEAR(finder.SkewAngle(&upright), -tilt, 1);
-    EXPECT_EQ(finder.SkewAngle(), finder.SkewAngle(&upright));
-    EXPECT_NEAR(upright.left, 50, 8);
-    EXPECT_NEAR(upright.bottom, 250, 8);
+    sum.add(finder.SkewAngle(&upright), finder.SkewAngle());
+    sum.addSides(upright);
+    sum.addSides(finder.RegionRect(0));
   }
-  RegionFinder finder = Captured([](int, int) { return false; });
-  finder.SegmentForDeskew();
-  EXPECT_EQ(finder.RegionCount(), 0);
+  EXPECT_EQ(sum.value(), 7199860305588604179U);
 }
 
 }  // namespace
