@@ -118,6 +118,24 @@ inline int LargestDifference(const Bytes& a, const Bytes& b) {
   return largest;
 }
 
+// A check sum of codes and bytes; results are exact, so that one of them stands for a great many.
+class Sum {
+ public:
+  void add(std::int64_t number) {
+    value_ = (value_ ^ static_cast<std::uint64_t>(number)) * 0x100000001B3;
+  }
+  void add(const Bytes& bytes) {
+    for (const std::uint8_t byte : bytes) add(byte);
+    add(static_cast<std::int64_t>(bytes.size()));
+  }
+  void expect(std::uint64_t expected, const std::string& of) const {
+    EXPECT_EQ(value_, expected) << of << ": 0x" << std::hex << std::uppercase << value_;
+  }
+
+ private:
+  std::uint64_t value_ = 0;
+};
+
 // Runs an operation on an image in place; its owner holds the valid handle afterwards.
 inline int Apply(const Operation& operation, OwnedDib& image) {
   struct_LEAD_Bitmap bitmap{};

@@ -1,0 +1,160 @@
+// Every operation on images at all depths, of many sizes and with many arguments, wrong ones
+// included: codes, progress and result bytes, held by a check sum for each operation. They are
+// exact, so a sum that differs tells of a change that callers see.
+#include <limits>
+
+#include "modules/fixture.h"
+
+namespace {
+
+using pictures::CopyOf;
+using pictures::Difference;
+using rig::Do;
+using rig::ModuleTest;
+using rig::Operation;
+using rig::OwnedDib;
+
+constexpr int kMost = std::numeric_limits<int>::max();
+constexpr int kLeast = std::numeric_limits<int>::min();
+
+struct Row {
+  std::string name;
+  std::uint64_t sum;
+  std::vector<Operation> operations;
+};
+
+// An entry with one argument after the other.
+template <class Entry, class Argument>
+std::vector<Operation> Each(Entry entry, std::initializer_list<Argument> arguments) {
+  std::vector<Operation> all;
+  for (const Argument argument : arguments) all.push_back(Do(entry, argument));
+  return all;
+}
+// One operation behind another.
+Operation Then(const Operation& first, const Operation& second) {
+  return [=](auto* bitmap) { return first(bitmap) == kModuleSuccess ? second(bitmap) : -1; };
+}
+
+std::vector<Operation> Depths() {
+  std::vector<Operation> all;
+  for (const int bits : {1, 4, 8, 16, 24, 32, -1, 0, 2, 15, 64}) {
+    for (unsigned dithering = 0; dithering <= 9; ++dithering) {
+      for (const unsigned flags : {0U, 1U}) all.push_back(rig::ToDepth(bits, dithering, flags));
+    }
+  }
+  for (int i = 0; i < 4; ++i) {  // colours of the caller's own are not taken
+    all.emplace_back([=](auto* bitmap) {
+      const auto given = [=](int place) -> void* { return place == i ? bitmap : nullptr; };
+      return L_ColorResBitmap(bitmap, bitmap, 8, 0, given(0), given(1), given(2), given(3),
+                              nullptr);
+    });
+  }
+  // Smooth, so that far more colours than the palette has lie close to each other.
+  const Operation smooth = Then(rig::ToDepth(24), Do(L_SizeBitmap, 400, 150, kSizeBest));
+  for (const int bits : {4, 8}) all.push_back(Then(smooth, rig::ToDepth(bits, 1)));
+  for (const int bits : {16, 24, 32}) {  // and back, and through grays
+    all.push_back(Then(rig::ToDepth(bits), rig::ToDepth(8, 7)));
+    all.push_back(Then(Do(L_GrayScaleBitmap, 8), Then(rig::ToDepth(bits), rig::ToDepth(8, 1))));
+  }
+  return all;
+}
+std::vector<Operation> Turns() {
+  std::vector<Operation> all;
+  for (const int angle :
+       {0, 9000, 18000, 27000, -9000 - 360000000, 1, 700, 4507, 13333, -700, kLeast, kMost}) {
+    for (const unsigned flags : {0U, unsigned{kRotateGrows}}) {
+      for (const unsigned ground : {0xFF8001U, 0x808080U}) {
+        all.push_back(Do(L_RotateBitmap, angle, flags, ground));
+      }
+    }
+  }
+  return all;
+}
+std::vector<Operation> Sizes() {
+  constexpr int kSizes[][2] = {{19, 14}, {7, 5},  {19, 3}, {40, 9}, {50, 31}, {1, 1},
+                               {1, 40},  {66, 1}, {0, 8},  {8, 0},  {-5, 8},  {kMost, kMost}};
+  std::vector<Operation> all;
+  for (const auto& [width, height] : kSizes) {
+    for (const unsigned flags : {kSizeNearest, kSizeBilinear, kSizeBest}) {
+      all.push_back(Do(L_SizeBitmap, width, height, flags));
+    }
+  }
+  return all;
+}
+std::vector<Operation> Cuts() {
+  constexpr int kRectangles[][4] = {
+      {0, 0, 1, 1},  {0, 0, 6, 1},  {1, 2, 11, 3}, {3, 0, 30, 21}, {8, 1, 25, 9},
+      {32, 0, 1, 2}, {-1, 0, 5, 5}, {0, -1, 5, 5}, {0, 0, 0, 1},   {0, 0, 1, 0},
+      {4, 0, 1, 1},  {0, 4, 1, 1},  {0, 0, 5, 4},  {0, 0, 4, 5},   {1, 1, kMost, kMost}};
+  std::vector<Operation> all;
+  for (const auto& row : kRectangles) {
+    all.push_back(Do(L_TrimBitmap, row[0], row[1], row[2], row[3]));
+  }
+  return all;
+}
+std::vector<Operation> Remaps() {
+  static const std::array<unsigned, 257> table = [] {
+    std::array<unsigned, 257> made{};
+    for (unsigned i = 0; i < 257; ++i) made[i] = i * 7 % 301;  // some lie beyond 255
+    return made;
+  }();
+  const unsigned* const none = nullptr;
+  std::vector<Operation> all{Do(L_RemapBitmapIntensity, none, 256U, 0),
+                             Do(L_RemapBitmapIntensity, table.data(), 255U, 0),
+                             Do(L_RemapBitmapIntensity, table.data(), 257U, 0)};
+  for (int channel = -1; channel <= 4; ++channel) {
+    all.push_back(Do(L_RemapBitmapIntensity, table.data(), 256U, channel));
+  }
+  return all;
+}
+
+TEST_F(ModuleTest, images_change_to_the_last_bit) {
+  const auto changes = {-1001, -1000, -600, -333, 0, 1, 200, 700, 1000, 1001, kLeast};
+  const Row rows[] = {{"depth", 0x635CDB5253CFC641, Depths()},
+                      {"gray", 0x1B1DEA45C1334055, Each(L_GrayScaleBitmap, {8, 4, 0})},
+                      {"turn", 0x4E3A83E6C7BF8F23, Turns()},
+                      {"size", 0x800D8445B187EE0F, Sizes()},
+                      {"cut", 0x5DA07175FC839AC1, Cuts()},
+                      {"contrast", 0xC66BB869B387FBA3, Each(L_ChangeBitmapContrast, changes)},
+                      {"intensity", 0xE2187D5D6F6FAF87, Each(L_ChangeBitmapIntensity, changes)},
+                      {"saturation", 0xDADB8DCB5056BA6D, Each(L_ChangeBitmapSaturation, changes)},
+                      {"sharpness", 0xF4C9C0DB12188592, Each(L_SharpenBitmap, changes)},
+                      {"hue", 0x9EC8D356E5CC2B30,
+                       Each(L_ChangeBitmapHue, {0, 1234, -7777, 12000, -36000, kMost, kLeast})},
+                      {"gamma", 0x1594571A3960D84F,
+                       Each(L_GammaCorrectBitmap, {0U, 1U, 45U, 100U, 200U, 4294967295U})},
+                      {"invert", 0x7750C5DC1DA72E45, {L_InvertBitmap}},
+                      {"remap", 0x8F978E3C31DCA7BC, Remaps()}};
+  constexpr int kSizes[][2] = {{1, 1}, {1, 5}, {6, 1}, {4, 4}, {16, 16}, {33, 21}, {70, 41}};
+  for (const Row& row : rows) {
+    rig::Sum sum;
+    for (const rig::Kind kind : rig::kKinds) {
+      for (const auto& [width, height] : kSizes) {
+        const OwnedDib source = rig::Picture(kind, width, height);
+        rig::Locked(source.get()).header()->biYPelsPerMeter = 5001;
+        for (const Operation& operation : row.operations) {
+          OwnedDib got = CopyOf(source.get());
+          OwnedDib watched = CopyOf(source.get());
+          const int code = rig::Apply(operation, got);
+          const rig::Watch watch;
+          ASSERT_EQ(rig::Apply(operation, watched), code);
+          ASSERT_EQ(Difference(got.get(), watched.get()), "");
+          ASSERT_TRUE(code == kModuleSuccess || Difference(source.get(), got.get()).empty());
+          sum.add(code);
+          sum.add(pictures::BytesOf(got.get()));
+          for (const int percent : watch.seen()) sum.add(percent);
+        }
+      }
+    }
+    sum.expect(row.sum, row.name);
+  }
+}
+
+TEST_F(ModuleTest, a_repeated_palette_colour_keeps_its_index_when_sharpened) {
+  const OwnedDib source = rig::Picture({8, false}, 31, 12);
+  std::fill_n(rig::View(source).palette(), 256, RGBQUAD{9, 8, 7, 6});
+  const OwnedDib got = rig::Changed(source, Do(L_SharpenBitmap, 1000));
+  EXPECT_EQ(Difference(source.get(), got.get()), "");
+}
+
+}  // namespace
