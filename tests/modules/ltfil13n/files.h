@@ -3,40 +3,61 @@
 #define TESTS_MODULES_LTFIL13N_FILES_H
 
 #include <initializer_list>
+#include <sstream>
 
 #include "modules/fixture.h"
 
 namespace rig {
 
-// Bytes and numbers one after the other: little- and big-endian ones of 16 and 32 bits.
-class Builder {
- public:
-  using Numbers = std::initializer_list<std::int64_t>;
-
-  Builder& add(Numbers bytes) { return put(bytes, {0}); }
-  Builder& little16(Numbers numbers) { return put(numbers, {0, 8}); }
-  Builder& little32(Numbers numbers) { return put(numbers, {0, 8, 16, 24}); }
-  Builder& big16(Numbers numbers) { return put(numbers, {8, 0}); }
-  Builder& big32(Numbers numbers) { return put(numbers, {24, 16, 8, 0}); }
-  Builder& add(const Bytes& more) {
-    bytes_.insert(bytes_.end(), more.begin(), more.end());
-    return *this;
-  }
-  Builder& zeros(std::size_t count) {
-    bytes_.resize(bytes_.size() + count);
-    return *this;
-  }
-  operator const Bytes&() const { return bytes_; }
-
- private:
-  Builder& put(Numbers numbers, std::initializer_list<int> shifts) {
-    for (const std::int64_t number : numbers) {
-      for (const int shift : shifts) bytes_.push_back(static_cast<std::uint8_t>(number >> shift));
+// The bytes that words tell: hexadecimal ones; decimal numbers of 16 (s) and 32 bits (i), in
+// capitals big-endian; zeros by count (z); letters behind an apostrophe. A stroke puts its place,
+// or the number behind it, where a BMP tells where its pixels are.
+inline Bytes Of(const std::string& text) {
+  Bytes bytes;
+  const auto put = [&](const std::string& number, std::initializer_list<int> shifts) {
+    for (const int shift : shifts) {
+      bytes.push_back(static_cast<std::uint8_t>(std::stoll(number) >> shift));
     }
-    return *this;
+  };
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    const std::string rest = word.substr(1);
+    if (word[0] == 's') {
+      put(rest, {0, 8});
+    } else if (word[0] == 'i') {
+      put(rest, {0, 8, 16, 24});
+    } else if (word[0] == 'S') {
+      put(rest, {8, 0});
+    } else if (word[0] == 'I') {
+      put(rest, {24, 16, 8, 0});
+    } else if (word[0] == 'z') {
+      bytes.resize(bytes.size() + std::stoul(rest));
+    } else if (word[0] == '\'') {
+      bytes.insert(bytes.end(), rest.begin(), rest.end());
+    } else if (word[0] == '|') {
+      const std::size_t place = rest.empty() ? bytes.size() : std::stoul(rest);
+      std::memcpy(&bytes[10], &place, 4);
+    } else {
+      bytes.push_back(static_cast<std::uint8_t>(std::stoul(word, nullptr, 16)));
+    }
   }
-  Bytes bytes_;
-};
+  return bytes;
+}
+// Where a tag stands in the first directory of a little-endian TIFF.
+inline std::uint8_t* TagOf(Bytes& tiff, int tag) {
+  std::uint32_t directory = 0;
+  std::memcpy(&directory, &tiff[4], 4);
+  std::uint8_t* entry = &tiff[directory + 2];
+  while ((entry[0] | entry[1] << 8) != tag) entry += 12;
+  return entry;
+}
+// A picture's bytes with an Exif block, as cameras place it, behind the first two.
+inline Bytes WithExif(Bytes jpeg, const std::string& block) {
+  Bytes exif = Of("FF E1 0 0 'Exif 0 0 " + block);
+  exif[3] = static_cast<std::uint8_t>(exif.size() - 2);
+  jpeg.insert(jpeg.begin() + 2, exif.begin(), exif.end());
+  return jpeg;
+}
 
 class FileTest : public ModuleTest {
  protected:
@@ -96,6 +117,18 @@ class FileTest : public ModuleTest {
     EXPECT_EQ(static_cast<std::size_t>(told.sizeOnDisk), read(name).size());
     EXPECT_EQ(told.page, 1);
     EXPECT_STREQ(told.compression, compression);
+  }
+
+  // Codes, description and image of a file; the size of what libraries pack is left out.
+  void addFile(Sum& sum, const std::string& name, const Bytes& bytes) {
+    const OwnedDib image = load(name, bytes);
+    sum.add(code_);
+    sum.add(image ? pictures::BytesOf(image.get()) : Bytes());
+    LTFILEINFO told = info(name);
+    sum.add(code_);
+    told.sizeOnDisk = 0;
+    const auto* const first = reinterpret_cast<const std::uint8_t*>(&told);
+    sum.add(Bytes(first, first + sizeof told));
   }
 
   int code_ = 0;

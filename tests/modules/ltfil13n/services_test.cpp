@@ -5,89 +5,47 @@
 namespace {
 
 using rig::Bytes;
-using rig::Color;
 using rig::FileTest;
 using rig::OwnedDib;
 using rig::Picture;
 using rig::Shown;
 using rig::View;
 
-// Where a tag stands in the first directory of a little-endian TIFF.
-std::uint8_t* TagOf(Bytes& tiff, int tag) {
-  std::uint32_t directory = 0;
-  std::memcpy(&directory, &tiff[4], 4);
-  std::uint8_t* entry = &tiff[directory + 2];
-  while ((entry[0] | entry[1] << 8) != tag) entry += 12;
-  return entry;
-}
-
-// A picture stored in an orientation by number as it is to be seen.
-void ExpectUpright(const OwnedDib& stored, const OwnedDib& seen, int orientation) {
-  const View from(stored);
-  const View to(seen);
-  const bool turned = orientation > 4;
-  const bool mirrorsColumns = orientation == 2 || orientation == 3 || orientation >= 7;
-  const bool mirrorsLines =
-      orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7;
-  ASSERT_EQ(to.width(), turned ? from.height() : from.width());
-  ASSERT_EQ(to.height(), turned ? from.width() : from.height());
-  for (int y = 0; y < to.height(); ++y) {
-    for (int x = 0; x < to.width(); ++x) {  // lines from the top
-      const int column = turned ? y : x;
-      const int line = turned ? x : y;
-      ASSERT_EQ(to.color(x, to.height() - 1 - y),
-                from.color(mirrorsColumns ? from.width() - 1 - column : column,
-                           mirrorsLines ? line : from.height() - 1 - line))
-          << orientation << ": " << x << ", " << y;
-    }
-  }
-}
-
 TEST_F(FileTest, pictures_stand_upright_at_every_depth) {
+  rig::Sum sum;
   for (const rig::Kind kind : rig::kKinds) {
-    if (kind.depth == 16) continue;
     const OwnedDib image = Picture(kind, 70, 131);
     rig::Locked(image.get()).header()->biYPelsPerMeter = orvo::PixelsPerMetre(150);
     ASSERT_EQ(save(image, "a.tif", kFormatTiff), kModuleSuccess);
     Bytes bytes = read("a.tif");
-    for (const int orientation : {1, 2, 3, 4, 5, 6, 7, 8, 9, 0}) {
-      TagOf(bytes, 274)[8] = static_cast<std::uint8_t>(orientation);
-      const OwnedDib loaded = load("b.tif", bytes);
-      ASSERT_TRUE(loaded);
-      ASSERT_NO_FATAL_FAILURE(ExpectUpright(image, loaded, orientation > 8 ? 1 : orientation));
-      expectInfo("b.tif", loaded, "none");
-      EXPECT_EQ(info("b.tif").xResolution, orientation > 4 && orientation < 9 ? 150 : 300);
+    for (std::uint8_t orientation = 0; orientation <= 9; ++orientation) {
+      rig::TagOf(bytes, 274)[8] = orientation;
+      addFile(sum, "b.tif", bytes);
     }
   }
+  sum.expect(0x57CEA3868D330AF7, "turned pages");
 }
 
-// Cameras tell how they were held in a block that follows the file's first two bytes.
 TEST_F(FileTest, tags_of_cameras_are_followed) {
   run("convert -size 30x20 gradient:red-blue -strip in.jpg");
   const Bytes plain = read("in.jpg");
   const OwnedDib stored = load("in.jpg");
   ASSERT_EQ(View(stored).header().biXPelsPerMeter, 0);
-  for (const bool big : {true, false}) {
-    for (int orientation = 1; orientation <= 8; ++orientation) {
-      rig::Builder exif;
-      const auto n16 = big ? &rig::Builder::big16 : &rig::Builder::little16;
-      const auto n32 = big ? &rig::Builder::big32 : &rig::Builder::little32;
-      exif.add({0xFF, 0xE1, 0, 86, 'E', 'x', 'i', 'f', 0, 0, big ? 'M' : 'I', big ? 'M' : 'I'});
-      ((exif.*n16)({42}).*n32)({8});
-      ((exif.*n16)({4, 0x112, 3}).*n32)({1});
-      ((exif.*n16)({orientation, 0, 0x11A, 5}).*n32)({1, 62});
-      ((exif.*n16)({0x11B, 5}).*n32)({1, 70});
-      ((exif.*n16)({0x128, 3}).*n32)({1});
-      ((exif.*n16)({3, 0}).*n32)({0, 240, 2, 50, 1});  // 120 and 50 dots per centimetre
-      Bytes bytes = plain;
-      const Bytes& block = exif;
-      bytes.insert(bytes.begin() + 2, block.begin(), block.end());
-      // The density of the usual block behind it has no unit.
-      const OwnedDib seen = load("turned.jpg", bytes);
+  ASSERT_EQ(save(stored, "in.tif", kFormatTiff), kModuleSuccess);
+  Bytes tiff = read("in.tif");
+  for (std::uint8_t orientation = 1; orientation <= 8; ++orientation) {
+    rig::TagOf(tiff, 274)[8] = orientation;
+    const Bytes expected = Shown(load("turned.tif", tiff));
+    // 120 and 50 dots per centimetre
+    std::string tags = "S42 I8 S4 S274 S3 I1 S" + std::to_string(orientation) +
+                       " S0 S282 S5 I1 I62 S283 S5 I1 I70 S296 S3 I1 S3 S0 I0 I240 I2 I50 I1";
+    for (const char* const order : {"'MM ", "'II "}) {
+      const OwnedDib seen = load("turned.jpg", rig::WithExif(plain, order + tags));
       ASSERT_TRUE(seen);
-      ASSERT_NO_FATAL_FAILURE(ExpectUpright(stored, seen, orientation));
+      EXPECT_EQ(Shown(seen), expected) << order << orientation;
       expectInfo("turned.jpg", seen, "JPEG");
       EXPECT_EQ(View(seen).header().biXPelsPerMeter, orientation > 4 ? 5000 : 12000);
+      std::transform(tags.begin(), tags.end(), tags.begin(), ::tolower);
     }
   }
 }
@@ -98,7 +56,7 @@ TEST_F(FileTest, tags_of_tiff_are_followed_or_refused) {
   const Bytes plain = read("a.tif");
   Bytes bytes = plain;
   std::uint32_t palette = 0;
-  std::memcpy(&palette, TagOf(bytes, 320) + 8, 4);
+  std::memcpy(&palette, rig::TagOf(bytes, 320) + 8, 4);
   // Some writers store bytes where 16 bits are asked. A single larger one tells that they are not.
   for (std::size_t i = palette; i < palette + 1536; i += 2) bytes[i + 1] = 0;
   EXPECT_EQ(Shown(load("b.tif", bytes)), Shown(image));
@@ -115,7 +73,7 @@ TEST_F(FileTest, tags_of_tiff_are_followed_or_refused) {
                                      {3, kModuleDepthNotSupported},
                                      {4, kModuleSuccess}}) {
     bytes = plain;
-    std::uint8_t* const tag = TagOf(bytes, 274);
+    std::uint8_t* const tag = rig::TagOf(bytes, 274);
     tag[0] = 339 & 255;
     tag[8] = static_cast<std::uint8_t>(format);
     EXPECT_EQ(static_cast<bool>(load("b.tif", bytes)), code == kModuleSuccess);
@@ -128,7 +86,7 @@ TEST_F(FileTest, tags_of_tiff_are_followed_or_refused) {
     const OwnedDib gray = pictures::Noise(31, 9, depth, 1);
     ASSERT_EQ(save(gray, "a.tif", kFormatTiff), kModuleSuccess);
     Bytes inverted = read("a.tif");
-    TagOf(inverted, 262)[8] = 0;
+    rig::TagOf(inverted, 262)[8] = 0;
     Bytes expected = Shown(gray);
     for (std::uint8_t& tone : expected) tone = static_cast<std::uint8_t>(255 - tone);
     EXPECT_EQ(Shown(load("b.tif", inverted)), expected) << depth;
@@ -184,62 +142,31 @@ TEST_F(FileTest, depths_and_resolutions_are_those_asked_for) {
 }
 
 TEST_F(FileTest, thumbnails_are_the_averaged_page_in_its_frame) {
-  struct Row {
-    LTTHUMBNAILOPTIONS options;  // width, height, bits, flags, aspect, size, background
-    int width, height;           // of the page in it
-  };
-  const Row rows[] = {{{30, 30, 0, 0, 1, 0, 0, 0, 0}, 30, 10},
-                      {{20, 31, 0, 0, 0, 0, 0, 0, 0}, 20, 31},
-                      {{9, 1, 0, 0, 1, 0, 0, 0, 0}, 3, 1},
-                      {{2, 90, 0, 0, 1, 0, 0, 0, 0}, 2, 1},
-                      {{181, 180, 0, 0, 1, 1, 0x808080, 0, 0}, 181, 60},
-                      {{60, 11, 24, 0, 1, 1, 0x0A0B0C, 0, 0}, 33, 11},
-                      {{41, 40, 24, 0, 1, 1, 0x00C000, 0, 0}, 41, 14}};
+  // width, height, bits, flags, aspect, size, background
+  constexpr LTTHUMBNAILOPTIONS kWishes[] = {{30, 30, 0, 0, 1, 0, 0, 0, 0},
+                                            {20, 31, 0, 0, 0, 0, 0, 0, 0},
+                                            {9, 1, 0, 0, 1, 0, 0, 0, 0},
+                                            {2, 90, 0, 0, 1, 0, 0, 0, 0},
+                                            {181, 180, 0, 0, 1, 1, 0x808080, 0, 0},
+                                            {60, 11, 24, 0, 1, 1, 0x0A0B0C, 0, 0},
+                                            {41, 40, 24, 0, 1, 1, 0x00C000, 0, 0},
+                                            {41, 40, 4, 1, 1, 1, 0x1020C0, 0, 0},
+                                            {10, 0, 0, 0, 0, 0, 0, 0, 0},
+                                            {-5, 10, 0, 0, 0, 0, 0, 0, 0}};
+  rig::Sum sum;
   for (const rig::Kind kind : rig::kKinds) {
-    if (kind.depth == 16) continue;
-    const OwnedDib image = Picture(kind, 90, 30);
-    ASSERT_EQ(save(image, "a.png", kFormatPng), kModuleSuccess);
-    for (Row row : rows) {
-      LTTHUMBNAILOPTIONS& wish = row.options;
-      SCOPED_TRACE(testing::Message()
-                   << kind.depth << " bits, " << wish.width << " by " << wish.height);
-      if (kind.inColors()) wish.bitsPerPixel = 24;
+    ASSERT_EQ(save(Picture(kind, 90, 30), "a.png", kFormatPng), kModuleSuccess);
+    for (const LTTHUMBNAILOPTIONS& wish : kWishes) {
       const OwnedDib made = thumbnail("a.png", &wish);
-      ASSERT_EQ(code_, kModuleSuccess);
-      EXPECT_EQ(rig::DepthOf(made), wish.bitsPerPixel == 0 ? kind.depth : wish.bitsPerPixel);
-      OwnedDib page = kind.inColors() || wish.backgroundColor == 0x00C000
-                          ? rig::Changed(image, rig::ToDepth(std::max(kind.depth, 24)))
-                          : pictures::CopyOf(image.get());
-      rig::Apply(rig::Do(L_SizeBitmap, row.width, row.height, kSizeBest), page);
-      const View from(page);
-      const View to(made);
-      const bool framed = wish.forceSize != 0;
-      ASSERT_EQ(to.width(), framed ? wish.width : row.width);
-      ASSERT_EQ(to.height(), framed ? wish.height : row.height);
-      const int left = (to.width() - row.width) / 2;
-      const int below = (to.height() - row.height + 1) / 2;
-      const unsigned ground = static_cast<unsigned>(wish.backgroundColor);
-      const Color background{double(ground & 255), double(ground >> 8 & 255), double(ground >> 16)};
-      for (int y = 0; y < to.height(); ++y) {
-        for (int x = 0; x < to.width(); ++x) {
-          Color expected =
-              from.holds(x - left, y - below) ? from.color(x - left, y - below) : background;
-          if (to.depth() == 24) expected[3] = 0;
-          ASSERT_EQ(to.color(x, y), expected) << x << ", " << y;
-        }
-      }
+      sum.add(code_);
+      sum.add(made ? pictures::BytesOf(made.get()) : Bytes());
     }
   }
-  const auto codeOf = [&](const char* name, const LTTHUMBNAILOPTIONS* options) {
-    EXPECT_FALSE(thumbnail(name, options));
-    return code_;
-  };
-  const LTTHUMBNAILOPTIONS flat{10, 0, 0, 0, 0, 0, 0, 0, 0};
-  const LTTHUMBNAILOPTIONS thin{-5, 10, 0, 0, 0, 0, 0, 0, 0};
-  EXPECT_EQ(codeOf("a.png", &flat), kModuleBadParameter);
-  EXPECT_EQ(codeOf("a.png", &thin), kModuleBadParameter);
-  EXPECT_EQ(codeOf("a.png", nullptr), kModuleBadParameter);
-  EXPECT_EQ(codeOf("absent", &rows[0].options), kModuleFileNotFound);
+  sum.expect(0x14486638756C8D20, "thumbnails");
+  EXPECT_FALSE(thumbnail("a.png", nullptr));
+  EXPECT_EQ(code_, kModuleBadParameter);
+  EXPECT_FALSE(thumbnail("absent", &kWishes[0]));
+  EXPECT_EQ(code_, kModuleFileNotFound);
 }
 
 // The decoder's own shrinking shows what the whole page, averaged, shows, and is never enlarged.

@@ -203,13 +203,10 @@ TEST_F(DocumentTest, pages_follow_resolution_and_orientation) {
   files.clear();
   std::string names;
   for (int orientation = 1; orientation <= 8; ++orientation) {
-    Bytes bytes = read("plain.jpg");
-    const Bytes exif = rig::Builder()
-                           .add({0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'M', 'M'})
-                           .big16({42, 0, 8, 1, 0x112, 3, 0, 1, orientation, 0, 0, 0});
-    bytes.insert(bytes.begin() + 2, exif.begin(), exif.end());
     files.push_back(std::to_string(orientation) + ".jpg");
-    write(files.back(), bytes);
+    write(files.back(),
+          rig::WithExif(read("plain.jpg"),
+                        "'MM S42 I8 S1 S274 S3 I1 S" + std::to_string(orientation) + " S0 S0 S0"));
     names += files.back() + " ";
   }
   ASSERT_TRUE(make(files));
