@@ -4,10 +4,11 @@
 #define TESTS_MODULES_FIXTURE_H
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -24,8 +25,6 @@ using orvo::OwnedDib;
 using pictures::Locked;
 using Bytes = std::vector<std::uint8_t>;
 using Operation = std::function<int(struct_LEAD_Bitmap*)>;
-// Red, green, blue, and the fourth byte of 32 bits (else 0).
-using Color = std::array<double, 4>;
 
 // Every kind of image: gray ones have bytes that are their tones.
 struct Kind {
@@ -47,68 +46,31 @@ inline OwnedDib Picture(Kind kind, int width, int height, unsigned seed = 5) {
   return dib;
 }
 
-// A locked image, pixel by pixel. Rows are counted as stored.
-class View {
- public:
-  explicit View(const OwnedDib& dib) : image_(dib.get()), layout_(image_.layout()) {}
-
-  [[nodiscard]] int width() const { return layout_.width; }
-  [[nodiscard]] int height() const { return layout_.height; }
-  [[nodiscard]] int depth() const { return layout_.depth; }
-  [[nodiscard]] const BITMAPINFOHEADER& header() const { return *image_.header(); }
-  [[nodiscard]] RGBQUAD* palette() const { return image_.palette(); }
-  [[nodiscard]] std::uint8_t* row(int y) const { return image_.row(y); }
-  [[nodiscard]] bool holds(int x, int y) const {
-    return x >= 0 && y >= 0 && x < width() && y < height();
-  }
-
-  // A pixel's bits.
-  [[nodiscard]] unsigned value(int x, int y) const {
-    const std::uint8_t* const bytes = row(y);
-    const auto bits = static_cast<unsigned>(depth());
-    const unsigned at = static_cast<unsigned>(x) * bits;
-    if (bits < 8) return bytes[at / 8] >> (8 - bits - at % 8) & ((1U << bits) - 1);
-    unsigned value = 0;
-    for (unsigned i = bits / 8; i-- > 0;) value = value << 8 | bytes[at / 8 + i];
-    return value;
-  }
-  [[nodiscard]] Color entry(unsigned index) const {
-    const RGBQUAD& color = palette()[index];
-    return {double(color.rgbRed), double(color.rgbGreen), double(color.rgbBlue)};
-  }
-  [[nodiscard]] Color color(int x, int y) const {
-    const unsigned pixel = value(x, y);
-    if (depth() <= 8) return entry(pixel);
-    const auto channel = [&](unsigned place) {
-      const unsigned narrow = pixel >> (5 * place) & 31;
-      return double(depth() == 16 ? narrow << 3 | narrow >> 2 : pixel >> (8 * place) & 255);
-    };
-    return {channel(2), channel(1), channel(0), depth() == 32 ? channel(3) : 0};
-  }
-  // All colours from the top left; with the fourth bytes when asked.
-  [[nodiscard]] Bytes shown(bool withFourth = false) const {
-    Bytes all;
-    for (int y = height() - 1; y >= 0; --y) {
-      for (int x = 0; x < width(); ++x) {
-        const Color each = color(x, y);
-        for (std::size_t c = 0; c < (withFourth ? 4U : 3U); ++c) {
-          all.push_back(static_cast<std::uint8_t>(each[c]));
-        }
+// Red, green and blue of all pixels from the top left, and the fourth bytes of 32 bits when asked.
+inline Bytes Shown(const OwnedDib& dib, bool withFourth = false) {
+  const Locked image(dib.get());
+  const orvo::DibLayout layout = image.layout();
+  const auto depth = static_cast<unsigned>(layout.depth);
+  Bytes all;
+  for (int y = layout.height; y-- > 0;) {
+    for (unsigned bit = 0; bit < static_cast<unsigned>(layout.width) * depth; bit += depth) {
+      const std::uint8_t* bytes = image.row(y) + bit / 8;
+      const unsigned narrow = depth == 16 ? bytes[0] | unsigned{bytes[1]} << 8 : 0;
+      if (depth <= 8) {
+        const unsigned index = bytes[0] >> (8 - depth - bit % 8) & ((1U << depth) - 1);
+        bytes = reinterpret_cast<const std::uint8_t*>(image.palette() + index);
+      }
+      for (const unsigned c : {2U, 1U, 0U, 3U}) {
+        const unsigned tone = narrow >> (5 * c) & 31;
+        if (c == 3 && !withFourth) continue;
+        all.push_back(depth == 16 ? static_cast<std::uint8_t>(tone << 3 | tone >> 2) : bytes[c]);
       }
     }
-    return all;
   }
-
- private:
-  Locked image_;
-  orvo::DibLayout layout_;
-};
-
-inline Bytes Shown(const OwnedDib& dib, bool withFourth = false) {
-  return View(dib).shown(withFourth);
+  return all;
 }
-inline int DepthOf(const OwnedDib& dib) {
-  return View(dib).depth();
+inline BITMAPINFOHEADER HeaderOf(const OwnedDib& dib) {
+  return *Locked(dib.get()).header();
 }
 // The largest difference of two pictures' bytes; 256 when they differ in size.
 inline int LargestDifference(const Bytes& a, const Bytes& b) {
@@ -255,6 +217,19 @@ class ModuleTest : public testing::Test {
     }
     EXPECT_EQ(pclose(pipe), 0) << command;
     return output;
+  }
+  // Does the work with files limited to so many bytes, as a full disk would.
+  template <class Work>
+  static auto inSpaceOf(std::size_t bytes, const Work& work) {
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{bytes, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const auto result = work();
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    return result;
   }
   [[nodiscard]] std::string text(const std::string& command) const {
     const Bytes output = run(command);

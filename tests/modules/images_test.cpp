@@ -152,7 +152,7 @@ TEST_F(ModuleTest, images_change_to_the_last_bit) {
 
 TEST_F(ModuleTest, a_repeated_palette_colour_keeps_its_index_when_sharpened) {
   const OwnedDib source = rig::Picture({8, false}, 31, 12);
-  std::fill_n(rig::View(source).palette(), 256, RGBQUAD{9, 8, 7, 6});
+  std::fill_n(rig::Locked(source.get()).palette(), 256, RGBQUAD{9, 8, 7, 6});
   const OwnedDib got = rig::Changed(source, Do(L_SharpenBitmap, 1000));
   EXPECT_EQ(Difference(source.get(), got.get()), "");
 }

@@ -105,7 +105,7 @@ class FileTest : public ModuleTest {
   // What a file's description says agrees with the image that it loads.
   void expectInfo(const std::string& name, const OwnedDib& image, const char* compression) {
     const LTFILEINFO told = info(name);
-    const BITMAPINFOHEADER header = View(image).header();
+    const BITMAPINFOHEADER header = rig::HeaderOf(image);
     EXPECT_EQ(code_, kModuleSuccess);
     EXPECT_EQ(told.width, header.biWidth);
     EXPECT_EQ(told.height, header.biHeight);

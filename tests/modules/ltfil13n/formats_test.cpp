@@ -34,9 +34,9 @@ const char* CompressionOf(int format, int depth, bool second) {
 // A cell `a/b` tells of two kinds: a gray palette or colours, no opacity or some.
 OwnedDib Made(int width, int depth, bool second) {
   OwnedDib image = rig::Picture({depth, !second}, width, width / 5 + 4);
-  const rig::View view(image);
-  rig::Locked(image.get()).header()->biYPelsPerMeter = 5001;  // no whole dots per inch
-  for (int i = 0; depth == 32 && !second && i < view.width() * view.height(); ++i) {
+  const rig::Locked view(image.get());
+  view.header()->biYPelsPerMeter = 5001;  // no whole dots per inch
+  for (int i = 0; depth == 32 && !second && i < width * (width / 5 + 4); ++i) {
     view.row(0)[4 * i + 3] = 0;
   }
   return image;
@@ -78,7 +78,7 @@ TEST_F(FileTest, every_cell_of_the_page_of_formats_holds) {
           EXPECT_LE(
               rig::LargestDifference(rig::Shown(back, withFourth), rig::Shown(image, withFourth)),
               format == kFormatJpeg ? 6 : 0);
-          const BITMAPINFOHEADER header = rig::View(back).header();
+          const BITMAPINFOHEADER header = rig::HeaderOf(back);
           EXPECT_EQ(std::to_string(header.biBitCount), kind);
           EXPECT_NE(std::find(reads.begin(), reads.end(), kind), reads.end());
           EXPECT_EQ(header.biXPelsPerMeter, keepsResolution ? 11811 : 0);
