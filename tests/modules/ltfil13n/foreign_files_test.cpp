@@ -19,7 +19,6 @@ const Row kRows[] = {
     {"", "BMP3:a.bmp", 24, "none"},
     {"", "b.bmp", 24, "none"},  // version 4
     {"-colors 60 -compress RLE", "BMP3:c.bmp", 8, "RLE"},
-    {"-colors 9", "BMP3:d.bmp", 4, "none"},
     {"-quality 80 -sampling-factor 2x2", "a.jpg", 24, "JPEG"},
     {"-interlace JPEG", "b.jpg", 24, "JPEG"},
     {"-colorspace Gray", "c.jpg", 8, "JPEG"},
@@ -42,14 +41,11 @@ const Row kRows[] = {
     {"-depth 12", "h.tif", 24, "none", 1},
     {"-colorspace Gray -define quantum:polarity=min-is-white", "i.tif", 8, "none"},
     {"-colorspace Gray -depth 16 -compress LZW", "j.tif", 8, "LZW", 1},
-    {"-colorspace Gray -depth 2 -define quantum:polarity=min-is-white", "k.tif", 4, "none"},
+    {"-colorspace Gray -depth 2", "k.tif", 4, "none"},
     {"-colorspace Gray -depth 4 -define tiff:tile-geometry=32x16", "l.tif", 4, "none"},
-    {"-colors 14 -type Palette -depth 4", "n.tif", 4, "none"},
     {"-monochrome -compress Group4", "o.tif", 1, "CCITT G4"},
     {"-monochrome -compress Fax", "p.tif", 1, "CCITT G3"},
-    {"-monochrome -depth 1 -compress LZW -define quantum:polarity=min-is-black", "q.tif", 1, "LZW"},
     {"-colorspace CMYK -interlace Plane -compress LZW", "r.tif", 24, "LZW", 2},
-    {"-colorspace CMYK", "s.tif", 24, "none", 2},
     {"-compress JPEG -quality 95", "t.tif", 24, "JPEG", 2},
     {"-colorspace Gray -alpha set -channel A -evaluate set 40%", "u.tif", 32, "none"},
     {"-alpha set -channel A -evaluate set 40% -define tiff:alpha=associated", "v.tif", 32, "none",
@@ -64,8 +60,6 @@ const Row kRows[] = {
     {"-compress None", "a.pcx", 24, "none"},
     {"-colors 20", "b.dcx", 8, "none"},
     {"-compress RLE -orient BottomLeft", "a.tga", 24, "none"},
-    {"-colors 90 -compress RLE", "b.tga", 8, "RLE"},
-    {"", "a.pct", 24, "none"},
 };
 
 TEST_F(FileTest, files_of_other_programs_show_the_same_pixels) {
@@ -99,10 +93,9 @@ TEST_F(FileTest, files_of_other_programs_show_the_same_pixels) {
     }
     EXPECT_LE(rig::LargestDifference(rig::Shown(loaded, row.depth == 32), expected), row.tolerance);
     expectInfo(name, loaded, row.compression);
-    const bool hasResolution = !name.ends_with("ras") && !name.ends_with("tga");
     const bool turned = info(name).width == 43;
-    EXPECT_EQ(info(name).xResolution, !hasResolution ? 0 : turned ? 150 : 300);
-    EXPECT_EQ(info(name).yResolution, !hasResolution ? 0 : turned ? 300 : 150);
+    EXPECT_EQ(info(name).xResolution, name.ends_with("tga") ? 0 : turned ? 150 : 300);
+    EXPECT_EQ(info(name).yResolution, name.ends_with("tga") ? 0 : turned ? 300 : 150);
   }
 }
 

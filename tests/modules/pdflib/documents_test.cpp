@@ -96,12 +96,8 @@ constexpr Row kRows[] = {
     {"-colors 200 -type Palette -compress RLE", "k.tif", "index 1 8 image", 1},
     {"-colors 13 -type Palette -depth 4 -define tiff:tile-geometry=32x16", "l.tif",
      "index 1 4 image"},
-    {"-compress LZW -define tiff:tile-geometry=32x32", "m.tif", "rgb 3 8 image"},
     {"-depth 16 -orient BottomLeft", "q.tif", "rgb 3 8 image", 1},
-    {"-alpha set -channel A -evaluate multiply 0.6 +channel", "r.tif", "rgb 3 8 image", 1},
     {"-monochrome", "a.png", "gray 1 1 ccitt"},
-    {"-colorspace Gray -depth 2 -interlace PNG", "c.png", "gray 1 2 image"},
-    {"-colors 100", "d.png", "index 1 8 image"},
     {"-alpha set -channel A -evaluate multiply 0.3 +channel", "f.png", "rgb 3 8 image", 1},
     {"-transparent red -colors 50 PNG8:-|convert -", "h.png", "index 1 8 image", 1},
     {"-colors 2 -size 70x46 xc:red", "a.gif", "index 1 1 ccitt"},  // the first frame
@@ -210,18 +206,13 @@ TEST_F(DocumentTest, damaged_pictures_leave_no_document) {
   for (const char* const file : {"c.tif", "missing.jpg", "missing.tif", "missing.gif"}) {
     EXPECT_FALSE(make({file})) << file;
   }
-  std::mt19937 random(1);
   for (const std::string name : {"a.jpg", "a.png", "a.gif", "a.tif", "b.tif"}) {
     const Bytes whole = read(name);
-    for (std::size_t trial = 0; trial < 60; ++trial) {
+    for (const std::size_t tenths : {0U, 3U, 5U, 9U}) {
       bytes = whole;
-      const bool cut = trial % 15 == 0;
-      if (cut) bytes.resize(whole.size() * trial / 60);
-      for (int i = 0; !cut && i < 4; ++i) {
-        bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
-      }
+      bytes.resize(whole.size() * tenths / 10);
       write(name, bytes);
-      EXPECT_FALSE(make({name}) && cut) << name << " " << trial;
+      EXPECT_FALSE(make({name})) << name << " " << tenths;
     }
   }
 }
