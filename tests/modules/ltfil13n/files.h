@@ -110,11 +110,12 @@ class FileTest : public ModuleTest {
     EXPECT_STREQ(told.compression, compression);
   }
 
-  // Codes, description and image of a file; the size of what libraries pack is left out.
+  // Codes, description and image of a file; what differs between versions of the libraries is left
+  // out: the size of what they pack, and pixels of JPEG.
   void addFile(Sum& sum, const std::string& name, const Bytes& bytes) {
     const OwnedDib image = load(name, bytes);
     sum.add(code_);
-    sum.add(image ? pictures::BytesOf(image.get()) : Bytes());
+    if (!name.ends_with("jpg")) sum.add(image ? pictures::BytesOf(image.get()) : Bytes());
     LTFILEINFO told = info(name);
     sum.add(code_);
     told.sizeOnDisk = 0;

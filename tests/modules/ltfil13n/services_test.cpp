@@ -10,6 +10,44 @@ using rig::OwnedDib;
 using rig::Picture;
 using rig::Shown;
 
+TEST_F(FileTest, formats_keep_what_they_can_at_every_depth) {
+  const std::tuple<const char*, int, std::uint64_t> formats[] = {
+      {"a.bmp", kFormatBmp, 0x0},  {"a.jpg", kFormatJpeg, 0x0},
+      {"a.png", kFormatPng, 0x0},  {"a.psd", kFormatPsd, 0x0},
+      {"a.tga", kFormatTga, 0x0},  {"a.pcx", kFormatPcx, 0x0},
+      {"a.tif", kFormatTiff, 0x0}, {"b.tif", kFormatTiffCompressed, 0x0},
+      {"a.pct", kFormatPct, 0x0},  {"a.ras", kFormatRas, 0x0}};
+  for (const auto& [name, format, expected] : formats) {
+    rig::Sum sum;
+    for (const rig::Kind kind : {rig::Kind{1, true},
+                                 {4, true},
+                                 {1, false},
+                                 {4, false},
+                                 {8, false},
+                                 {8, true},
+                                 {16, false},
+                                 {24, false},
+                                 {32, false},
+                                 {32, true}}) {
+      for (const int width : {1, 2, 7, 8, 33, 251}) {
+        const OwnedDib image = Picture(kind, width, width / 5 + 4);
+        const rig::Locked view(image.get());
+        view.header()->biYPelsPerMeter = 5001;  // no whole dots per inch
+        for (int i = 0; kind.depth == 32 && kind.gray && i < width * (width / 5 + 4); ++i) {
+          view.row(0)[4 * i + 3] = 0;
+        }
+        const int code = save(image, name, format, 100);
+        sum.add(code);
+        if (code != kModuleSuccess) continue;
+        addFile(sum, name, read(name));
+        if (format != kFormatJpeg) continue;
+        EXPECT_LE(rig::LargestDifference(Shown(load(name)), Shown(image)), 6);
+      }
+    }
+    sum.expect(expected, name);
+  }
+}
+
 TEST_F(FileTest, pictures_stand_upright_at_every_depth) {
   rig::Sum sum;
   for (const rig::Kind kind : rig::kKinds) {
