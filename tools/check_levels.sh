@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Every level of vector instructions gives the same bytes, and a processor without AVX runs them too:
-# the client on sample pictures, and small images of every width on such a processor.
+# the client on sample pictures, and the adjustments of every size on such a processor.
 #
 #   tools/check_levels.sh BUILD_FOLDER     a build with tests
 set -euo pipefail
@@ -36,4 +36,4 @@ run old "${old_processor[@]}" "$build/bin/orvo"
 diff -r "$work/best" "$work/old"
 echo "the same pictures at each level and on a processor without AVX"
 
-"${old_processor[@]}" "$build/bin/adjust_test" --gtest_brief=1 --gtest_filter='*SmallImages*'
+"${old_processor[@]}" "$build/bin/imaging_test" --gtest_brief=1 --gtest_filter='Adjust.*'
