@@ -88,15 +88,10 @@ TEST_F(Slots, ModuleCodesBecomeTheToolkits) {
     state.answers["L_InvertBitmap"] = {static_cast<double>(answered)};
     sum << toolkit->InvertInPlace(image.address(), nullptr);
   }
-  EXPECT_EQ(sum.hex(), "291bbbc2");
-  std::string known;
-  std::set<std::string> texts;
   for (int code = -1; code < 30; ++code) {
-    if (std::string(OrvoResultName(code)) != "unknown") known += std::to_string(code) + " ";
-    texts.insert(std::string(OrvoResultName(code)) + OrvoResultText(code));
+    sum << std::string(OrvoResultName(code)) << std::string(OrvoResultText(code));
   }
-  EXPECT_EQ(known, "0 1 2 4 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 ");
-  EXPECT_EQ(texts.size(), 20U) << "each code's own, and one for all others";
+  EXPECT_EQ(sum.hex(), "aeb8ed21");
   EXPECT_STREQ(OrvoResultName(4), "ORVO_ERR_BAD_DEPTH");
 }
 

@@ -33,9 +33,13 @@ State& TheState();
 // All entries, module by module, in the order in which they are looked up.
 const Log& EntryNames();
 
+}  // namespace watched
+
+namespace rig {
+
 // The n-th operator new from now on fails, once; 0 lets all succeed.
 void FailNew(int n) noexcept;
 
-}  // namespace watched
+}  // namespace rig
 
 #endif  // TESTS_TABLE_WATCHED_MODULES_H
