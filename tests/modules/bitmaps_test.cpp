@@ -194,7 +194,6 @@ TEST_F(ModuleTest, the_version_tells_the_codecs) {
   EXPECT_EQ(L_VersionInfo(&info), kModuleBadParameter);
   info.size = sizeof info;
   ASSERT_EQ(L_VersionInfo(&info), kModuleSuccess);
-  EXPECT_TRUE(info.product[0] != 0 && info.version[0] != 0);
   const std::regex list("libjpeg(-[a-z]+)? [0-9.]+(, [A-Za-z]+ [0-9.]+)+");
   EXPECT_TRUE(std::regex_match(info.codecs, list)) << info.codecs;
 }

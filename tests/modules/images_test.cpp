@@ -110,21 +110,21 @@ std::vector<Operation> Remaps() {
 
 TEST_F(ModuleTest, images_change_to_the_last_bit) {
   const auto changes = {-1001, -1000, -600, -333, 0, 1, 200, 700, 1000, 1001, kLeast};
-  const Row rows[] = {{"depth", 0x635CDB5253CFC641, Depths()},
-                      {"gray", 0x1B1DEA45C1334055, Each(L_GrayScaleBitmap, {8, 4, 0})},
-                      {"turn", 0x4E3A83E6C7BF8F23, Turns()},
-                      {"size", 0x800D8445B187EE0F, Sizes()},
-                      {"cut", 0x5DA07175FC839AC1, Cuts()},
-                      {"contrast", 0xC66BB869B387FBA3, Each(L_ChangeBitmapContrast, changes)},
-                      {"intensity", 0xE2187D5D6F6FAF87, Each(L_ChangeBitmapIntensity, changes)},
-                      {"saturation", 0xDADB8DCB5056BA6D, Each(L_ChangeBitmapSaturation, changes)},
-                      {"sharpness", 0xF4C9C0DB12188592, Each(L_SharpenBitmap, changes)},
-                      {"hue", 0x9EC8D356E5CC2B30,
+  const Row rows[] = {{"depth", 0xE7B7BCC2A1DF648E, Depths()},
+                      {"gray", 0xC08996B791491EDF, Each(L_GrayScaleBitmap, {8, 4, 0})},
+                      {"turn", 0x83096E8DD01FCC07, Turns()},
+                      {"size", 0xBEF8608AD890C03B, Sizes()},
+                      {"cut", 0x6C0CEA4032A2F49F, Cuts()},
+                      {"contrast", 0xCFDF7647AA60D98F, Each(L_ChangeBitmapContrast, changes)},
+                      {"intensity", 0x3B30DC9E84F5FD9E, Each(L_ChangeBitmapIntensity, changes)},
+                      {"saturation", 0x4E3079E898F10445, Each(L_ChangeBitmapSaturation, changes)},
+                      {"sharpness", 0x89A9AEB95FBC3A08, Each(L_SharpenBitmap, changes)},
+                      {"hue", 0x144083C4CDF156F3,
                        Each(L_ChangeBitmapHue, {0, 1234, -7777, 12000, -36000, kMost, kLeast})},
-                      {"gamma", 0x1594571A3960D84F,
+                      {"gamma", 0xFF2F0D5D85A290B8,
                        Each(L_GammaCorrectBitmap, {0U, 1U, 45U, 100U, 200U, 4294967295U})},
-                      {"invert", 0x7750C5DC1DA72E45, {L_InvertBitmap}},
-                      {"remap", 0x8F978E3C31DCA7BC, Remaps()}};
+                      {"invert", 0x32F61C384A97BE95, {L_InvertBitmap}},
+                      {"remap", 0xEF6584A92394311C, Remaps()}};
   constexpr int kSizes[][2] = {{1, 1}, {1, 5}, {6, 1}, {4, 4}, {16, 16}, {33, 21}, {70, 41}};
   for (const Row& row : rows) {
     rig::Sum sum;
@@ -132,6 +132,10 @@ TEST_F(ModuleTest, images_change_to_the_last_bit) {
       for (const auto& [width, height] : kSizes) {
         const OwnedDib source = rig::Picture(kind, width, height);
         rig::Locked(source.get()).header()->biYPelsPerMeter = 5001;
+        // The first of equal colours is found, and an index that stands for one of them stays.
+        if (kind.inColors()) rig::Locked(source.get()).palette()[1] = {9, 8, 7, 6};
+        if (kind.inColors())
+          rig::Locked(source.get()).palette()[(1 << kind.depth) - 1] = {9, 8, 7, 6};
         for (const Operation& operation : row.operations) {
           OwnedDib got = CopyOf(source.get());
           OwnedDib watched = CopyOf(source.get());
@@ -148,13 +152,6 @@ TEST_F(ModuleTest, images_change_to_the_last_bit) {
     }
     sum.expect(row.sum, row.name);
   }
-}
-
-TEST_F(ModuleTest, a_repeated_palette_colour_keeps_its_index_when_sharpened) {
-  const OwnedDib source = rig::Picture({8, false}, 31, 12);
-  std::fill_n(rig::Locked(source.get()).palette(), 256, RGBQUAD{9, 8, 7, 6});
-  const OwnedDib got = rig::Changed(source, Do(L_SharpenBitmap, 1000));
-  EXPECT_EQ(Difference(source.get(), got.get()), "");
 }
 
 }  // namespace

@@ -53,6 +53,13 @@ inline Bytes WithExif(Bytes jpeg, const std::string& block) {
   return jpeg;
 }
 
+inline constexpr std::pair<const char*, int> kFormats[] = {
+    {"a.bmp", kFormatBmp},  {"a.jpg", kFormatJpeg},
+    {"a.png", kFormatPng},  {"a.psd", kFormatPsd},
+    {"a.tga", kFormatTga},  {"a.pcx", kFormatPcx},
+    {"a.tif", kFormatTiff}, {"b.tif", kFormatTiffCompressed},
+    {"a.pct", kFormatPct},  {"a.ras", kFormatRas}};
+
 class FileTest : public ModuleTest {
  protected:
   // The image of a file's first page; empty when it does not load. `code_` is the module's.

@@ -11,14 +11,8 @@ using rig::Picture;
 using rig::Shown;
 
 TEST_F(FileTest, formats_keep_what_they_can_at_every_depth) {
-  const std::tuple<const char*, int, std::uint64_t> formats[] = {
-      {"a.bmp", kFormatBmp, 0x0},  {"a.jpg", kFormatJpeg, 0x0},
-      {"a.png", kFormatPng, 0x0},  {"a.psd", kFormatPsd, 0x0},
-      {"a.tga", kFormatTga, 0x0},  {"a.pcx", kFormatPcx, 0x0},
-      {"a.tif", kFormatTiff, 0x0}, {"b.tif", kFormatTiffCompressed, 0x0},
-      {"a.pct", kFormatPct, 0x0},  {"a.ras", kFormatRas, 0x0}};
-  for (const auto& [name, format, expected] : formats) {
-    rig::Sum sum;
+  rig::Sum sum;
+  for (const auto& [name, format] : rig::kFormats) {
     for (const rig::Kind kind : {rig::Kind{1, true},
                                  {4, true},
                                  {1, false},
@@ -44,8 +38,8 @@ TEST_F(FileTest, formats_keep_what_they_can_at_every_depth) {
         EXPECT_LE(rig::LargestDifference(Shown(load(name)), Shown(image)), 6);
       }
     }
-    sum.expect(expected, name);
   }
+  sum.expect(0xC45E702F5CFC6703, "formats");
 }
 
 TEST_F(FileTest, pictures_stand_upright_at_every_depth) {
@@ -150,15 +144,6 @@ TEST_F(FileTest, depths_and_resolutions_are_those_asked_for) {
   EXPECT_EQ(bitmap.width, 40);
   L_FreeBitmap(&bitmap);
   EXPECT_NE(text("tiffinfo a.tif").find("Resolution: 72, 144 pixels/inch"), std::string::npos);
-  // One colour in a palette of grays is no gray.
-  for (const int entry : {0, 255}) {
-    const OwnedDib tinted = Picture({8, true}, 60, 40);
-    rig::Locked(tinted.get()).palette()[entry] = {0, 0, 255, 0};
-    for (const int format : {kFormatPng, kFormatTiff, kFormatPsd, kFormatBmp, kFormatJpeg}) {
-      EXPECT_EQ(save(tinted, "tinted", format, 100), kModuleSuccess);
-      EXPECT_LE(rig::LargestDifference(Shown(load("tinted")), Shown(tinted)), 9) << format;
-    }
-  }
   rig::Locked(colors.get()).header()->biXPelsPerMeter = 0;
   for (const int format : {kFormatBmp, kFormatPng, kFormatTiff, kFormatPsd, kFormatJpeg}) {
     EXPECT_EQ(save(colors, "none", format), kModuleSuccess);
