@@ -1,7 +1,6 @@
 // How images enter and leave bitmaps, and what the operations of both image modules do when they
 // are watched, stopped, out of memory or given nothing: the image then stays as it was.
 #include <limits>
-#include <regex>
 
 #include "modules/fixture.h"
 
@@ -185,17 +184,6 @@ TEST_F(ModuleTest, another_bitmap_may_take_the_result) {
     EXPECT_EQ(Difference(picture.get(), OwnedDib(L_ChangeToDIB(&source)).get()), "");
     L_FreeBitmap(&target);
   }
-}
-
-TEST_F(ModuleTest, the_version_tells_the_codecs) {
-  LTVERSIONINFO info{};
-  EXPECT_EQ(L_VersionInfo(nullptr), kModuleBadParameter);
-  info.size = sizeof info - 1;
-  EXPECT_EQ(L_VersionInfo(&info), kModuleBadParameter);
-  info.size = sizeof info;
-  ASSERT_EQ(L_VersionInfo(&info), kModuleSuccess);
-  const std::regex list("libjpeg(-[a-z]+)? [0-9.]+(, [A-Za-z]+ [0-9.]+)+");
-  EXPECT_TRUE(std::regex_match(info.codecs, list)) << info.codecs;
 }
 
 }  // namespace

@@ -53,8 +53,6 @@ const Row kRows[] = {
     {"-compress None", "a.psd", 24, "none"},
     {"-depth 16 -compress RLE", "b.psd", 24, "RLE", 1},
     {"( -clone 0 -negate ) -compress RLE", "e.psd", 24, "RLE"},  // with a layer
-    {"-compress None", "a.pcx", 24, "none"},
-    {"-colors 20", "b.dcx", 8, "none"},
     {"-compress RLE -orient BottomLeft", "a.tga", 24, "none"},
 };
 
