@@ -1,4 +1,6 @@
-// Working images for tests of pixel functions, and the check sums of what these write.
+// Working images for tests of pixel functions, the comparison of a function with its plain form
+// (the same steps, written down as slowly and simply as possible), and check sums of what others
+// write.
 #ifndef TESTS_IMAGING_PLAIN_IMAGE_H
 #define TESTS_IMAGING_PLAIN_IMAGE_H
 
@@ -8,6 +10,7 @@
 #include <cstdint>
 #include <random>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace plain {
@@ -23,6 +26,9 @@ struct Image {
   }
   [[nodiscard]] std::size_t at(std::uint32_t x, std::uint32_t y) const {
     return stride() * y + std::size_t{x} * static_cast<std::size_t>(depth) / 8;
+  }
+  [[nodiscard]] std::string name() const {
+    return testing::PrintToString(std::tuple(width, height, depth));
   }
 };
 
@@ -44,6 +50,28 @@ inline Bytes Fill(const Image& image, int content, unsigned seed) {
     bytes[i] = static_cast<std::uint8_t>(of[content]);
   }
   return bytes;
+}
+
+// Compares what two functions write from a source to a target, apart and in place; neither touches
+// what lies round the rows.
+template <class Shipped, class Plain>
+void ExpectSame(const Image& image, const Bytes& source, Shipped shipped, Plain plainly) {
+  constexpr std::size_t kAround = 64;
+  constexpr std::uint8_t kMarker = 0xA5;
+  for (const bool inPlace : {false, true}) {
+    Bytes expected(source.size() + 2 * kAround, kMarker);
+    if (inPlace) std::copy(source.begin(), source.end(), expected.begin() + kAround);
+    Bytes got = expected;
+    std::uint8_t* const expectedRows = &expected[kAround];
+    std::uint8_t* const rows = &got[kAround];
+    plainly(inPlace ? expectedRows : source.data(), expectedRows);
+    shipped(inPlace ? rows : source.data(), rows);
+    const auto at = std::mismatch(expected.begin(), expected.end(), got.begin()).first -
+                    expected.begin() - static_cast<std::ptrdiff_t>(kAround);
+    const auto stride = static_cast<std::ptrdiff_t>(image.stride());
+    ASSERT_TRUE(expected == got) << (inPlace ? "in place" : "apart") << ", first in row "
+                                 << at / stride << ", byte " << at % stride;
+  }
 }
 
 // One number that stands for many results, for steps whose plain form would be the same code again:
