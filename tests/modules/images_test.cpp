@@ -50,7 +50,7 @@ std::vector<Operation> Depths() {
     });
   }
   // Smooth, so that far more colours than the palette has lie close to each other.
-  const Operation smooth = Then(rig::ToDepth(24), Do(L_SizeBitmap, 400, 150, kSizeBest));
+  const Operation smooth = Then(rig::ToDepth(24), Do(L_SizeBitmap, 100, 60, kSizeBest));
   for (const int bits : {4, 8}) all.push_back(Then(smooth, rig::ToDepth(bits, 1)));
   for (const int bits : {16, 24, 32}) {  // and back, and through grays
     all.push_back(Then(rig::ToDepth(bits), rig::ToDepth(8, 7)));
@@ -110,7 +110,7 @@ std::vector<Operation> Remaps() {
 
 TEST_F(ModuleTest, images_change_to_the_last_bit) {
   const auto changes = {-1001, -1000, -600, -333, 0, 1, 200, 700, 1000, 1001, kLeast};
-  const Row rows[] = {{"depth", 0xE7B7BCC2A1DF648E, Depths()},
+  const Row rows[] = {{"depth", 0xA7A765CDF713A31E, Depths()},
                       {"gray", 0xC08996B791491EDF, Each(L_GrayScaleBitmap, {8, 4, 0})},
                       {"turn", 0x83096E8DD01FCC07, Turns()},
                       {"size", 0xBEF8608AD890C03B, Sizes()},
