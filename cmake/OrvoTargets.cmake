@@ -53,6 +53,15 @@ elseif(NOT MSVC)
   target_link_libraries(orvo_build_flags INTERFACE orvo_hardening)
 endif()
 
+# For code that takes no time when it runs, and long to compile.
+if(MSVC)
+  set(ORVO_QUICK_BUILD)
+elseif(ORVO_SANITIZE)
+  set(ORVO_QUICK_BUILD -O0)
+else()
+  set(ORVO_QUICK_BUILD $<$<NOT:$<CONFIG:Debug>>:-O1>)
+endif()
+
 # What a library exports, as a linker's version script lists it.
 function(orvo_exports target script)
   if(UNIX AND NOT APPLE)
