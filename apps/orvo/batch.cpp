@@ -13,8 +13,6 @@
 namespace client {
 namespace {
 
-using nlohmann::ordered_json;
-
 // A command may refuse a picture's depth; another command brings the picture to one that it takes.
 std::string DepthHint(const Operation& operation, DibHandle picture) {
   const auto shape = ShapeOf(picture);
@@ -73,15 +71,15 @@ int Carry(const Operation& operation, Job& job) {
   return code;
 }
 
-ordered_json Entry(const Job& job, int code) {
-  ordered_json entry = ordered_json::object();
-  if (!job.source.empty()) entry["input"] = job.source;
-  if (!job.target.empty() && code == ORVO_OK) entry["output"] = job.target;
-  entry["result"] = OrvoResultName(code);
+Report Entry(const Job& job, int code) {
+  Report entry;
+  if (!job.source.empty()) entry.set("input", job.source);
+  if (!job.target.empty() && code == ORVO_OK) entry.set("output", job.target);
+  entry.set("result", OrvoResultName(code));
   if (const auto shape = ShapeOf(job.image.get()); shape && code == ORVO_OK) {
-    entry["picture"] = ToJson(*shape);
+    entry.set("picture", Described(*shape));
   }
-  if (job.report.is_object()) entry.update(job.report);
+  entry.take(job.report);
   return entry;
 }
 
@@ -105,7 +103,7 @@ class Session {
     const int code = Carry(*request_.operation, job);
     if (json_) {
       entries_.push_back(Entry(job, code));
-    } else if (!job.report.empty()) {
+    } else if (!job.report.isNothing()) {
       PrintText(job.source, job.report);
     }
     if (code == ORVO_OK) {
@@ -143,11 +141,11 @@ class Session {
     const std::size_t skipped = planned - done_ - failed_;
     if (planned > 1) tellSummary(planned, skipped);
     if (json_) {
-      ordered_json document = StartDocument(*request_.operation, request_.parameters);
+      Report document = ReportOfCall(*request_.operation, request_.parameters);
       if (request_.operation->subject == Subject::kToolkit) {
-        document.update(entries_.front());
+        document.take(entries_.front());
       } else {
-        document["files"] = entries_;
+        document.set("files", std::move(entries_));
       }
       PrintJson(document);
     }
@@ -168,7 +166,7 @@ class Session {
   FurtherTargets furtherTargets_;
   bool json_;
   int quality_;
-  ordered_json entries_ = ordered_json::array();
+  Report::List entries_;
   std::size_t done_ = 0;
   std::size_t failed_ = 0;
   bool moduleMissing_ = false;

@@ -7,26 +7,24 @@
 namespace client {
 namespace {
 
-using nlohmann::ordered_json;
-
 int Info(Job& job) {
   ORVOIMAGEFILEINFO info{};
   if (const int code = job.toolkit.ImageFileInfo(job.source.c_str(), &info); code != ORVO_OK) {
     return code;
   }
-  job.report["file"] = {{"width", info.width},
-                        {"height", info.height},
-                        {"bits", info.bitsPerPixel},
-                        {"x_dpi", info.xResolution},
-                        {"y_dpi", info.yResolution},
-                        {"bytes_on_disk", info.sizeOnDisk},
-                        {"bytes_in_memory", info.sizeInMemory},
-                        {"pages", PageCount(job.source)}};
+  job.report.set("file", Report::Fields{{"width", info.width},
+                                        {"height", info.height},
+                                        {"bits", info.bitsPerPixel},
+                                        {"x_dpi", info.xResolution},
+                                        {"y_dpi", info.yResolution},
+                                        {"bytes_on_disk", info.sizeOnDisk},
+                                        {"bytes_in_memory", info.sizeInMemory},
+                                        {"pages", PageCount(job.source)}});
   const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
   if (code != ORVO_OK) return code;
   const auto shape = ShapeOf(job.image.get());
   if (!shape) return ORVO_ERR_NO_BITMAP;
-  job.report["picture"] = ToJson(*shape);
+  job.report.set("picture", Described(*shape));
   return ORVO_OK;
 }
 
@@ -37,12 +35,13 @@ int Formats(Job& job) {
   int count = 0;
   const int code = job.toolkit.GetFileExtensions(&count, names.data(), &bytes);
   if (code != ORVO_OK) return code;
-  ordered_json& list = job.report["extensions"] = ordered_json::array();
+  Report::List list;
   const char* name = names.c_str();
   for (int i = 0; i < count; ++i) {
-    list.push_back(name);
-    name += list.back().get_ref<const std::string&>().size() + 1;
+    list.emplace_back(name);
+    name += std::string_view(name).size() + 1;
   }
+  job.report.set("extensions", std::move(list));
   return ORVO_OK;
 }
 
@@ -53,12 +52,12 @@ int Version(Job& job) {
   ORVOVERSIONINFO info{};
   info.vendorInfo = &module;
   const int code = job.toolkit.GetVersion(&info);
-  job.report["version"] = info.version;
+  job.report.set("version", info.version);
   if (code == ORVO_OK) {
-    job.report["module"] = std::string(module.product) + " " + module.version;
-    job.report["codecs"] = module.codecs;
+    job.report.set("module", std::string(module.product) + " " + module.version);
+    job.report.set("codecs", module.codecs);
   } else {
-    job.report["module"] = nullptr;
+    job.report.set("module", nullptr);
   }
   return code == ORVO_ERR_NO_VENDOR ? ORVO_OK : code;
 }

@@ -47,7 +47,7 @@ int SaveInto(Job& job, DibHandle picture, const fs::path& folder, const std::str
   if (!job.hint.empty()) return ORVO_ERR_FILE_OPEN;
   const int code = job.toolkit.SaveFile(picture, target.c_str(), 0, job.quality);
   if (code == ORVO_OK) {
-    job.report["written"].push_back(target);
+    job.report.append("written", target);
   } else {
     job.hint = "while writing " + target;
   }
@@ -63,9 +63,13 @@ int SaveMarked(Job& job, const Rects& rects, const RGBQUAD& color, const fs::pat
   return SaveInto(job, marked.get(), folder, fs::path(job.source).stem().string() + "-marked.png");
 }
 
-nlohmann::ordered_json ToJson(const Rects& rects) {
-  auto list = nlohmann::ordered_json::array();
-  for (const RECT& rect : rects) list.push_back({rect.left, rect.top, rect.right, rect.bottom});
+Report Listed(const RECT& rect) {
+  return Report::List{rect.left, rect.top, rect.right, rect.bottom};
+}
+
+Report Listed(const Rects& rects) {
+  Report::List list;
+  for (const RECT& rect : rects) list.push_back(Listed(rect));
   return list;
 }
 

@@ -27,8 +27,9 @@ int SaveInto(Job& job, DibHandle picture, const std::filesystem::path& folder,
 int SaveMarked(Job& job, const Rects& rects, const RGBQUAD& color,
                const std::filesystem::path& folder);
 
-// The rectangles as lists of left, top, right and bottom.
-nlohmann::ordered_json ToJson(const Rects& rects);
+// A rectangle as left, top, right and bottom.
+Report Listed(const RECT& rect);
+Report Listed(const Rects& rects);
 
 }  // namespace client
 

@@ -3,7 +3,6 @@
 #ifndef APPS_ORVO_OPERATIONS_H
 #define APPS_ORVO_OPERATIONS_H
 
-#include <nlohmann/json.hpp>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,6 +12,7 @@
 
 #include "options.h"
 #include "paths.h"
+#include "report.h"
 
 namespace client {
 
@@ -28,7 +28,7 @@ struct Job {
   orvo::OwnedDib image = {};  // loaded before and saved after the work, if the row says so
   bool written = false;       // the work has written the target itself
   std::string hint = {};      // what may help after a failure
-  nlohmann::ordered_json report = nlohmann::ordered_json::object();
+  Report report = {};
 };
 
 enum class Subject {

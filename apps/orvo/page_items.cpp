@@ -48,7 +48,7 @@ int Regions(Job& job) {
   Rects items;
   int code = FindItems(job, items);
   if (code != ORVO_OK) return code;
-  job.report["items"] = ToJson(items);
+  job.report.set("items", Listed(items));
   if (job.parameters.has("crop")) {
     code = Crop(job, items, job.parameters.text("crop"), shape->height);
   }
@@ -65,7 +65,7 @@ int Deskew(Job& job) {
   job.toolkit.AutoDeskew(job.image.get(), upright.receive(job.image), &hundredths, ReportProgress);
   if (!upright) return ORVO_ERR_FAILURE;
   job.image = std::move(upright);
-  job.report["angle"] = hundredths / 100;
+  job.report.set("angle", hundredths / 100);
   return ORVO_OK;
 }
 

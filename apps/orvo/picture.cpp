@@ -34,9 +34,10 @@ std::optional<Shape> ShapeOf(DibHandle picture) {
                .colors = ColorsOf(image.bytes(), image.layout())};
 }
 
-nlohmann::ordered_json ToJson(const Shape& shape) {
-  return {{"width", shape.width},   {"height", shape.height},      {"bits", shape.bits},
-          {"colors", shape.colors}, {"x_dpi", shape.xDotsPerInch}, {"y_dpi", shape.yDotsPerInch}};
+Report Described(const Shape& shape) {
+  return Report::Fields{{"width", shape.width},        {"height", shape.height},
+                        {"bits", shape.bits},          {"colors", shape.colors},
+                        {"x_dpi", shape.xDotsPerInch}, {"y_dpi", shape.yDotsPerInch}};
 }
 
 }  // namespace client

@@ -2,11 +2,12 @@
 #ifndef APPS_ORVO_PICTURE_H
 #define APPS_ORVO_PICTURE_H
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
 
 #include <orvo/dib.h>
+
+#include "report.h"
 
 namespace client {
 
@@ -22,7 +23,7 @@ struct Shape {
 // Nothing for a null or malformed picture.
 std::optional<Shape> ShapeOf(DibHandle picture);
 
-nlohmann::ordered_json ToJson(const Shape& shape);
+Report Described(const Shape& shape);
 
 }  // namespace client
 

@@ -43,9 +43,11 @@ Circles CirclesIn(const Rects& rects) {
   return circles;
 }
 
-nlohmann::ordered_json Listed(const Circles& circles) {
-  auto list = nlohmann::ordered_json::array();
-  for (const Circle& circle : circles) list.push_back({circle.x, circle.y, circle.radius});
+Report ListedCircles(const Circles& circles) {
+  Report::List list;
+  for (const Circle& circle : circles) {
+    list.emplace_back(Report::List{circle.x, circle.y, circle.radius});
+  }
   return list;
 }
 
@@ -121,9 +123,9 @@ int Report(Job& job, const Correction& correction) {
   Rects changed;
   if (correction.picture) changed = ChangedParts(job.image.get(), correction.picture.get());
   const Circles circles = job.parameters.has("at") ? correction.circles : CirclesIn(changed);
-  job.report["eyes"] = circles.size();
-  job.report["circles"] = Listed(circles);
-  job.report["changed"] = ToJson(changed);
+  job.report.set("eyes", circles.size());
+  job.report.set("circles", ListedCircles(circles));
+  job.report.set("changed", Listed(changed));
   if (!job.parameters.has("mark")) return ORVO_OK;
   return SaveMarked(job, FramesRound(changed), kGreen, job.parameters.text("mark"));
 }

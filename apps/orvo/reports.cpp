@@ -1,6 +1,7 @@
 #include "reports.h"
 
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 namespace client {
 namespace {
@@ -9,21 +10,41 @@ using nlohmann::ordered_json;
 
 constexpr int kIndent = 2;
 
-ordered_json Number(const Option& option, double number) {
+Report Number(const Option& option, double number) {
   if (option.kind == ValueKind::kWhole) return static_cast<long>(number);
   return number;
 }
 
-ordered_json ToJson(const Option& option, const Parameters& parameters) {
+Report Given(const Option& option, const Parameters& parameters) {
   if (option.kind == ValueKind::kFlag) return true;
   if (option.kind != ValueKind::kWhole && option.kind != ValueKind::kDecimal) {
     return parameters.text(option.name);
   }
   if (option.atMost == 1) return Number(option, parameters.number(option.name));
-  ordered_json list = ordered_json::array();
+  Report::List list;
   for (const double number : parameters.numbers(option.name))
     list.push_back(Number(option, number));
   return list;
+}
+
+ordered_json ToJson(const Report& report);
+
+ordered_json Converted(const Report::List& list) {
+  ordered_json json = ordered_json::array();
+  for (const Report& item : list) json.push_back(ToJson(item));
+  return json;
+}
+ordered_json Converted(const Report::Fields& fields) {
+  ordered_json json = ordered_json::object();
+  for (const auto& [name, value] : fields) json[name] = ToJson(value);
+  return json;
+}
+ordered_json Converted(const auto& value) {
+  return value;
+}
+
+ordered_json ToJson(const Report& report) {
+  return std::visit([](const auto& value) { return Converted(value); }, report.value());
 }
 
 std::string Spell(const ordered_json& value) {
@@ -52,25 +73,26 @@ void PrintLines(const ordered_json& object, std::size_t indent) {
 
 }  // namespace
 
-ordered_json StartDocument(const Operation& operation, const Parameters& parameters) {
-  ordered_json given = ordered_json::object();
+Report ReportOfCall(const Operation& operation, const Parameters& parameters) {
+  Report::Fields given;
   for (const Option& option : operation.options) {
-    if (parameters.has(option.name)) given[std::string(option.name)] = ToJson(option, parameters);
+    if (parameters.has(option.name)) given.emplace_back(option.name, Given(option, parameters));
   }
-  return {{"command", operation.name}, {"parameters", given}};
+  return Report::Fields{{"command", operation.name}, {"parameters", std::move(given)}};
 }
 
-void PrintJson(const ordered_json& document) {
-  std::cout << document.dump(kIndent, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+void PrintJson(const Report& report) {
+  std::cout << ToJson(report).dump(kIndent, ' ', false, ordered_json::error_handler_t::replace)
+            << '\n';
 }
 
-void PrintText(const std::string& heading, const ordered_json& report) {
-  if (report.is_string()) {
-    std::cout << report.get_ref<const std::string&>();
+void PrintText(const std::string& heading, const Report& report) {
+  if (const auto* const text = std::get_if<std::string>(&report.value())) {
+    std::cout << *text;
     return;
   }
   if (!heading.empty()) std::cout << heading << ":\n";
-  PrintLines(report, heading.empty() ? 0 : kIndent);
+  PrintLines(ToJson(report), heading.empty() ? 0 : kIndent);
 }
 
 }  // namespace client

@@ -1,6 +1,7 @@
 // Commands that clean up scans.
 #include <algorithm>
 
+#include "marks.h"
 #include "operations.h"
 #include "picture.h"
 #include "progress.h"
@@ -41,9 +42,7 @@ int FindContent(Job& job, RECT& rect) {
 int Content(Job& job) {
   RECT rect{};
   const int code = FindContent(job, rect);
-  if (code == ORVO_OK) {
-    job.report["rect"] = {rect.left, rect.top, rect.right, rect.bottom};
-  }
+  if (code == ORVO_OK) job.report.set("rect", Listed(rect));
   return code;
 }
 
@@ -53,7 +52,7 @@ int Trim(Job& job) {
   RECT rect{};
   if (job.parameters.has("auto")) {
     if (const int code = FindContent(job, rect); code != ORVO_OK) return code;
-    job.report["rect"] = {rect.left, rect.top, rect.right, rect.bottom};
+    job.report.set("rect", Listed(rect));
   } else {
     const auto side = [&job](std::size_t index) { return job.parameters.whole("rect", index); };
     rect = {side(0), side(1), side(2), side(3)};
