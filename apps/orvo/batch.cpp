@@ -8,7 +8,7 @@
 #include "picture.h"
 #include "progress.h"
 #include "reports.h"
-#include "tiff_pages.h"
+#include "saving.h"
 
 namespace client {
 namespace {
@@ -23,30 +23,28 @@ std::string DepthHint(const Operation& operation, DibHandle picture) {
          remedy + " first";
 }
 
-// Other pages than the first are never loaded.
-int MindOtherPages(Job& job) {
-  const int pages = PageCount(job.source);
-  if (pages == 1) return ORVO_OK;
-  const std::string count = std::to_string(pages) + " pages";
-  if (job.parameters.has("in-place")) {
-    job.hint = "the file has " + count + ", and only the first would stay";
-    return ORVO_ERR_NOT_SUPPORTED;
-  }
-  TellWarning(job.source, "the file has " + count + ", only the first is used");
-  return ORVO_OK;
-}
-
 int Load(Job& job) {
   BeginStep(job.source, "loading");
-  return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  if (code != ORVO_OK || !MayStayAsItIs(job)) return code;
+  job.before = Copied(job.image.get());
+  return job.before ? ORVO_OK : ORVO_ERR_NO_MEMORY;
 }
 
-int Save(Job& job) {
-  if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
-  BeginStep(job.source, "saving");
-  const int code = job.toolkit.SaveFile(job.image.get(), job.target.c_str(), 0, job.quality);
-  if (code != ORVO_OK && job.hint.empty()) job.hint = "while writing " + job.target;
-  return code;
+int Work(const Operation& operation, Job& job) {
+  BeginStep(job.source, std::string(operation.name));
+  const int code = operation.run(job);
+  if (code == ORVO_ERR_BAD_DEPTH && job.hint.empty()) {
+    job.hint = DepthHint(operation, job.image.get());
+  }
+  // Not every step of the toolkit listens while it works.
+  return code == ORVO_OK && Interrupted() ? ORVO_ERR_CANCELLED : code;
+}
+
+int Finish(Job& job) {
+  if (AreTheSame(job.before.get(), job.image.get())) return KeepAsItIs(job);
+  if (!job.found.empty()) Tell(job.source + ": " + job.found);
+  return SavePicture(job);
 }
 
 int Carry(const Operation& operation, Job& job) {
@@ -54,19 +52,9 @@ int Carry(const Operation& operation, Job& job) {
   const bool loads = operation.loads && operation.subject != Subject::kToolkit;
   if (loads) code = Load(job);
   if (code == ORVO_OK && operation.subject == Subject::kDocument) code = MindOtherPages(job);
-  if (code == ORVO_OK) {
-    BeginStep(job.source, std::string(operation.name));
-    code = operation.run(job);
-    if (code == ORVO_ERR_BAD_DEPTH && job.hint.empty()) {
-      job.hint = DepthHint(operation, job.image.get());
-    }
-  }
-  // Not every step of the toolkit listens while it works.
-  if (code == ORVO_OK && Interrupted()) code = ORVO_ERR_CANCELLED;
-  if (code == ORVO_OK && operation.subject == Subject::kPictures && !job.target.empty() &&
-      !job.written) {
-    code = Save(job);
-  }
+  if (code == ORVO_OK) code = Work(operation, job);
+  const bool saves = operation.subject == Subject::kPictures && !job.target.empty() && !job.written;
+  if (code == ORVO_OK && saves) code = Finish(job);
   ClearProgress();
   return code;
 }
@@ -79,7 +67,10 @@ Report Entry(const Job& job, int code) {
   if (const auto shape = ShapeOf(job.image.get()); shape && code == ORVO_OK) {
     entry.set("picture", Described(*shape));
   }
+  // Some commands tell what has changed.
+  if (job.changed && code == ORVO_OK) entry.set("changed", true);
   entry.take(job.report);
+  if (job.changed == false && code == ORVO_OK) entry.set("changed", false);
   return entry;
 }
 

@@ -4,6 +4,7 @@
 
 #include "operations.h"
 #include "progress.h"
+#include "saving.h"
 
 namespace client {
 namespace {
@@ -20,7 +21,9 @@ int AddPage(Job& job) {
 }
 
 int WriteDocument(Job& job) {
-  return job.toolkit.ConvertFile(job.source.c_str(), job.target.c_str(), 0, ReportProgress);
+  return WriteTarget(job, [&job](const std::string& path) {
+    return job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), 0, ReportProgress);
+  });
 }
 
 std::string CheckDocument(const Parameters& parameters) {

@@ -6,6 +6,7 @@
 #include "operations.h"
 #include "picture.h"
 #include "progress.h"
+#include "saving.h"
 #include "tiff_pages.h"
 
 namespace client {
@@ -65,10 +66,17 @@ int Thumbnail(Job& job) {
 // What the conversion of whole files refuses goes through memory: it knows fewer formats and pages,
 // and tells less about what went wrong.
 int Convert(Job& job) {
-  const int code =
-      job.toolkit.ConvertFile(job.source.c_str(), job.target.c_str(), job.quality, ReportProgress);
+  if (MayStayAsItIs(job)) {
+    const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+    job.written = code == ORVO_OK;
+    return job.written ? KeepAsItIs(job) : code;
+  }
+  const int code = WriteTarget(job, [&job](const std::string& path) {
+    return job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), job.quality, ReportProgress);
+  });
   if (Interrupted()) return ORVO_ERR_CANCELLED;
   job.written = code == ORVO_OK;
+  job.hint.clear();  // the source may be to blame as well
   if (job.written || code == ORVO_ERR_NO_VENDOR) return code;
   // Further pages would be lost on the way through a loaded picture.
   if (IsDocument(job.target) && PageCount(job.source) > 1) return code;

@@ -3,6 +3,7 @@
 #ifndef APPS_ORVO_OPERATIONS_H
 #define APPS_ORVO_OPERATIONS_H
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,9 +26,12 @@ struct Job {
   std::string target;
   int quality = 0;  // of SaveFile
 
-  orvo::OwnedDib image = {};  // loaded before and saved after the work, if the row says so
-  bool written = false;       // the work has written the target itself
-  std::string hint = {};      // what may help after a failure
+  orvo::OwnedDib image = {};         // loaded before and saved after the work, if the row says so
+  orvo::OwnedDib before = {};        // as loaded, when the target may stay as the source is
+  bool written = false;              // the work has written the target itself
+  std::optional<bool> changed = {};  // whether the target shows anything new
+  std::string found = {};            // what there is to say when nothing changed
+  std::string hint = {};             // what may help after a failure
   Report report = {};
 };
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <orvo/dib.h>
+#include <orvo/dib_block.h>
 
 #include "report.h"
 
@@ -24,6 +25,12 @@ struct Shape {
 std::optional<Shape> ShapeOf(DibHandle picture);
 
 Report Described(const Shape& shape);
+
+// Empty when out of memory, or for a null or malformed picture.
+orvo::OwnedDib Copied(DibHandle picture);
+
+// Whether two pictures are the same in every measure, colour, pixel and resolution.
+bool AreTheSame(DibHandle one, DibHandle other);
 
 }  // namespace client
 

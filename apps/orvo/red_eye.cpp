@@ -3,7 +3,6 @@
 
 #include "changes.h"
 #include "marks.h"
-#include "messages.h"
 #include "operations.h"
 #include "picture.h"
 
@@ -105,7 +104,7 @@ int CorrectAll(Job& job, Correction& correction) {
   const int code =
       job.toolkit.AutoRedEye(job.image.get(), correction.picture.receive(job.image), &found);
   if (code != ORVO_ERR_FAILURE || found != 0) return code;
-  Tell(job.source + ": no red eyes were found, the picture stays as it is");
+  job.found = "no red eye found";
   return ORVO_OK;
 }
 

@@ -25,11 +25,18 @@ int AdjustByLevel(Job& job) {
   return code;
 }
 
+// Level 0 of these asks for nothing. Carried out, it would still round the colours on their way
+// through another colour space.
+template <LevelAdjustment kAdjust>
+int AdjustIfAsked(Job& job) {
+  return job.parameters.whole("level") == 0 ? ORVO_OK : AdjustByLevel<kAdjust>(job);
+}
+
 // The equalised windows are this many pixels wide and high.
 constexpr int kExposureWindow = 128;
 
 int Exposure(Job& job) {
-  const int code = AdjustByLevel<&COrvoInstance::ExposureAdjust>(job);
+  const int code = AdjustIfAsked<&COrvoInstance::ExposureAdjust>(job);
   if (code == ORVO_ERR_FAILURE) {
     job.hint = "pictures need at least " + std::to_string(kExposureWindow) + " pixels each way";
   }
@@ -91,7 +98,7 @@ constexpr Operation kRows[] = {
     {.name = "sharpen",
      .summary = "Sharpen a photograph, by its size",
      .example = "--level 7 photo.jpg -o sharp.jpg",
-     .run = AdjustByLevel<&COrvoInstance::SharpnessAdjust>,
+     .run = AdjustIfAsked<&COrvoInstance::SharpnessAdjust>,
      .options = kLevelOptions,
      .depths = kGrayOrTrueColor},
     {.name = "histogram",

@@ -95,8 +95,7 @@ TEST_F(RedEyeTest, APictureWithoutThemStaysAsItIs) {
   const Outcome outcome = run("redeye noise.bmp -o out.bmp");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.output, "noise.bmp:\n  eyes: 0\n  circles: none\n  changed: none\n");
-  EXPECT_EQ(outcome.errors,
-            "orvo: noise.bmp: no red eyes were found, the picture stays as it is\n");
+  EXPECT_EQ(outcome.errors, "orvo: noise.bmp: no red eye found, copied as it is\n");
   EXPECT_TRUE(bytes("out.bmp") == bytes("noise.bmp"));
 }
 

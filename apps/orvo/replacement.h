@@ -1,0 +1,34 @@
+// A result on its way to its name. It is made in a private folder beside the target, under the
+// target's own file name, and takes the target's place in one step when it is whole: until then,
+// and after any failure, what stood there stays as it was.
+#ifndef APPS_ORVO_REPLACEMENT_H
+#define APPS_ORVO_REPLACEMENT_H
+
+#include <filesystem>
+#include <string>
+
+namespace client {
+
+class Replacement {
+ public:
+  // Makes the folder, readable by its owner alone. A link as target is followed once. False when
+  // the folder cannot be made, or when what stands at the target may not be written.
+  explicit Replacement(const std::string& target);
+  ~Replacement();
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+
+  explicit operator bool() const { return !folder_.empty(); }
+  // Where the result is to be made.
+  [[nodiscard]] std::string path() const { return (folder_ / target_.filename()).string(); }
+  // Gives the result the rights of the file that it replaces, and its name. False when that fails.
+  [[nodiscard]] bool commit();
+
+ private:
+  std::filesystem::path target_;
+  std::filesystem::path folder_;
+};
+
+}  // namespace client
+
+#endif  // APPS_ORVO_REPLACEMENT_H

@@ -1,0 +1,31 @@
+// How the result of a command becomes its file.
+#ifndef APPS_ORVO_SAVING_H
+#define APPS_ORVO_SAVING_H
+
+#include <functional>
+#include <string>
+
+#include "operations.h"
+
+namespace client {
+
+// Other pages than the first are never loaded: refused in place, said otherwise.
+int MindOtherPages(Job& job);
+
+// Whether the target may be the source's own bytes if the picture does not change: it is a file of
+// the same kind, and no option asks for writing.
+bool MayStayAsItIs(const Job& job);
+
+// Leaves the source as it is, or copies it byte for byte to another name, and says so.
+int KeepAsItIs(Job& job);
+
+// Makes the target of what `write` writes at the path that it is given; a failure leaves what stood
+// there.
+int WriteTarget(Job& job, const std::function<int(const std::string& path)>& write);
+
+// Saves the picture as the target.
+int SavePicture(Job& job);
+
+}  // namespace client
+
+#endif  // APPS_ORVO_SAVING_H
