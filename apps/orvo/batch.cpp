@@ -4,6 +4,7 @@
 
 #include "document.h"
 #include "messages.h"
+#include "opacity.h"
 #include "paths.h"
 #include "picture.h"
 #include "progress.h"
@@ -26,7 +27,7 @@ std::string DepthHint(const Operation& operation, DibHandle picture) {
 int Load(Job& job) {
   BeginStep(job.source, "loading");
   const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
-  if (code != ORVO_OK || !MayStayAsItIs(job)) return code;
+  if (code != ORVO_OK || !(MayStayAsItIs(job) || HasOpacity(job.image.get()))) return code;
   job.before = Copied(job.image.get());
   return job.before ? ORVO_OK : ORVO_ERR_NO_MEMORY;
 }
@@ -42,7 +43,12 @@ int Work(const Operation& operation, Job& job) {
 }
 
 int Finish(Job& job) {
-  if (AreTheSame(job.before.get(), job.image.get())) return KeepAsItIs(job);
+  if (HasOpacity(job.before.get()) && !HasOpacity(job.image.get())) {
+    if (orvo::OwnedDib whole = WithOpacityOf(job.before.get(), job.image.get()); whole) {
+      job.image = std::move(whole);
+    }
+  }
+  if (MayStayAsItIs(job) && AreTheSame(job.before.get(), job.image.get())) return KeepAsItIs(job);
   if (!job.found.empty()) Tell(job.source + ": " + job.found);
   return SavePicture(job);
 }

@@ -4,6 +4,7 @@
 
 #include "operations.h"
 #include "progress.h"
+#include "saving.h"
 #include "tone_table.h"
 
 namespace client {
@@ -22,16 +23,20 @@ int Invert(Job& job) {
 }
 
 int Gray(Job& job) {
+  if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
   return job.toolkit.ConvertToGrayScaleResInPlace(job.image.address(), ReportProgress);
 }
 
 int Depth(Job& job) {
+  const int bits = std::stoi(job.parameters.text("bits"));
+  if (bits < 32) {
+    if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
+  }
   if (const int code = job.toolkit.SetDitheringMode(job.parameters.whole("dither"));
       code != ORVO_OK) {
     return code;
   }
-  return job.toolkit.ConvertToColorResInPlace(job.image.address(),
-                                              std::stoi(job.parameters.text("bits")));
+  return job.toolkit.ConvertToColorResInPlace(job.image.address(), bits);
 }
 
 int Remap(Job& job) {

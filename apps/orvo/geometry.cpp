@@ -3,6 +3,8 @@
 #include <cmath>
 
 #include "document.h"
+#include "file_kind.h"
+#include "opacity.h"
 #include "operations.h"
 #include "picture.h"
 #include "progress.h"
@@ -63,6 +65,13 @@ int Thumbnail(Job& job) {
                                              job.parameters.whole("size", 1));
 }
 
+// Whether the target cannot hold what a source of 32 bits may have.
+bool MayLoseOpacity(const Job& job) {
+  ORVOIMAGEFILEINFO info{};
+  return !IsDocument(job.target) && !HoldsOpacity(KindOfName(job.target)) &&
+         job.toolkit.ImageFileInfo(job.source.c_str(), &info) == ORVO_OK && info.bitsPerPixel == 32;
+}
+
 // What the conversion of whole files refuses goes through memory: it knows fewer formats and pages,
 // and tells less about what went wrong.
 int Convert(Job& job) {
@@ -71,6 +80,7 @@ int Convert(Job& job) {
     job.written = code == ORVO_OK;
     return job.written ? KeepAsItIs(job) : code;
   }
+  if (MayLoseOpacity(job)) return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
   const int code = WriteTarget(job, [&job](const std::string& path) {
     return job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), job.quality, ReportProgress);
   });

@@ -17,6 +17,13 @@ constexpr Option kCommonOptions[] = {
          "extension, and so format, of output files in a folder: that of -o, else the input's own",
      .kind = ValueKind::kText},
     {.name = "quality", .meaning = "of JPEG files, 100 best", .least = 1, .most = 100},
+    {.name = "background",
+     .meaning = "red, green and blue of what lies under opacity that the result cannot hold; white "
+                "unless given",
+     .least = 0,
+     .most = 255,
+     .fewest = 3,
+     .atMost = 3},
     {.name = "json", .meaning = "report on standard output as JSON", .kind = ValueKind::kFlag},
 };
 

@@ -27,7 +27,7 @@ struct Job {
   int quality = 0;  // of SaveFile
 
   orvo::OwnedDib image = {};         // loaded before and saved after the work, if the row says so
-  orvo::OwnedDib before = {};        // as loaded, when the target may stay as the source is
+  orvo::OwnedDib before = {};        // as loaded, when it has opacity or may stay
   bool written = false;              // the work has written the target itself
   std::optional<bool> changed = {};  // whether the target shows anything new
   std::string found = {};            // what there is to say when nothing changed

@@ -4,6 +4,7 @@
 
 #include "file_kind.h"
 #include "messages.h"
+#include "opacity.h"
 #include "progress.h"
 #include "replacement.h"
 #include "tiff_pages.h"
@@ -24,7 +25,7 @@ int MindOtherPages(Job& job) {
 
 bool MayStayAsItIs(const Job& job) {
   return !job.target.empty() && !job.parameters.has("quality") &&
-         KindOfFile(job.source) == KindOfName(job.target);
+         !job.parameters.has("background") && KindOfFile(job.source) == KindOfName(job.target);
 }
 
 int KeepAsItIs(Job& job) {
@@ -48,8 +49,30 @@ int WriteTarget(Job& job, const std::function<int(const std::string& path)>& wri
   return code;
 }
 
+int LayOnBackground(Job& job) {
+  if (!HasOpacity(job.image.get())) return ORVO_OK;
+  RGBQUAD ground{255, 255, 255, 0};
+  if (job.parameters.has("background")) {
+    const auto tone = [&job](std::size_t index) {
+      return static_cast<std::uint8_t>(job.parameters.whole("background", index));
+    };
+    ground = {tone(2), tone(1), tone(0), 0};
+  } else if (job.parameters.has("in-place")) {
+    job.hint = "its opacity would be lost; --background says what lies under it";
+    return ORVO_ERR_NOT_SUPPORTED;
+  } else {
+    TellWarning(job.source, "its opacity is lost, it is laid on white");
+  }
+  job.image = LaidOn(ground, job.image.get());
+  job.before.reset();
+  return job.image ? ORVO_OK : ORVO_ERR_NO_MEMORY;
+}
+
 int SavePicture(Job& job) {
   if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
+  if (!HoldsOpacity(KindOfName(job.target))) {
+    if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
+  }
   BeginStep(job.source, "saving");
   job.changed = true;
   return WriteTarget(job, [&job](const std::string& path) {

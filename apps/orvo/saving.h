@@ -23,6 +23,10 @@ int KeepAsItIs(Job& job);
 // there.
 int WriteTarget(Job& job, const std::function<int(const std::string& path)>& write);
 
+// Lays a picture with opacity on the background, and says so: for results that cannot hold it.
+// Refused in place unless the user has named a background.
+int LayOnBackground(Job& job);
+
 // Saves the picture as the target.
 int SavePicture(Job& job);
 
