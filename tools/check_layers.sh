@@ -27,7 +27,7 @@ modules/ltkrn13n: modules/common contract platform
 modules/ltimg13n: modules/common contract
 modules/ltfil13n: modules/pictures modules/common contract platform
 modules/pdflib: modules/pictures contract platform
-apps/orvo: table dib
+apps/orvo: table modules/pictures dib
 examples: table dib
 '
 

@@ -6,10 +6,10 @@
 #include "file_kind.h"
 #include "opacity.h"
 #include "operations.h"
+#include "pages.h"
 #include "picture.h"
 #include "progress.h"
 #include "saving.h"
-#include "tiff_pages.h"
 
 namespace client {
 namespace {
@@ -60,6 +60,7 @@ int Resolution(Job& job) {
 }
 
 int Thumbnail(Job& job) {
+  if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
   return job.toolkit.CreateThumbnailFromFile(job.source.c_str(), job.image.receive(),
                                              job.parameters.whole("size", 0),
                                              job.parameters.whole("size", 1));
@@ -80,6 +81,11 @@ int Convert(Job& job) {
     job.written = code == ORVO_OK;
     return job.written ? KeepAsItIs(job) : code;
   }
+  // Whole documents are made of pages as they are coded.
+  if (HasPages(job) && (job.parameters.has("pages") || !IsDocument(job.target))) {
+    job.written = true;
+    return DoPages(job, [] { return ORVO_OK; });
+  }
   if (MayLoseOpacity(job)) return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
   const int code = WriteTarget(job, [&job](const std::string& path) {
     return job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), job.quality, ReportProgress);
@@ -89,7 +95,7 @@ int Convert(Job& job) {
   job.hint.clear();  // the source may be to blame as well
   if (job.written || code == ORVO_ERR_NO_VENDOR) return code;
   // Further pages would be lost on the way through a loaded picture.
-  if (IsDocument(job.target) && PageCount(job.source) > 1) return code;
+  if (IsDocument(job.target) && HasPages(job)) return code;
   return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
 }
 
@@ -128,7 +134,8 @@ constexpr Operation kRows[] = {
      .example = "--to png *.tif -o pages/",
      .run = Convert,
      .loads = false,
-     .inPlace = false},
+     .inPlace = false,
+     .takesPages = false},
     {.name = "rotate",
      .summary = "Turn clockwise; the picture grows, its new corners are white",
      .example = "--angle 90 photo.jpg -o upright.jpg",
@@ -152,7 +159,8 @@ constexpr Operation kRows[] = {
      .run = Thumbnail,
      .options = kThumbnailOptions,
      .loads = false,
-     .inPlace = false},
+     .inPlace = false,
+     .takesPages = false},
 };
 
 }  // namespace

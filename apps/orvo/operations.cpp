@@ -17,6 +17,9 @@ constexpr Option kCommonOptions[] = {
          "extension, and so format, of output files in a folder: that of -o, else the input's own",
      .kind = ValueKind::kText},
     {.name = "quality", .meaning = "of JPEG files, 100 best", .least = 1, .most = 100},
+    {.name = "pages",
+     .meaning = "those of a TIFF file that are taken, such as 1,3-5 or 2-; all unless given",
+     .kind = ValueKind::kText},
     {.name = "background",
      .meaning = "red, green and blue of what lies under opacity that the result cannot hold; white "
                 "unless given",

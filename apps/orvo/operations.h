@@ -51,6 +51,7 @@ struct Operation {
   Subject subject = Subject::kPictures;
   bool loads = true;             // the picture is in job.image before the work
   bool inPlace = true;           // may write over its inputs
+  bool takesPages = true;        // of a picture file: goes through all of its pages
   std::string_view depths = {};  // of pictures that it takes, in words; empty for all
   // What is wrong with options that are each right; empty for nothing.
   std::string (*check)(const Parameters& parameters) = nullptr;

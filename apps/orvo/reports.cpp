@@ -65,6 +65,9 @@ void PrintLines(const ordered_json& object, std::size_t indent) {
     if (value.is_object()) {
       std::cout << '\n';
       PrintLines(value, indent + kIndent);
+    } else if (value.is_array() && !value.empty() && value.front().is_object()) {
+      std::cout << '\n';
+      for (const ordered_json& item : value) PrintLines(item, indent + kIndent);
     } else {
       std::cout << ' ' << Spell(value) << '\n';
     }

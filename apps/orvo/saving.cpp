@@ -25,7 +25,8 @@ int MindOtherPages(Job& job) {
 
 bool MayStayAsItIs(const Job& job) {
   return !job.target.empty() && !job.parameters.has("quality") &&
-         !job.parameters.has("background") && KindOfFile(job.source) == KindOfName(job.target);
+         !job.parameters.has("background") && !job.parameters.has("pages") &&
+         KindOfFile(job.source) == KindOfName(job.target);
 }
 
 int KeepAsItIs(Job& job) {
@@ -69,7 +70,6 @@ int LayOnBackground(Job& job) {
 }
 
 int SavePicture(Job& job) {
-  if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
   if (!HoldsOpacity(KindOfName(job.target))) {
     if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
   }

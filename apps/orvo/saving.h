@@ -9,7 +9,7 @@
 
 namespace client {
 
-// Other pages than the first are never loaded: refused in place, said otherwise.
+// For commands that take the first page alone: says that there are others.
 int MindOtherPages(Job& job);
 
 // Whether the target may be the source's own bytes if the picture does not change: it is a file of

@@ -1,3 +1,5 @@
+#include "pictures/tiff_writer.h"
+
 #include <algorithm>
 #include <array>
 #include <vector>
@@ -5,7 +7,6 @@
 #include "common/color.h"
 #include "common/color_rows.h"
 #include "pictures/codecs.h"
-#include "pictures/tiff_page.h"
 
 namespace modules {
 namespace {
@@ -13,7 +14,7 @@ namespace {
 constexpr std::uint32_t kStripBytes = 1U << 17;
 
 // What the file says about its samples.
-struct Form {
+struct RowForm {
   int bits;
   int samples;
   std::uint16_t photometric;
@@ -29,9 +30,9 @@ std::uint16_t PhotometricOf(const Pixels& image) {
   return isInverse ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_PALETTE;
 }
 
-Form FormFor(const Pixels& image, bool compressed) {
+RowForm FormFor(const Pixels& image, std::uint16_t compression) {
   constexpr int kMostSampleBits = 8;
-  Form form{};
+  RowForm form{};
   form.bits = std::min(image.depth, kMostSampleBits);
   form.samples = image.depth <= 8 ? 1 : HasAlpha(image) ? 4 : 3;
   form.photometric = PhotometricOf(image);
@@ -41,8 +42,9 @@ Form FormFor(const Pixels& image, bool compressed) {
       8;
   form.rowsPerStrip = static_cast<std::uint32_t>(
       std::clamp<std::size_t>(kStripBytes / rowBytes, 1, static_cast<std::size_t>(image.height)));
-  form.compression = compressed ? COMPRESSION_LZW : COMPRESSION_NONE;
-  if (compressed && image.depth == 1 && form.photometric != PHOTOMETRIC_PALETTE) {
+  form.compression = compression;
+  if (compression != COMPRESSION_NONE && image.depth == 1 &&
+      form.photometric != PHOTOMETRIC_PALETTE) {
     // The fax code expects white paper as 0, and readers of it one strip.
     form.compression = COMPRESSION_CCITTFAX4;
     form.flips = form.photometric == PHOTOMETRIC_MINISBLACK;
@@ -85,7 +87,7 @@ void SetResolution(TIFF* tiff, const BITMAPINFOHEADER& header) {
   TIFFSetField(tiff, TIFFTAG_YRESOLUTION, inches ? orvo::DotsPerInch(y) : y / kCentimetresPerMetre);
 }
 
-void SetTags(TIFF* tiff, const LockedDib& image, const Form& form) {
+void SetTags(TIFF* tiff, const LockedDib& image, const RowForm& form) {
   const auto set = [=](std::uint32_t tag, auto... value) {
     Require(TIFFSetField(tiff, tag, value...) != 0, kFileFormatNotWritten);
   };
@@ -102,7 +104,9 @@ void SetTags(TIFF* tiff, const LockedDib& image, const Form& form) {
   if (form.samples == 4) set(TIFFTAG_EXTRASAMPLES, 1, &kAlpha);
   const bool areTones = form.bits == 8 && form.photometric != PHOTOMETRIC_PALETTE;
   if (form.photometric == PHOTOMETRIC_PALETTE) SetPalette(tiff, *image);
-  if (form.compression == COMPRESSION_LZW && areTones) {
+  const bool takesDifferences =
+      form.compression == COMPRESSION_LZW || form.compression == COMPRESSION_ADOBE_DEFLATE;
+  if (takesDifferences && areTones) {
     set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
   }
   SetResolution(tiff, image.header());
@@ -120,7 +124,7 @@ void TurnRound(const std::uint8_t* from, int pixels, std::uint8_t* out) {
 }
 
 // Fills out with a row as the file has it. The library may change it, so it is never the image's.
-void MakeRow(const Pixels& image, const Form& form, int y, std::uint8_t* out,
+void MakeRow(const Pixels& image, const RowForm& form, int y, std::uint8_t* out,
              std::vector<Color>& colors) {
   const std::uint8_t* const row = image.row(y);
   switch (image.depth) {
@@ -142,22 +146,6 @@ void MakeRow(const Pixels& image, const Form& form, int y, std::uint8_t* out,
                  [=](std::uint8_t byte) { return static_cast<std::uint8_t>(byte ^ flip); });
 }
 
-void WritePage(TIFF* tiff, const LockedDib& locked, const SaveRequest& request) {
-  const Pixels& image = *locked;
-  const Form form = FormFor(image, request.format == kFormatTiffCompressed);
-  SetTags(tiff, locked, form);
-  std::vector<std::uint8_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)));
-  std::vector<Color> colors;
-  Progress progress(static_cast<std::uint64_t>(image.height), request.report);
-  for (int line = 0; line < image.height; ++line) {
-    MakeRow(image, form, image.height - 1 - line, row.data(), colors);
-    Require(TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(line), 0) == 1,
-            kModuleWriteFailed);
-    Require(progress.report(static_cast<std::uint64_t>(line) + 1), kModuleAborted);
-  }
-  Require(TIFFWriteDirectory(tiff) != 0, kModuleWriteFailed);
-}
-
 // Whether the chain of pages can be followed to its end, so that one more can be hung there.
 void CheckAppendable(const char* path) {
   int faults = 0;
@@ -168,23 +156,58 @@ void CheckAppendable(const char* path) {
   Require(TIFFLastDirectory(tiff.get()) != 0 && faults == 0, kFileFormatDamaged);
 }
 
+const char* ModeOf(TiffWriter::Form form) {
+  switch (form) {
+    case TiffWriter::Form::kPlain:
+      return "w";
+    case TiffWriter::Form::kBig:
+      return "w8";
+    default:
+      return "a";
+  }
+}
+
 }  // namespace
+
+TiffWriter::TiffWriter(const char* path, Form form)
+    : tiff_(OpenTiffFile(path, ModeOf(form), faults_)) {
+  Require(tiff_, kModuleFileNotOpened);
+}
+
+void TiffWriter::add(const LockedDib& image, std::uint16_t compression, Report report,
+                     const MoreTags& moreTags) {
+  TIFF* const tiff = tiff_.get();
+  const RowForm form = FormFor(*image, compression);
+  SetTags(tiff, image, form);
+  if (moreTags) moreTags(tiff);
+  std::vector<std::uint8_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)));
+  std::vector<Color> colors;
+  Progress progress(static_cast<std::uint64_t>(image->height), report);
+  for (int line = 0; line < image->height; ++line) {
+    MakeRow(*image, form, image->height - 1 - line, row.data(), colors);
+    Require(TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(line), 0) == 1,
+            kModuleWriteFailed);
+    Require(progress.report(static_cast<std::uint64_t>(line) + 1), kModuleAborted);
+  }
+  Require(TIFFWriteDirectory(tiff) != 0, kModuleWriteFailed);
+}
+
+void TiffWriter::finish() {
+  tiff_.reset();
+  Require(faults_ == 0, kModuleWriteFailed);
+}
 
 void SaveTiff(const SaveRequest& request, const LockedDib& image) {
   // Beyond this the offsets of the usual form, 32 bits, may not reach.
   constexpr std::size_t kMostPlainBytes = std::size_t{7} << 29;
   const std::size_t bytes = image->stride * static_cast<std::size_t>(image->height);
-  const char* mode = bytes > kMostPlainBytes ? "w8" : "w";
-  if (request.appendPage) {
-    CheckAppendable(request.path);
-    mode = "a";
-  }
-  int faults = 0;
-  TiffHandle tiff = OpenTiffFile(request.path, mode, faults);
-  Require(tiff, kModuleFileNotOpened);
-  WritePage(tiff.get(), image, request);
-  tiff.reset();
-  Require(faults == 0, kModuleWriteFailed);
+  if (request.appendPage) CheckAppendable(request.path);
+  TiffWriter writer(request.path, request.appendPage        ? TiffWriter::Form::kAppended
+                                  : bytes > kMostPlainBytes ? TiffWriter::Form::kBig
+                                                            : TiffWriter::Form::kPlain);
+  writer.add(image, request.format == kFormatTiffCompressed ? COMPRESSION_LZW : COMPRESSION_NONE,
+             request.report);
+  writer.finish();
 }
 
 }  // namespace modules

@@ -1,0 +1,175 @@
+#include "pages.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+
+#include "file_kind.h"
+#include "picture.h"
+#include "progress.h"
+#include "replacement.h"
+#include "saving.h"
+#include "tiff_pages.h"
+
+namespace client {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A page number; `fallback` for an empty text, 0 for what is none.
+int NumberOf(std::string_view text, int fallback) {
+  if (text.empty()) return fallback;
+  int number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, fault] = std::from_chars(text.data(), end, number);
+  return fault == std::errc{} && stop == end ? number : 0;
+}
+
+// The file's pages, one after the other.
+class Walk {
+ public:
+  Walk(Job& job, const std::function<int()>& work, int count)
+      : job_(job), work_(work), source_(job.source) {
+    pages_ = PagesNamed(job.parameters.has("pages") ? job.parameters.text("pages") : "1-", count);
+  }
+
+  [[nodiscard]] const std::vector<int>& pages() const { return pages_; }
+  [[nodiscard]] bool hasChanged() const { return changed_; }
+  [[nodiscard]] std::uint16_t compression() const { return source_.compression(); }
+  // Bytes of a file of all pages, roughly: compressed ones seldom grow to eight times.
+  [[nodiscard]] std::uint64_t expectedBytes() const {
+    std::error_code fault;
+    return fs::file_size(job_.source, fault) * 8;
+  }
+
+  // Loads a page, changes it, and notes what was reported of it.
+  int step(int page) {
+    const std::string name = "page " + std::to_string(page);
+    BeginStep(job_.source, name);
+    int code = source_.load(page, job_.image);
+    if (code == ORVO_OK) {
+      job_.before = Copied(job_.image.get());
+      code = job_.before ? work_() : ORVO_ERR_NO_MEMORY;
+    }
+    if (code == ORVO_OK && Interrupted()) code = ORVO_ERR_CANCELLED;
+    if (code != ORVO_OK) {
+      job_.hint = job_.hint.empty() ? name : name + ": " + job_.hint;
+      return code;
+    }
+    const bool changed = !AreTheSame(job_.before.get(), job_.image.get());
+    changed_ = changed_ || changed;
+    Report entry = Report::Fields{{"page", page}};
+    entry.take(job_.report);
+    job_.report = {};
+    reports_.push_back(std::move(entry));
+    return ORVO_OK;
+  }
+
+  // Pages of which nothing is to be told but their number are left out.
+  void report() {
+    const bool tells = std::ranges::any_of(reports_, [](const Report& entry) {
+      return std::get<Report::Fields>(entry.value()).size() > 1;
+    });
+    if (tells) job_.report.set("pages", std::move(reports_));
+  }
+
+ private:
+  Job& job_;
+  const std::function<int()>& work_;
+  TiffSource source_;
+  std::vector<int> pages_;
+  Report::List reports_;
+  bool changed_ = false;
+};
+
+// Makes a TIFF file of the changed pages.
+int WritePages(Job& job, Walk& walk, const std::string& path) {
+  TiffTarget target(path, walk.expectedBytes());
+  int code = ORVO_OK;
+  for (const int page : walk.pages()) {
+    if (code == ORVO_OK) code = walk.step(page);
+    if (code == ORVO_OK) code = target.add(job.image.get(), walk.compression());
+  }
+  return code == ORVO_OK ? target.finish() : code;
+}
+
+int IntoOneFile(Job& job, Walk& walk) {
+  Replacement result(job.target);
+  const bool isDocument = KindOfName(job.target) == "pdf";
+  const std::string path =
+      isDocument ? fs::path(result.path()).replace_filename("pages.tif").string() : result.path();
+  int code = result ? WritePages(job, walk, path) : ORVO_ERR_FILE_OPEN;
+  if (code == ORVO_OK && isDocument) {
+    code = job.toolkit.ConvertFile(path.c_str(), result.path().c_str(), 0, ReportProgress);
+  }
+  if (code == ORVO_OK && !walk.hasChanged() && MayStayAsItIs(job)) return KeepAsItIs(job);
+  if (code == ORVO_OK && !result.commit()) code = ORVO_ERR_FILE_IO;
+  if (code != ORVO_OK && job.hint.empty()) job.hint = "while writing " + job.target;
+  job.changed = true;
+  return code;
+}
+
+int IntoFiles(Job& job, Walk& walk) {
+  const fs::path named(job.target);
+  for (const int page : walk.pages()) {
+    if (const int code = walk.step(page); code != ORVO_OK) return code;
+    if (walk.pages().size() > 1) {
+      job.target = (named.parent_path() / named.stem()).string() + "-" + std::to_string(page) +
+                   named.extension().string();
+      job.hint = job.furtherTargets.claim(job.target);
+      if (!job.hint.empty()) return ORVO_ERR_FILE_OPEN;
+    }
+    if (const int code = SavePicture(job); code != ORVO_OK) return code;
+  }
+  return ORVO_OK;
+}
+
+}  // namespace
+
+std::vector<int> PagesNamed(const std::string& text, int count) {
+  std::vector<int> pages;
+  for (std::size_t start = 0; start <= text.size();) {
+    const std::size_t stop = std::min(text.find(',', start), text.size());
+    const std::string_view range = std::string_view(text).substr(start, stop - start);
+    const std::size_t dash = range.find('-');
+    const int first = NumberOf(range.substr(0, dash), 0);
+    const int last =
+        dash == std::string_view::npos ? first : NumberOf(range.substr(dash + 1), count);
+    if (first < 1 || last < first || last > count) return {};
+    for (int page = first; page <= last; ++page) pages.push_back(page);
+    start = stop + 1;
+  }
+  std::ranges::sort(pages);
+  pages.erase(std::ranges::unique(pages).begin(), pages.end());
+  return pages;
+}
+
+bool HasPages(const Job& job) {
+  if (job.target.empty() || KindOfFile(job.source) != "tiff") return false;
+  const int count = PageCount(job.source);
+  return job.parameters.has("pages") || count > 1 || BreaksOff(job.source, count);
+}
+
+int DoPages(Job& job, const std::function<int()>& work) {
+  const int count = PageCount(job.source);
+  if (!job.parameters.has("pages") && BreaksOff(job.source, count)) {
+    job.hint = "damaged after page " + std::to_string(count) + "; --pages 1-" +
+               std::to_string(count) + " takes what there is";
+    return ORVO_ERR_BAD_FILE;
+  }
+  Walk walk(job, work, count);
+  if (walk.pages().empty()) {
+    job.hint = "the file has no such pages";
+    return ORVO_ERR_OUT_OF_RANGE;
+  }
+  if (job.parameters.has("in-place") && static_cast<int>(walk.pages().size()) < count) {
+    job.hint = "the other pages would be lost; --output takes those that are picked";
+    return ORVO_ERR_NOT_SUPPORTED;
+  }
+  const std::string kind = KindOfName(job.target);
+  const int code = kind == "tiff" || kind == "pdf" ? IntoOneFile(job, walk) : IntoFiles(job, walk);
+  walk.report();
+  return code;
+}
+
+}  // namespace client
