@@ -58,6 +58,22 @@ TEST(Mask, EveryKindOfPixelAndSize) {
   EXPECT_EQ(sum.value(), 6218552819601273880U);
 }
 
+// Grays in the palette's order are their own indexes; one entry out of order is a palette again.
+TEST(Mask, OneStrangeEntryIsSeen) {
+  plain::Bytes rows(64 * 64, 0);
+  plain::Bytes palette;
+  for (unsigned i = 0; i < 1024; ++i) palette.push_back(static_cast<std::uint8_t>(i / 4));
+  for (const int black : {0, 255}) {
+    std::fill_n(palette.begin(), 4, static_cast<std::uint8_t>(black));
+    const SourceImage image{64, 64, 8, palette.data(), {}, rows.data(), 64};
+    const Mask mask = ReduceToMask(image, MaskScale(image), 120);
+    EXPECT_EQ(std::ranges::count(mask.bytes, mask.bytes[0]), std::ranges::ssize(mask.bytes));
+    plain::Bytes other(rows.size(), 128);
+    const SourceImage light{64, 64, 8, palette.data(), {}, other.data(), 64};
+    EXPECT_EQ(ReduceToMask(light, MaskScale(light), 120).bytes == mask.bytes, black == 255);
+  }
+}
+
 // --- Blocks --------------------------------------------------------------------------------------
 
 // A block of 5 x 3 pixels with this header, long enough for most, and marks where fields may lie.

@@ -184,6 +184,17 @@ TEST_F(Damage, files_that_are_cut_show_nothing) {
   }
 }
 
+// More codes in a table than there are bytes: the library gives up by itself.
+TEST_F(Damage, tables_that_cannot_be_are_told) {
+  Bytes jpeg = samples().at("24a.jpg");
+  const std::array<std::uint8_t, 2> mark{0xFF, 0xC4};
+  const auto table = std::search(jpeg.begin(), jpeg.end(), mark.begin(), mark.end());
+  ASSERT_NE(table, jpeg.end());
+  std::fill_n(table + 5, 16, std::uint8_t{0xFF});
+  EXPECT_FALSE(load("a.jpg", jpeg));
+  EXPECT_EQ(code_, kFileFormatDamaged);
+}
+
 TEST_F(Damage, failing_memory_is_reported) {
   for (const auto& [name, whole] : samples()) {
     struct_LEAD_Bitmap bitmap{};

@@ -196,7 +196,11 @@ TEST_F(DocumentTest, damaged_pictures_leave_no_document) {
       std::stoul(text("tiffinfo -s a.tif | grep '0: .8*' | tail -1 | tr -d '[' | cut -d: -f2"));
   std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(strip), 400, std::uint8_t{0x5A});
   write("c.tif", bytes);
-  for (const char* const file : {"c.tif", "missing.jpg", "missing.tif", "missing.gif"}) {
+  // What is passed through is not passed through unread.
+  bytes = read("b.tif");
+  std::fill_n(bytes.begin() + 100, 200, std::uint8_t{0x5A});
+  write("d.tif", bytes);
+  for (const char* const file : {"c.tif", "d.tif", "missing.jpg", "missing.tif", "missing.gif"}) {
     EXPECT_FALSE(make({file})) << file;
   }
   for (const std::string name : {"a.jpg", "a.png", "a.gif", "a.tif", "b.tif"}) {
