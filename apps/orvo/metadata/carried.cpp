@@ -1,0 +1,71 @@
+#include "carried.h"
+
+#include <algorithm>
+#include <set>
+
+#include "icc_profile.h"
+
+namespace client {
+namespace {
+
+std::string CannotHold(std::string_view kind) {
+  return std::string(kind) + " cannot hold it";
+}
+
+}  // namespace
+
+void Carried::fitProfile(std::string_view colors) {
+  if (profile.empty()) return;
+  const std::string own = ColorsOfProfile(profile);
+  if (own == colors) return;
+  lose("the color profile", own.empty()
+                                ? "it is damaged"
+                                : "it is for " + own + " and the result is " + std::string(colors));
+  profile.clear();
+}
+
+void Carried::loseSegments(std::string_view kind) {
+  std::set<int> told;
+  for (const JpegSegment& segment : segments) {
+    const int number = segment.marker - kJpegApp0;
+    if (!told.insert(number).second) continue;
+    lose("the JPEG segment APP" + std::to_string(number), CannotHold(kind));
+  }
+  segments.clear();
+}
+
+void Carried::loseChunks(std::string_view kind) {
+  const bool isStandard = std::any_of(chunks.begin(), chunks.end(),
+                                      [](const PngChunk& chunk) { return chunk.type == "sRGB"; });
+  for (const PngChunk& chunk : chunks) {
+    // Texts are carried as such, the resolution comes with the picture, and what is not told about
+    // its colours is sRGB.
+    static const std::set<std::string_view> kToldElsewhere{"tEXt", "zTXt", "iTXt", "pHYs", "sRGB"};
+    const bool isTone = chunk.type == "gAMA" || chunk.type == "cHRM";
+    if (kToldElsewhere.contains(chunk.type) || (isTone && (isStandard || !profile.empty())))
+      continue;
+    lose("the PNG chunk " + chunk.type, CannotHold(kind));
+  }
+  chunks.clear();
+}
+
+void Carried::loseTexts(std::string_view kind) {
+  if (!comments.empty()) lose("the comment", CannotHold(kind));
+  for (const PngText& text : texts) lose("the text " + text.keyword, CannotHold(kind));
+  comments.clear();
+  texts.clear();
+}
+
+void Carried::loseAll(std::string_view kind) {
+  if (!exif.empty()) lose("the EXIF data", CannotHold(kind));
+  if (!xmp.empty()) lose("the XMP data", CannotHold(kind));
+  const Bytes iptc = TakePhotoshop(photoshop, kPhotoshopIptc);
+  if (!iptc.empty()) lose("the IPTC data", CannotHold(kind));
+  if (!photoshop.empty()) lose("the Photoshop data", CannotHold(kind));
+  if (!profile.empty()) lose("the color profile", CannotHold(kind));
+  loseTexts(kind);
+  loseSegments(kind);
+  loseChunks(kind);
+}
+
+}  // namespace client

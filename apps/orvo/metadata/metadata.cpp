@@ -1,0 +1,152 @@
+#include "metadata.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <optional>
+
+#include "carried.h"
+#include "exif_block.h"
+#include "xmp_packet.h"
+
+namespace client {
+namespace {
+
+enum class Kind { kJpeg, kPng, kPhotoshop, kTiff, kOther };
+
+Kind KindOf(const std::string& path) {
+  constexpr std::uint64_t kMarkBytes = 4;
+  FileReader file(path);
+  const Bytes mark = file.read(std::min(kMarkBytes, file.size()));
+  if (StartsWith(mark, "\xFF\xD8\xFF")) return Kind::kJpeg;
+  if (StartsWith(mark, "\x89PNG")) return Kind::kPng;
+  if (StartsWith(mark, "8BPS")) return Kind::kPhotoshop;
+  if (StartsWith(mark, "II") || StartsWith(mark, "MM")) return Kind::kTiff;
+  return Kind::kOther;
+}
+
+// "PCX", of a file that ends so.
+std::string NameOfKind(const std::string& path) {
+  std::string name = std::filesystem::path(path).extension().string();
+  if (name.size() < 2) return "the format";
+  name.erase(0, 1);
+  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char letter) {
+    return static_cast<char>(letter >= 'a' && letter <= 'z' ? letter - 'a' + 'A' : letter);
+  });
+  return name;
+}
+
+// What cannot be read is told and left out; the picture itself could be.
+void Read(const MetadataRequest& request, Carried& carried) {
+  try {
+    switch (KindOf(request.source)) {
+      case Kind::kJpeg:
+        return ReadJpegMetadata(request.source, carried);
+      case Kind::kPng:
+        return ReadPngMetadata(request.source, carried);
+      case Kind::kPhotoshop:
+        return ReadPhotoshopMetadata(request.source, carried);
+      case Kind::kTiff:
+        return ReadTiffMetadata(request.source, request.page, carried);
+      case Kind::kOther:
+        return;
+    }
+  } catch (const MetadataFault& fault) {
+    carried.lose("the metadata", fault.what());
+  }
+}
+
+void TakeOff(Strip strip, Carried& carried) {
+  if (strip == Strip::kNothing) return;
+  Carried rest;
+  if (strip == Strip::kAllButProfile) {
+    rest.profile = std::move(carried.profile);
+    for (PngChunk& chunk : carried.chunks) {
+      const bool tellsColors = chunk.type == "gAMA" || chunk.type == "cHRM" ||
+                               chunk.type == "sRGB" || chunk.type == "cICP";
+      if (tellsColors) rest.chunks.push_back(std::move(chunk));
+    }
+  }
+  rest.density = std::move(carried.density);
+  rest.resolution = std::move(carried.resolution);
+  rest.resolutionOrder = carried.resolutionOrder;
+  carried = std::move(rest);
+}
+
+void DropColors(Carried& carried) {
+  if (!carried.profile.empty()) carried.lose("the color profile", "the colors became others");
+  carried.profile.clear();
+  std::erase_if(carried.chunks, [](const PngChunk& chunk) {
+    return chunk.type == "gAMA" || chunk.type == "cHRM" || chunk.type == "sRGB" ||
+           chunk.type == "cICP";
+  });
+}
+
+// The result is upright: what its source says across is said down.
+void TurnResolution(Carried& carried) {
+  if (!carried.density.empty()) {
+    std::swap_ranges(carried.density.begin() + 1, carried.density.begin() + 3,
+                     carried.density.begin() + 3);
+  }
+  auto& tags = carried.resolution.tags;
+  if (tags.contains(kTagXResolution) && tags.contains(kTagYResolution)) {
+    std::swap(tags[kTagXResolution], tags[kTagYResolution]);
+  }
+}
+
+void DropResolution(Carried& carried) {
+  carried.density.clear();
+  carried.resolution.tags.clear();
+  TakePhotoshop(carried.photoshop, kPhotoshopResolution);
+  std::erase_if(carried.chunks, [](const PngChunk& chunk) { return chunk.type == "pHYs"; });
+}
+
+void BringAllUpToDate(const MetadataRequest& request, Carried& carried) {
+  PictureFacts facts{.width = request.width, .height = request.height};
+  if (request.newResolution) {
+    DropResolution(carried);
+    facts.xDotsPerInch = request.xDotsPerInch;
+    facts.yDotsPerInch = request.yDotsPerInch;
+  } else if (constexpr int kFirstOnItsSide = 5; OrientationOf(carried.exif) >= kFirstOnItsSide) {
+    TurnResolution(carried);
+  }
+  if (!carried.exif.empty() && !BringUpToDate(carried.exif, facts)) {
+    carried.lose("the EXIF data", "it is damaged");
+    carried.exif.clear();
+  }
+  if (!BringUpToDate(carried.xmp, facts)) {
+    carried.lose("the XMP data", "it is not UTF-8 text");
+    carried.xmp.clear();
+  }
+  TakePhotoshop(carried.photoshop, kPhotoshopThumbnail);
+  TakePhotoshop(carried.photoshop, kPhotoshopThumbnailBgr);
+}
+
+void Write(const MetadataRequest& request, Carried& carried) {
+  switch (KindOf(request.result)) {
+    case Kind::kJpeg:
+      return WriteJpegMetadata(request.result, carried);
+    case Kind::kPng:
+      return WritePngMetadata(request.result, carried);
+    case Kind::kPhotoshop:
+      return WritePhotoshopMetadata(request.result, carried);
+    case Kind::kTiff:
+      return WriteTiffMetadata(request.result, request.resultPage, carried);
+    case Kind::kOther:
+      return carried.loseAll(NameOfKind(request.result));
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> KeepMetadata(const MetadataRequest& request) {
+  Carried carried;
+  Read(request, carried);
+  if (request.colorsChanged) DropColors(carried);
+  BringAllUpToDate(request, carried);
+  TakeOff(request.strip, carried);
+  Write(request, carried);
+  return carried.lost;
+}
+
+}  // namespace client

@@ -1,0 +1,39 @@
+// What a picture file holds beside the picture goes with it to the result.
+#ifndef APPS_ORVO_METADATA_METADATA_H
+#define APPS_ORVO_METADATA_METADATA_H
+
+#include <string>
+#include <vector>
+
+#include "file_access.h"
+
+namespace client {
+
+// What is taken off on purpose.
+enum class Strip { kNothing, kAllButProfile, kAll };
+
+struct MetadataRequest {
+  std::string source;
+  int page = 1;  // of a TIFF file
+  // Finished, in the format that it is to have. Its pixels are upright.
+  std::string result;
+  int resultPage = 1;  // of a TIFF file
+  Strip strip = Strip::kNothing;
+  int width = 0;   // of the result as shown, in pixels
+  int height = 0;  // of the result as shown, in pixels
+  // Colours became others, so that the profile no longer explains them.
+  bool colorsChanged = false;
+  // The picture was resampled, or turned with unlike resolutions across and down: what the file
+  // says is the result's own, told here too; 0 when it has none.
+  bool newResolution = false;
+  double xDotsPerInch = 0;
+  double yDotsPerInch = 0;
+};
+
+// Tells what could not be kept, in words, a line each: "the EXIF data: PCX cannot hold it". Throws
+// MetadataFault when the result could not be written anew; then it is as it was.
+std::vector<std::string> KeepMetadata(const MetadataRequest& request);
+
+}  // namespace client
+
+#endif  // APPS_ORVO_METADATA_METADATA_H
