@@ -107,19 +107,16 @@ PngChunk WritePngText(const PngText& text) {
 }
 
 std::optional<Bytes> ReadRawProfile(const PngText& text) {
-  // a line with the kind, a line with the number of bytes, then lines of digits
+  // an empty line, a line with the kind, a line with the number of bytes, then lines of digits
   constexpr std::string_view kBlank = " \n";
   std::string_view rest(text.text);
-  const auto takeWord = [&] {
-    rest.remove_prefix(std::min(rest.find_first_not_of(kBlank), rest.size()));
-    const std::string_view word = rest.substr(0, rest.find_first_of(kBlank));
-    rest.remove_prefix(word.size());
-    return word;
-  };
-  takeWord();
-  const std::string_view length = takeWord();
+  const auto skip = [&](std::size_t most) { rest.remove_prefix(std::min(most, rest.size())); };
+  skip(rest.find_first_not_of(kBlank));
+  skip(rest.find('\n'));
+  skip(rest.find_first_not_of(kBlank));
   std::size_t count = 0;
-  std::from_chars(length.data(), length.data() + length.size(), count);
+  skip(static_cast<std::size_t>(std::from_chars(rest.data(), rest.data() + rest.size(), count).ptr -
+                                rest.data()));
   std::string digits;
   std::copy_if(rest.begin(), rest.end(), std::back_inserter(digits),
                [=](char letter) { return kBlank.find(letter) == std::string_view::npos; });

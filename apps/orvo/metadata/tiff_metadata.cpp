@@ -78,21 +78,32 @@ void PutExif(TagDirectory& tags, View exif, ByteOrder order) {
   ByteOrder own = order;
   TagDirectory block = TagsOf(exif, own);
   if (own != order) TurnByteOrder(block);
+  // The picture's own resolution, where it has one, is what it was loaded with.
+  const bool needsResolution = !tags.tags.contains(kTagXResolution);
   for (auto& [id, tag] : block.tags) {
-    if (!IsOfPixels(id) && !IsResolution(id) && id != kTagOrientation) tags.tags[id] = tag;
+    if (IsOfPixels(id) || id == kTagOrientation || (IsResolution(id) && !needsResolution)) continue;
+    tags.tags[id] = std::move(tag);
   }
-  for (auto& [id, lower] : block.below) tags.below[id] = lower;
+  for (auto& [id, lower] : block.below) tags.below[id] = std::move(lower);
+}
+
+// False when the tag says something else already; cameras fill some with blanks.
+bool PutText(TagDirectory& tags, std::uint16_t id, std::string_view text) {
+  constexpr std::string_view kBlank{" \0", 2};
+  Tag& tag = tags.tags[id];
+  const Tag wanted = TextTag(text);
+  if (TextOf(tag.value).find_first_not_of(kBlank) == std::string_view::npos) tag = wanted;
+  return tag.value == wanted.value;
 }
 
 void PutTexts(TagDirectory& tags, Carried& carried) {
   std::erase_if(carried.texts, [&](const PngText& text) {
-    const std::uint16_t tag = TagFor(text.keyword);
-    return tag != 0 && tags.tags.emplace(tag, TextTag(text.text)).second;
+    const std::uint16_t id = TagFor(text.keyword);
+    return id != 0 && PutText(tags, id, text.text);
   });
-  if (carried.comments.size() == 1 &&
-      tags.tags.emplace(kTagDescription, TextTag(carried.comments.front())).second) {
-    carried.comments.clear();
-  }
+  std::erase_if(carried.comments, [&](const std::string& comment) {
+    return PutText(tags, kTagDescription, comment);
+  });
   carried.loseTexts("TIFF");
 }
 
