@@ -13,10 +13,10 @@ namespace client {
 enum class Strip { kNothing, kAllButProfile, kAll };
 
 struct MetadataRequest {
-  std::string source;
+  std::string source{};
   int page = 1;  // of a TIFF file
   // Finished, in the format that it is to have. Its pixels are upright.
-  std::string result;
+  std::string result{};
   int resultPage = 1;  // of a TIFF file
   Strip strip = Strip::kNothing;
   int width = 0;   // of the result as shown, in pixels
