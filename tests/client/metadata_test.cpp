@@ -282,6 +282,26 @@ TEST_F(MetadataTest, ExifIsChangedWhereItLies) {
   }
 }
 
+TEST_F(MetadataTest, MakersNotesThatCountFromTheFileMoveWithIt) {
+  const auto order = ByteOrder::kLittle;
+  constexpr std::size_t kCameraAt = 8 + 2 + 12 + 4;
+  constexpr std::size_t kNoteAt = kCameraAt + 2 + 12 + 4;
+  for (const Text& start : {Text(), Text{"Maker\0", 6}}) {
+    const Text note =
+        start + Directory({{6, 2, 60, Text(60, 'n')}}, kNoteAt + start.size(), 0, order);
+    const Text exif =
+        Header(order) + Directory({{34665, 4, 1, Number(kCameraAt, 4, order)}}, 8, 0, order) +
+        Directory({{37500, 7, static_cast<std::uint32_t>(note.size()), note}}, kCameraAt, 0, order);
+    keep(Psd(Resource(1058, exif)), Tiff(order, true), {.resultPage = 2});
+    const Text result = bytes("result.bmp");
+    const std::size_t value = result.find(Text(60, 'n'));
+    EXPECT_TRUE(Has(result, Number(60, 4, order) + Number(value, 4, order)));
+    keep(result, Png(""), {.page = 2});
+    const Text block(TextOf(carried("png").exif));
+    EXPECT_TRUE(Has(block, Number(60, 4, order) + Number(block.find(Text(60, 'n')), 4, order)));
+  }
+}
+
 TEST_F(MetadataTest, ResolutionIsTheSourcesUnlessTheResultHasANewOne) {
   keep(RichJpeg(), Jpeg(""));
   EXPECT_TRUE(Has(bytes("result.bmp"), Text{"\1\0\x60\0\x48", 5})) << "turned with the picture";

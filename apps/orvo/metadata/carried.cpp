@@ -29,7 +29,9 @@ void Carried::loseSegments(std::string_view kind) {
   for (const JpegSegment& segment : segments) {
     const int number = segment.marker - kJpegApp0;
     if (!told.insert(number).second) continue;
-    lose("the JPEG segment APP" + std::to_string(number), CannotHold(kind));
+    // Of the first kind only what did not fit into one XMP segment is carried as it was.
+    lose(number == 1 ? "the extended XMP data" : "the JPEG segment APP" + std::to_string(number),
+         CannotHold(kind));
   }
   segments.clear();
 }

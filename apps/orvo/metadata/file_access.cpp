@@ -44,7 +44,10 @@ void ReplaceHead(const std::string& path, View head, std::uint64_t restFrom) {
   file.close();
   std::error_code error;
   const bool written = file.good() && old.good();
-  if (written) std::filesystem::rename(fresh, path, error);
+  if (written) {
+    std::filesystem::permissions(fresh, std::filesystem::status(path).permissions(), error);
+    std::filesystem::rename(fresh, path, error);
+  }
   if (!written || error) {
     std::filesystem::remove(fresh, error);
     throw MetadataFault("the file could not be written anew with its metadata");

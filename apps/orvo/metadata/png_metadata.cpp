@@ -46,17 +46,17 @@ bool TakeRawProfile(const PngText& text, Carried& carried) {
   return true;
 }
 
-void Take(const PngChunk& chunk, Carried& carried) {
+void Take(const PngChunk& chunk, std::size_t& room, Carried& carried) {
   constexpr char kLowerCase = 0x20;
   const bool isNeeded = (chunk.type[0] & kLowerCase) == 0;
   const bool outlivesChanges = (chunk.type[3] & kLowerCase) != 0;
   if (isNeeded || kOfPixels.contains(chunk.type)) return;
   if (chunk.type == kProfile) {
-    carried.profile = ReadPngProfile(chunk);
+    carried.profile = ReadPngProfile(chunk, room);
     if (carried.profile.empty()) carried.lose("the color profile", "it is damaged");
   } else if (chunk.type == kExif) {
     carried.exif = chunk.data;
-  } else if (const auto text = ReadPngText(chunk)) {
+  } else if (const auto text = ReadPngText(chunk, room)) {
     if (text->keyword == kXmpKeyword) {
       carried.xmp = text->text;
     } else if (!TakeRawProfile(*text, carried)) {
@@ -115,7 +115,8 @@ std::vector<PngChunk> ChunksOf(const Carried& carried) {
 
 void ReadPngMetadata(const std::string& path, Carried& carried) {
   const PngChunks chunks = ReadPngChunks(path);
-  for (const PngChunk& chunk : chunks.list) Take(chunk, carried);
+  std::size_t room = std::size_t{64} << 20U;  // for what is compressed
+  for (const PngChunk& chunk : chunks.list) Take(chunk, room, carried);
   for (const std::string& type : chunks.broken) {
     carried.lose("the PNG chunk " + type, "it is damaged");
   }

@@ -9,9 +9,7 @@
 namespace client {
 namespace {
 
-constexpr std::size_t kMostInflated = std::size_t{64} << 20U;
-
-std::optional<Bytes> Inflate(View deflated) {
+std::optional<Bytes> Inflate(View deflated, std::size_t& room) {
   z_stream stream{};
   if (inflateInit(&stream) != Z_OK) return std::nullopt;
   stream.next_in = const_cast<Bytef*>(deflated.data());
@@ -19,11 +17,12 @@ std::optional<Bytes> Inflate(View deflated) {
   std::array<std::uint8_t, 1U << 14U> piece{};
   Bytes bytes;
   int code = Z_OK;
-  while (code == Z_OK && bytes.size() <= kMostInflated) {
+  while (code == Z_OK && room > 0) {
     stream.next_out = piece.data();
     stream.avail_out = static_cast<uInt>(piece.size());
     code = inflate(&stream, Z_NO_FLUSH);
     Append(bytes, View(piece).first(piece.size() - stream.avail_out));
+    room -= std::min(room, piece.size() - stream.avail_out);
   }
   inflateEnd(&stream);
   if (code != Z_STREAM_END) return std::nullopt;
@@ -62,20 +61,20 @@ std::optional<std::string> TakeWord(View& data) {
   return word;
 }
 
-std::optional<std::string> InternationalText(View data) {
+std::optional<std::string> InternationalText(View data, std::size_t& room) {
   if (data.size() < 2) return std::nullopt;
   const bool isDeflated = data[0] != 0;
   data = data.subspan(2);  // the second names the one way of compressing that there is
   if (!TakeWord(data) || !TakeWord(data)) return std::nullopt;  // language, keyword in it
   if (!isDeflated) return std::string(TextOf(data));
-  const auto inflated = Inflate(data);
+  const auto inflated = Inflate(data, room);
   if (!inflated) return std::nullopt;
   return std::string(TextOf(*inflated));
 }
 
 }  // namespace
 
-std::optional<PngText> ReadPngText(const PngChunk& chunk) {
+std::optional<PngText> ReadPngText(const PngChunk& chunk, std::size_t& room) {
   if (chunk.type != "tEXt" && chunk.type != "zTXt" && chunk.type != "iTXt") return std::nullopt;
   View data(chunk.data);
   const auto keyword = TakeWord(data);
@@ -84,9 +83,10 @@ std::optional<PngText> ReadPngText(const PngChunk& chunk) {
   if (chunk.type == "tEXt") {
     text = Utf8OfLatin1(TextOf(data));
   } else if (chunk.type == "iTXt") {
-    text = InternationalText(data);
+    text = InternationalText(data, room);
   } else if (!data.empty()) {
-    if (const auto inflated = Inflate(data.subspan(1))) text = Utf8OfLatin1(TextOf(*inflated));
+    if (const auto inflated = Inflate(data.subspan(1), room))
+      text = Utf8OfLatin1(TextOf(*inflated));
   }
   if (!text) return std::nullopt;
   return PngText{*keyword, *text};
@@ -144,10 +144,10 @@ PngText WriteRawProfile(std::string_view kind, View block) {
   return text;
 }
 
-Bytes ReadPngProfile(const PngChunk& chunk) {
+Bytes ReadPngProfile(const PngChunk& chunk, std::size_t& room) {
   View data(chunk.data);
   if (!TakeWord(data) || data.empty()) return {};
-  return Inflate(data.subspan(1)).value_or(Bytes{});
+  return Inflate(data.subspan(1), room).value_or(Bytes{});
 }
 
 PngChunk WritePngProfile(View profile) {

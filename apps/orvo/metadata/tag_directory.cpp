@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "maker_note.h"
+
 namespace client {
 namespace {
 
@@ -59,7 +61,7 @@ class Reader {
     const std::uint64_t count = number(entry.subspan(4), form_.offsetBytes());
     const View field = entry.last(form_.offsetBytes());
     if (LeadsBelow(tag)) {
-      if (depth < kMostDepth) {
+      if (depth < kMostDepth && !directory.below.contains(tag)) {
         directory.below[tag] = read(number(field, field.size()), depth + 1);
       }
       return;
@@ -71,15 +73,17 @@ class Reader {
       return;
     }
     const std::uint64_t bytes = unit * count;
-    auto value = bytes <= field.size()
+    const bool liesInField = bytes <= field.size();
+    const std::uint64_t at = liesInField ? 0 : number(field, field.size());
+    auto value = liesInField
                      ? Bytes(field.begin(), field.begin() + static_cast<std::ptrdiff_t>(bytes))
-                     : BytesAt(file_, number(field, field.size()), bytes);
+                     : BytesAt(file_, at, bytes);
     if (!value) {
       isWhole_ = false;
       return;
     }
     taken_ += bytes;
-    directory.tags[tag] = {type, std::move(*value)};
+    directory.tags[tag] = {type, std::move(*value), at};
   }
 
   std::istream& file_;
@@ -141,8 +145,11 @@ class Writer {
       return;
     }
     makeEven();
-    put(field, at_ + out_.size(), form_.offsetBytes());
-    Append(out_, tag.value);
+    const std::uint64_t at = at_ + out_.size();
+    put(field, at, form_.offsetBytes());
+    Bytes value = tag.value;
+    if (id == kTagMakerNote && tag.at != 0) MoveMakerNote(value, tag.at, at);
+    Append(out_, value);
   }
   void makeEven() { out_.resize(out_.size() + out_.size() % 2); }
 

@@ -32,6 +32,7 @@ enum TagId : std::uint16_t {
   kTagProfile = 34675,
   kTagGps = 34853,
   kTagLayers = 37724,
+  kTagMakerNote = 37500,
   kTagExifWidth = 40962,
   kTagExifHeight = 40963,
   kTagInterop = 40965,
@@ -52,7 +53,8 @@ std::size_t BytesOfType(std::uint16_t type);
 
 struct Tag {
   std::uint16_t type;
-  Bytes value;  // in the byte order of the directory
+  Bytes value;           // in the byte order of the directory
+  std::uint64_t at = 0;  // where it lay in its file, if it did
 };
 struct TagDirectory {
   std::map<std::uint16_t, Tag> tags;
