@@ -12,6 +12,10 @@ namespace modules {
 // "MM"). Tags that are damaged change nothing.
 void ReadExif(std::span<const std::uint8_t> block, Picture& picture);
 
+// Tells in place that the picture stands upright and measures so many pixels; with `sidesSwapped`
+// the resolutions change places. Tags that are not there stay away.
+void SetExifShape(std::span<std::uint8_t> block, int width, int height, bool sidesSwapped);
+
 }  // namespace modules
 
 #endif  // MODULES_PICTURES_EXIF_H

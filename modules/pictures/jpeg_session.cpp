@@ -90,4 +90,17 @@ void WatchJpeg(JpegSession& session, j_common_ptr codec) {
   codec->progress = &session.monitor;
 }
 
+void DescribeDensity(jpeg_compress_struct& codec, const BITMAPINFOHEADER& header) {
+  constexpr int kMostDensity = 0xFFFF;
+  const int x = orvo::DotsPerInch(header.biXPelsPerMeter);
+  const int y = orvo::DotsPerInch(header.biYPelsPerMeter);
+  // An image without resolution says so in version 1.02: a density without unit in a file of
+  // version 1.01 is read as multiples of 72 dots per inch.
+  codec.JFIF_minor_version = 2;
+  if (x <= 0 || y <= 0 || x > kMostDensity || y > kMostDensity) return;
+  codec.density_unit = 1;  // dots per inch
+  codec.X_density = static_cast<UINT16>(x);
+  codec.Y_density = static_cast<UINT16>(y);
+}
+
 }  // namespace modules

@@ -39,6 +39,8 @@ struct JpegSession {
 void PrepareJpeg(JpegSession& session, j_common_ptr codec);
 // To be called once the object is made: its passes are reported as progress.
 void WatchJpeg(JpegSession& session, j_common_ptr codec);
+// The resolution of a file that is about to be written.
+void DescribeDensity(jpeg_compress_struct& codec, const BITMAPINFOHEADER& header);
 
 }  // namespace modules
 

@@ -75,20 +75,7 @@ class JpegWriter {
       codec_.comp_info[0].h_samp_factor = 1;
       codec_.comp_info[0].v_samp_factor = 1;
     }
-    describeDensity(image.header());
-  }
-
-  void describeDensity(const BITMAPINFOHEADER& header) {
-    constexpr int kMostDensity = 0xFFFF;
-    const int x = orvo::DotsPerInch(header.biXPelsPerMeter);
-    const int y = orvo::DotsPerInch(header.biYPelsPerMeter);
-    // An image without resolution says so in version 1.02: a density without unit in a file of
-    // version 1.01 is read as multiples of 72 dots per inch.
-    codec_.JFIF_minor_version = 2;
-    if (x <= 0 || y <= 0 || x > kMostDensity || y > kMostDensity) return;
-    codec_.density_unit = 1;  // dots per inch
-    codec_.X_density = static_cast<UINT16>(x);
-    codec_.Y_density = static_cast<UINT16>(y);
+    DescribeDensity(codec_, image.header());
   }
 
   static std::uint8_t* converted(const Pixels& image, int y, const RowForm& form, Color* colors) {
