@@ -27,7 +27,7 @@ modules/ltkrn13n: modules/common contract platform
 modules/ltimg13n: modules/common contract
 modules/ltfil13n: modules/pictures modules/common contract platform
 modules/pdflib: modules/pictures contract platform
-apps/orvo: table modules/pictures dib
+apps/orvo: table dib platform modules/pictures modules/common
 examples: table dib
 '
 
