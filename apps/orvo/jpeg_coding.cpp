@@ -24,8 +24,9 @@ void Run(modules::JpegSession& session, j_common_ptr codec, const Calls& calls) 
   }
 }
 
-// Where coded bytes go.
-struct Destination : jpeg_destination_mgr {
+// Where coded bytes go: the library's handle, which comes first, and what stands behind it.
+struct Destination {
+  jpeg_destination_mgr handle;
   Bytes bytes;
 
   // False when out of memory; nothing may be thrown through the library.
@@ -37,14 +38,16 @@ struct Destination : jpeg_destination_mgr {
     } catch (const std::bad_alloc&) {
       return false;
     }
-    next_output_byte = bytes.data() + used;
-    free_in_buffer = bytes.size() - used;
+    handle.next_output_byte = bytes.data() + used;
+    handle.free_in_buffer = bytes.size() - used;
     return true;
   }
 };
 
 boolean Grow(j_compress_ptr codec) {
-  if (!static_cast<Destination*>(codec->dest)->grow()) ERREXIT1(codec, JERR_OUT_OF_MEMORY, 0);
+  if (!reinterpret_cast<Destination*>(codec->dest)->grow()) {
+    ERREXIT1(codec, JERR_OUT_OF_MEMORY, 0);
+  }
   return TRUE;
 }
 
@@ -52,9 +55,9 @@ class JpegOutput {
  public:
   JpegOutput() {
     modules::PrepareJpeg(session_, common());
-    destination_.init_destination = [](j_compress_ptr codec) { (void)Grow(codec); };
-    destination_.empty_output_buffer = Grow;
-    destination_.term_destination = [](j_compress_ptr /*codec*/) {};
+    destination_.handle.init_destination = [](j_compress_ptr codec) { (void)Grow(codec); };
+    destination_.handle.empty_output_buffer = Grow;
+    destination_.handle.term_destination = [](j_compress_ptr /*codec*/) {};
   }
 
   // Lets write(codec) code a picture that `size` and `form` tell of.
@@ -63,7 +66,7 @@ class JpegOutput {
                 const Write& write) {
     Run(session_, common(), [&] {
       jpeg_create_compress(&codec_);
-      codec_.dest = &destination_;
+      codec_.dest = &destination_.handle;
       codec_.image_width = static_cast<JDIMENSION>(width);
       codec_.image_height = static_cast<JDIMENSION>(height);
       codec_.in_color_space = form;
@@ -72,7 +75,7 @@ class JpegOutput {
       write(codec_);
       jpeg_finish_compress(&codec_);
     });
-    destination_.bytes.resize(destination_.bytes.size() - destination_.free_in_buffer);
+    destination_.bytes.resize(destination_.bytes.size() - destination_.handle.free_in_buffer);
     return std::move(destination_.bytes);
   }
 

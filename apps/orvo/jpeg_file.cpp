@@ -177,10 +177,11 @@ void JpegFile::keepFurtherPictures(View before) {
 }
 
 JpegFile TakenApart(View bytes) {
-  Walker walker(bytes);
-  if (bytes.size() < 2 || walker.next() != kStart || walker.place() != 2) {
+  if (bytes.size() < 2 || bytes[0] != 0xFF || bytes[1] != kStart) {
     throw NotPossible{"the file is no JPEG"};
   }
+  Walker walker(bytes);
+  (void)walker.next();
   JpegFile file;
   for (std::uint8_t marker = walker.next(); marker != kEnd; marker = walker.next()) {
     const View segment = walker.segment();

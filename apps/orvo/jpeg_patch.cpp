@@ -14,9 +14,10 @@ namespace {
 
 // The least pieces of a coded picture that hold whole blocks of every component.
 struct Units {
-  explicit Units(const JpegManner& manner) {
-    int mostAcross = 0;
-    int mostDown = 0;
+  explicit Units(const JpegManner& manner)
+      : across(manner.components.front().across), down(manner.components.front().down) {
+    int mostAcross = across;
+    int mostDown = down;
     for (const JpegManner::Component& component : manner.components) {
       across = std::gcd(across, component.across);
       down = std::gcd(down, component.down);
@@ -28,11 +29,11 @@ struct Units {
   }
 
   // Sampling factors that the components have in common.
-  int across = 0;
-  int down = 0;
+  int across;
+  int down;
   // In pixels.
-  int width = 0;
-  int height = 0;
+  int width;
+  int height;
 };
 
 // Units in a grid, those that a correction touches marked.

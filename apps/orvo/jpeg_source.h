@@ -44,8 +44,9 @@ struct JpegManner {
 std::optional<JpegManner> MannerOf(const std::string& path);
 
 // Writes a picture of 24 bits or 8-bit grays as JPEG in this manner; the density is the picture's.
-// Colours in a manner for tones get its table throughout. Gives an ORVO_ code, ORVO_ERR_BAD_DEPTH
-// for other pictures. The target is not touched before all is written.
+// Colours in a manner for tones get its table throughout. Gives an ORVO_ code: ORVO_ERR_BAD_DEPTH
+// for other pictures, ORVO_ERR_NOT_SUPPORTED for factors that nobody here can encode with. The
+// target is not touched before all is written.
 int SaveJpegLike(const JpegManner& manner, DibHandle picture, const std::string& target);
 
 // The quality, 1 to 100, whose standard table for tones is nearest to the file's; 0 for files that

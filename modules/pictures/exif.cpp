@@ -64,7 +64,9 @@ void SetExifShape(std::span<std::uint8_t> block, int width, int height, bool sid
   std::size_t yResolution = 0;
   tags.forEach(tags.firstDirectory(), [&](unsigned tag, std::size_t entry) {
     const std::size_t value = entry + kEntryValue;
-    if (tag == kTagOrientation) tags.put16(value, kUpright);
+    if (tag == kTagOrientation && OrientationOf(tags.at16(value)) != kUpright) {
+      tags.put16(value, kUpright);
+    }
     if (tag == kTagXResolution) xResolution = value;
     if (tag == kTagYResolution) yResolution = value;
     if (tag == kTagCamera) camera = tags.at32(value);

@@ -74,11 +74,11 @@ struct Row {
   // Sampling factors of the first and of the other components.
   int across;
   int down;
-  Colors colors = Colors::kTonesAndTints;
   int othersDown = 1;
-  bool progressive = false;
   unsigned restartInterval = 0;
+  bool progressive = false;
   bool longSteps = false;  // tables of 16 bits
+  Colors colors = Colors::kTonesAndTints;
 };
 constexpr Row kRows[] = {
     {"4:4:4", 64, 80, 1, 1},
@@ -86,14 +86,14 @@ constexpr Row kRows[] = {
     {"4:2:0", 160, 96, 2, 2},
     {"4:4:0", 64, 96, 1, 2},
     {"4:2:0, part blocks", 149, 83, 2, 2},
-    {"4:2:0, progressive", 144, 80, 2, 2, Colors::kTonesAndTints, 1, true, 2},
-    {"4:2:2, restarts", 133, 71, 2, 1, Colors::kTonesAndTints, 1, false, 3},
-    {"4:4:0, progressive, part blocks", 96, 93, 1, 2, Colors::kTonesAndTints, 1, true, 5},
-    {"a common factor", 96, 93, 1, 2, Colors::kTonesAndTints, 2},
-    {"gray", 65, 79, 1, 1, Colors::kTones},
-    {"gray with factors", 65, 79, 2, 2, Colors::kTones},
-    {"red, green and blue", 61, 47, 1, 1, Colors::kRedGreenBlue},
-    {"long steps", 61, 47, 1, 1, Colors::kTonesAndTints, 1, false, 0, true},
+    {"4:2:0, restarts, progressive", 144, 80, 2, 2, 1, 2, true},
+    {"4:2:2, restarts, part blocks", 133, 71, 2, 1, 1, 3},
+    {"4:4:0, restarts, progressive, part blocks", 96, 93, 1, 2, 1, 5, true},
+    {"a common factor", 96, 93, 1, 2, 2},
+    {"gray", 65, 79, 1, 1, 1, 0, false, false, Colors::kTones},
+    {"gray with factors", 65, 79, 2, 2, 1, 0, false, false, Colors::kTones},
+    {"red, green and blue", 61, 47, 1, 1, 1, 0, false, false, Colors::kRedGreenBlue},
+    {"long steps", 61, 47, 1, 1, 1, 0, false, true},
 };
 
 JpegManner MannerOf(const Row& row) {
