@@ -23,7 +23,8 @@ std::string DepthHint(const Operation& operation, DibHandle picture) {
 int Load(Job& job) {
   BeginStep(job.source, "loading");
   const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
-  if (code != ORVO_OK || !(MayStayAsItIs(job) || HasOpacity(job.image.get()))) return code;
+  job.loaded = ShapeOf(job.image.get());
+  if (code != ORVO_OK || !(IsSameKind(job) || HasOpacity(job.image.get()))) return code;
   job.before = Copied(job.image.get());
   return job.before ? ORVO_OK : ORVO_ERR_NO_MEMORY;
 }

@@ -33,8 +33,15 @@ void AddOption(CLI::App& command, const Option& option, Parameters& parameters,
       }
       parameters.set(option, std::move(value));
     };
-    added = command.add_option_function<std::string>(AllSpellings(option), note, HelpText(option));
-    added->type_name(Placeholder(option));
+    if (option.bare.empty()) {
+      added =
+          command.add_option_function<std::string>(AllSpellings(option), note, HelpText(option));
+      added->type_name(Placeholder(option));
+    } else {
+      const std::string help = HelpText(option);
+      added = command.add_flag(AllSpellings(option) + "{" + std::string(option.bare) + "}", help);
+      added->each(note);
+    }
   }
   added->required(option.required)->group(group);
   if (option.repeatable) {

@@ -4,7 +4,7 @@
 
 #include "document.h"
 #include "file_kind.h"
-#include "opacity.h"
+#include "jpeg_turn.h"
 #include "operations.h"
 #include "pages.h"
 #include "picture.h"
@@ -21,7 +21,18 @@ constexpr std::string_view kMethods[] = {"nearest", "bilinear", "best"};
 // What the toolkit calls the methods, in the same order.
 constexpr unsigned kMethodFlags[] = {0, 2, 4};
 
+constexpr int kQuarter = 90;  // degrees
+
+// A quarter turn of a JPEG file only changes the places of what is coded. Where an edge does not
+// end with a whole block, the options say what becomes of it.
 int Rotate(Job& job) {
+  const int angle = job.parameters.whole("angle");
+  if (angle % kQuarter == 0 && KindOfFile(job.source) == "jpeg") {
+    const OddEdge edge = job.parameters.has("trim-edge") ? OddEdge::kTrim : OddEdge::kKeep;
+    job.withoutLoss = [&job, angle, edge](const std::string& path) {
+      return TurnJpeg(job.source, {.quarterTurnsClockwise = angle / kQuarter}, edge, path);
+    };
+  }
   return job.toolkit.RotateInPlace(job.image.address(), job.parameters.whole("angle"),
                                    ReportProgress);
 }
@@ -66,44 +77,50 @@ int Thumbnail(Job& job) {
                                              job.parameters.whole("size", 1));
 }
 
-// Whether the target cannot hold what a source of 32 bits may have.
-bool MayLoseOpacity(const Job& job) {
-  ORVOIMAGEFILEINFO info{};
-  return !IsDocument(job.target) && !HoldsOpacity(KindOfName(job.target)) &&
-         job.toolkit.ImageFileInfo(job.source.c_str(), &info) == ORVO_OK && info.bitsPerPixel == 32;
-}
-
-// What the conversion of whole files refuses goes through memory: it knows fewer formats and pages,
-// and tells less about what went wrong.
-int Convert(Job& job) {
-  if (MayStayAsItIs(job)) {
-    const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
-    job.written = code == ORVO_OK;
-    return job.written ? KeepAsItIs(job) : code;
-  }
-  // Whole documents are made of pages as they are coded.
-  if (HasPages(job) && (job.parameters.has("pages") || !IsDocument(job.target))) {
-    job.written = true;
-    return DoPages(job, [] { return ORVO_OK; });
-  }
-  if (MayLoseOpacity(job)) return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+int ConvertToDocument(Job& job) {
   const int code = WriteTarget(job, [&job](const std::string& path) {
     return job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), job.quality, ReportProgress);
   });
-  if (Interrupted()) return ORVO_ERR_CANCELLED;
-  job.written = code == ORVO_OK;
   job.hint.clear();  // the source may be to blame as well
-  if (job.written || code == ORVO_ERR_NO_VENDOR) return code;
-  // Further pages would be lost on the way through a loaded picture.
-  if (IsDocument(job.target) && HasPages(job)) return code;
-  return job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  return Interrupted() ? ORVO_ERR_CANCELLED : code;
 }
 
-constexpr Option kRotateOptions[] = {{.name = "angle",
-                                      .meaning = "whole degrees, clockwise",
-                                      .least = -360,
-                                      .most = 360,
-                                      .required = true}};
+// Documents are made of pictures as they are coded. What that road refuses, and every other target,
+// goes through memory.
+int Convert(Job& job) {
+  if (HasPages(job) && !MayStayAsItIs(job) &&
+      (job.parameters.has("pages") || !IsDocument(job.target))) {
+    job.written = true;
+    return DoPages(job, [] { return ORVO_OK; });
+  }
+  if (IsDocument(job.target)) {
+    const int code = ConvertToDocument(job);
+    job.written = code == ORVO_OK;
+    // Further pages would be lost on the way through a loaded picture.
+    if (job.written || code == ORVO_ERR_NO_VENDOR || code == ORVO_ERR_CANCELLED || HasPages(job)) {
+      return code;
+    }
+  }
+  const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  job.loaded = ShapeOf(job.image.get());
+  if (code != ORVO_OK || !MayStayAsItIs(job)) return code;
+  job.written = true;
+  return KeepAsItIs(job);
+}
+
+constexpr Option kRotateOptions[] = {
+    {.name = "angle",
+     .meaning = "whole degrees, clockwise",
+     .least = -360,
+     .most = 360,
+     .required = true},
+    {.name = "trim-edge",
+     .meaning = "of a JPEG turned by quarters: drop the edge that "
+                "could not be turned without loss",
+     .kind = ValueKind::kFlag},
+    {.name = "perfect",
+     .meaning = "of a JPEG: refuse what cannot be done without loss",
+     .kind = ValueKind::kFlag}};
 constexpr Option kResizeOptions[] = {
     {.name = "width", .meaning = "in pixels", .least = 1, .most = kMostPixels},
     {.name = "height", .meaning = "in pixels", .least = 1, .most = kMostPixels},

@@ -3,6 +3,9 @@
 namespace client {
 namespace {
 
+// Of --strip.
+constexpr std::string_view kStrips[] = {"metadata", "all"};
+
 // The options of commands that write come first, the one of all commands last; commands that may
 // not write over their inputs do without the first.
 constexpr Option kCommonOptions[] = {
@@ -27,6 +30,12 @@ constexpr Option kCommonOptions[] = {
      .most = 255,
      .fewest = 3,
      .atMost = 3},
+    {.name = "strip",
+     .meaning = "leave out what a file holds beside the picture and its color profile; --strip=all "
+                "leaves that out too",
+     .kind = ValueKind::kChoice,
+     .choices = kStrips,
+     .bare = "metadata"},
     {.name = "json", .meaning = "report on standard output as JSON", .kind = ValueKind::kFlag},
 };
 

@@ -3,6 +3,7 @@
 #ifndef APPS_ORVO_OPERATIONS_H
 #define APPS_ORVO_OPERATIONS_H
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,7 +13,9 @@
 #include <orvo/orvo.h>
 
 #include "options.h"
+#include "outcome.h"
 #include "paths.h"
+#include "picture.h"
 #include "report.h"
 
 namespace client {
@@ -26,9 +29,14 @@ struct Job {
   std::string target;
   int quality = 0;  // of SaveFile
 
-  orvo::OwnedDib image = {};         // loaded before and saved after the work, if the row says so
-  orvo::OwnedDib before = {};        // as loaded, when it has opacity or may stay
-  bool written = false;              // the work has written the target itself
+  orvo::OwnedDib image = {};   // loaded before and saved after the work, if the row says so
+  orvo::OwnedDib before = {};  // as loaded, when it has opacity or may stay
+  bool written = false;        // the work has written the target itself
+  // What does the same to the source's file without coding its picture anew, where that is
+  // possible.
+  std::function<Outcome(const std::string& path)> withoutLoss = {};
+  std::optional<Shape> loaded = {};  // what the picture was before the work
+  int page = 1;                      // of the source, that it came from
   std::optional<bool> changed = {};  // whether the target shows anything new
   std::string found = {};            // what there is to say when nothing changed
   std::string hint = {};             // what may help after a failure

@@ -28,6 +28,7 @@ struct Option {
   char separator = ',';
   std::span<const std::string_view> choices = {};
   std::string_view fallback = {};  // the value when the option is not given; empty for none
+  std::string_view bare = {};      // the value when it is given without one; others need a "="
   bool required = false;
   bool positional = false;
   bool repeatable = false;  // values of several times become one list

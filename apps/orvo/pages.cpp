@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
+#include <set>
 
+#include "encoding.h"
 #include "file_kind.h"
+#include "messages.h"
+#include "metadata.h"
 #include "picture.h"
 #include "progress.h"
 #include "replacement.h"
@@ -34,6 +38,7 @@ class Walk {
   }
 
   [[nodiscard]] const std::vector<int>& pages() const { return pages_; }
+  [[nodiscard]] const std::vector<Passage>& passages() const { return passages_; }
   [[nodiscard]] bool hasChanged() const { return changed_; }
   [[nodiscard]] std::uint16_t compression() const { return source_.compression(); }
   // Bytes of a file of all pages, roughly: compressed ones seldom grow to eight times.
@@ -48,6 +53,8 @@ class Walk {
     BeginStep(job_.source, name);
     int code = source_.load(page, job_.image);
     if (code == ORVO_OK) {
+      job_.page = page;
+      job_.loaded = ShapeOf(job_.image.get());
       job_.before = Copied(job_.image.get());
       code = job_.before ? work_() : ORVO_ERR_NO_MEMORY;
     }
@@ -58,6 +65,8 @@ class Walk {
     }
     const bool changed = !AreTheSame(job_.before.get(), job_.image.get());
     changed_ = changed_ || changed;
+    const auto after = ShapeOf(job_.image.get());
+    if (after && job_.loaded) passages_.push_back({page, *job_.loaded, *after});
     Report entry = Report::Fields{{"page", page}};
     entry.take(job_.report);
     job_.report = {};
@@ -78,9 +87,28 @@ class Walk {
   const std::function<int()>& work_;
   TiffSource source_;
   std::vector<int> pages_;
+  std::vector<Passage> passages_;
   Report::List reports_;
   bool changed_ = false;
 };
+
+// What is lost of many pages is told once.
+int TakeAllMetadata(Job& job, const Walk& walk, const std::string& path) {
+  try {
+    std::set<std::string> losses;
+    int resultPage = 0;
+    for (const Passage& passage : walk.passages()) {
+      for (std::string& loss : TakeMetadata(job, passage, path, ++resultPage)) {
+        losses.insert(std::move(loss));
+      }
+    }
+    for (const std::string& loss : losses) TellWarning(job.source, "not kept: " + loss);
+    return ORVO_OK;
+  } catch (const MetadataFault& fault) {
+    job.hint = "while writing " + job.target + ": " + fault.what();
+    return ORVO_ERR_FILE_IO;
+  }
+}
 
 // Makes a TIFF file of the changed pages.
 int WritePages(Job& job, Walk& walk, const std::string& path) {
@@ -90,7 +118,8 @@ int WritePages(Job& job, Walk& walk, const std::string& path) {
     if (code == ORVO_OK) code = walk.step(page);
     if (code == ORVO_OK) code = target.add(job.image.get(), walk.compression());
   }
-  return code == ORVO_OK ? target.finish() : code;
+  if (code == ORVO_OK) code = target.finish();
+  return code == ORVO_OK ? TakeAllMetadata(job, walk, path) : code;
 }
 
 int IntoOneFile(Job& job, Walk& walk) {

@@ -1,7 +1,9 @@
 #include "saving.h"
 
+#include <algorithm>
 #include <filesystem>
 
+#include "encoding.h"
 #include "file_kind.h"
 #include "messages.h"
 #include "opacity.h"
@@ -23,10 +25,15 @@ int MindOtherPages(Job& job) {
   return ORVO_OK;
 }
 
+bool IsSameKind(const Job& job) {
+  return !job.target.empty() && KindOfFile(job.source) == KindOfName(job.target);
+}
+
 bool MayStayAsItIs(const Job& job) {
-  return !job.target.empty() && !job.parameters.has("quality") &&
-         !job.parameters.has("background") && !job.parameters.has("pages") &&
-         KindOfFile(job.source) == KindOfName(job.target);
+  constexpr std::string_view kAskForWriting[] = {"quality", "background", "pages", "strip"};
+  return IsSameKind(job) && std::ranges::none_of(kAskForWriting, [&job](std::string_view option) {
+           return job.parameters.has(option);
+         });
 }
 
 int KeepAsItIs(Job& job) {
@@ -75,9 +82,7 @@ int SavePicture(Job& job) {
   }
   BeginStep(job.source, "saving");
   job.changed = true;
-  return WriteTarget(job, [&job](const std::string& path) {
-    return job.toolkit.SaveFile(job.image.get(), path.c_str(), 0, job.quality);
-  });
+  return WriteTarget(job, [&job](const std::string& path) { return Encode(job, path); });
 }
 
 }  // namespace client

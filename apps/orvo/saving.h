@@ -12,6 +12,9 @@ namespace client {
 // For commands that take the first page alone: says that there are others.
 int MindOtherPages(Job& job);
 
+// Whether source and target are files of one kind.
+bool IsSameKind(const Job& job);
+
 // Whether the target may be the source's own bytes if the picture does not change: it is a file of
 // the same kind, and no option asks for writing.
 bool MayStayAsItIs(const Job& job);

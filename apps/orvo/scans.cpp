@@ -1,6 +1,8 @@
 // Commands that clean up scans.
 #include <algorithm>
 
+#include "file_kind.h"
+#include "jpeg_turn.h"
 #include "marks.h"
 #include "operations.h"
 #include "picture.h"
@@ -62,6 +64,11 @@ int Trim(Job& job) {
                std::to_string(shape->height) + " pixels";
     return ORVO_ERR_OUT_OF_RANGE;
   }
+  if (KindOfFile(job.source) == "jpeg") {
+    job.withoutLoss = [&job, rect](const std::string& path) {
+      return CutJpeg(job.source, rect, path);
+    };
+  }
   const RECT stored = Turned(rect, shape->height);
   return job.toolkit.TrimInPlace(job.image.address(), stored.left, stored.top, stored.right,
                                  stored.bottom);
@@ -100,6 +107,9 @@ constexpr Option kTrimOptions[] = {
      .fewest = 4,
      .atMost = 4},
     {.name = "auto", .meaning = "find a page's content and cut to it", .kind = ValueKind::kFlag},
+    {.name = "perfect",
+     .meaning = "of a JPEG: refuse what cannot be done without loss",
+     .kind = ValueKind::kFlag},
     kThreshold};
 constexpr Option kContentOptions[] = {kThreshold};
 

@@ -60,6 +60,17 @@ int TiffSource::load(int page, orvo::OwnedDib& picture) {
   });
 }
 
+std::uint16_t CompressionFor(const std::string& path) {
+  std::uint16_t compression = COMPRESSION_ADOBE_DEFLATE;
+  if (KindOfFile(path) == "tiff") {
+    (void)Done([&] {
+      TiffSource source(path);
+      if (source.goTo(1)) compression = source.compression();
+    });
+  }
+  return compression;
+}
+
 std::uint16_t TiffSource::compression() const {
   const std::string_view name = reader_->picture().compression;
   if (name == "none") return COMPRESSION_NONE;

@@ -25,13 +25,18 @@ class TiffSource {
 
   // The page as LoadFile loads the first one. A result code of the toolkit.
   int load(int page, orvo::OwnedDib& picture);
-  // Of the page loaded last: a lossless TIFF compression that is, or stands for, its own.
+  // Reads what stands before the page.
+  bool goTo(int page) { return reader_->goTo(page); }
+  // Of the page at hand: a lossless TIFF compression that is, or stands for, its own.
   [[nodiscard]] std::uint16_t compression() const;
 
  private:
   std::string path_;
   modules::ReaderHandle reader_;
 };
+
+// The compression of a file's first page, as above, or the best without loss for other files.
+std::uint16_t CompressionFor(const std::string& path);
 
 // A file that is made page by page; it is whole once finished.
 class TiffTarget {

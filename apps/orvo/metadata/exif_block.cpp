@@ -106,6 +106,14 @@ void DropPreview(Block& block, std::size_t directory) {
 
 }  // namespace
 
+bool WipePreview(Bytes& exif) {
+  const Bytes before = exif;
+  Block block(exif);
+  const std::size_t main = block.get(kFirstAt, 4);
+  if (block.endOf(main) != 0) DropPreview(block, main);
+  return exif != before;
+}
+
 int OrientationOf(View exif) {
   Bytes bytes(exif.begin(), exif.end());
   const Block block(bytes);

@@ -22,6 +22,9 @@ struct PictureFacts {
 // block is damaged; then nothing is changed.
 bool BringUpToDate(Bytes& exif, const PictureFacts& facts);
 
+// Wipes out the preview alone. False when there is none.
+bool WipePreview(Bytes& exif);
+
 // How the camera was held, 1 to 8, before that is brought up to date.
 int OrientationOf(View exif);
 

@@ -1,8 +1,10 @@
 #include <algorithm>
 
 #include "carried.h"
+#include "exif_block.h"
 #include "file_access.h"
 #include "icc_profile.h"
+#include "metadata.h"
 
 namespace client {
 namespace {
@@ -117,6 +119,19 @@ void WriteJpegMetadata(const std::string& path, Carried& carried) {
   const std::vector<JpegSegment> added = SegmentsOf(carried);
   head.segments.insert(place, added.begin(), added.end());
   if (head.segments != before) ReplaceJpegHead(path, head);
+}
+
+void WipeJpegPreview(const std::string& path) {
+  JpegHead head = ReadJpegHead(path);
+  bool changed = false;
+  for (JpegSegment& segment : head.segments) {
+    if (!Is(segment, kApp1, kExif)) continue;
+    Bytes exif(segment.data.begin() + kExif.size(), segment.data.end());
+    if (!WipePreview(exif)) continue;
+    std::copy(exif.begin(), exif.end(), segment.data.begin() + kExif.size());
+    changed = true;
+  }
+  if (changed) ReplaceJpegHead(path, head);
 }
 
 }  // namespace client

@@ -34,6 +34,10 @@ struct MetadataRequest {
 // MetadataFault when the result could not be written anew; then it is as it was.
 std::vector<std::string> KeepMetadata(const MetadataRequest& request);
 
+// Wipes out the preview of a JPEG file whose picture was changed where it lies; nothing else
+// changes. Throws MetadataFault when the file could not be written anew.
+void WipeJpegPreview(const std::string& path);
+
 }  // namespace client
 
 #endif  // APPS_ORVO_METADATA_METADATA_H

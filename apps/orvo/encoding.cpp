@@ -1,0 +1,93 @@
+#include "encoding.h"
+
+#include "file_kind.h"
+#include "jpeg_patch.h"
+#include "jpeg_source.h"
+#include "messages.h"
+#include "metadata.h"
+#include "tiff_pages.h"
+
+namespace client {
+namespace {
+
+Strip StripOf(const Job& job) {
+  if (!job.parameters.has("strip")) return Strip::kNothing;
+  return job.parameters.text("strip") == "all" ? Strip::kAll : Strip::kAllButProfile;
+}
+
+// The file without coding anew what did not change: by a way of the command's own, or block by
+// block.
+bool SaveWithoutLoss(const Job& job, const std::string& path) {
+  if (!job.before || job.parameters.has("quality") || job.parameters.has("strip")) return false;
+  const Outcome outcome = job.withoutLoss
+                              ? job.withoutLoss(path)
+                              : PatchJpeg(job.source, job.before.get(), job.image.get(), path);
+  if (outcome.kind != Outcome::Kind::kDone) return false;
+  WipeJpegPreview(path);
+  return true;
+}
+
+int SaveAsJpeg(const Job& job, const std::string& path) {
+  if (!job.parameters.has("quality")) {
+    if (const auto manner = MannerOf(job.source)) {
+      const int code = SaveJpegLike(*manner, job.image.get(), path);
+      if (code != ORVO_ERR_BAD_DEPTH) return code;
+    }
+  }
+  return job.toolkit.SaveFile(job.image.get(), path.c_str(), 0, job.quality);
+}
+
+int SaveAsTiff(const Job& job, const std::string& path) {
+  TiffTarget target(path, orvo::LockedImage(job.image.get()).size());
+  const int code = target.add(job.image.get(), CompressionFor(job.source));
+  return code == ORVO_OK ? target.finish() : code;
+}
+
+int SaveAs(const std::string& kind, const Job& job, const std::string& path) {
+  if (kind == "jpeg") return SaveAsJpeg(job, path);
+  if (kind == "tiff") return SaveAsTiff(job, path);
+  return job.toolkit.SaveFile(job.image.get(), path.c_str(), 0, job.quality);
+}
+
+}  // namespace
+
+std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
+                                      const std::string& path, int resultPage) {
+  const Shape& before = passage.before;
+  const Shape& after = passage.after;
+  return KeepMetadata({.source = job.source,
+                       .page = passage.page,
+                       .result = path,
+                       .resultPage = resultPage,
+                       .strip = StripOf(job),
+                       .width = after.width,
+                       .height = after.height,
+                       .colorsChanged = after.colors == "gray" && before.colors != "gray",
+                       .newResolution = after.xDotsPerInch != before.xDotsPerInch ||
+                                        after.yDotsPerInch != before.yDotsPerInch,
+                       .xDotsPerInch = static_cast<double>(after.xDotsPerInch),
+                       .yDotsPerInch = static_cast<double>(after.yDotsPerInch)});
+}
+
+int Encode(Job& job, const std::string& path) {
+  const std::string kind = KindOfName(job.target);
+  try {
+    if (kind == "jpeg" && SaveWithoutLoss(job, path)) return ORVO_OK;
+    if (job.parameters.has("perfect")) {
+      job.hint = "it cannot be done without loss";
+      return ORVO_ERR_NOT_SUPPORTED;
+    }
+    const int code = SaveAs(kind, job, path);
+    const auto shape = ShapeOf(job.image.get());
+    if (code != ORVO_OK || !shape || !job.loaded) return code;
+    for (const std::string& loss : TakeMetadata(job, {job.page, *job.loaded, *shape}, path, 1)) {
+      TellWarning(job.source, "not kept: " + loss);
+    }
+    return ORVO_OK;
+  } catch (const MetadataFault& fault) {
+    job.hint = "while writing " + job.target + ": " + fault.what();
+    return ORVO_ERR_FILE_IO;
+  }
+}
+
+}  // namespace client

@@ -1,0 +1,30 @@
+// A finished picture as a file of its target's kind, in the manner of its source.
+#ifndef APPS_ORVO_ENCODING_H
+#define APPS_ORVO_ENCODING_H
+
+#include <string>
+
+#include "operations.h"
+
+namespace client {
+
+// Writes job.image with all that the source holds beside it. What cannot be kept is said. A JPEG
+// file keeps the quality and the sampling of a JPEG source, and its very blocks where nothing
+// changed; a TIFF file keeps the compression of a TIFF source, and has one without loss otherwise.
+int Encode(Job& job, const std::string& path);
+
+// A page on its way through a command.
+struct Passage {
+  int page;  // of the source
+  Shape before;
+  Shape after;
+};
+
+// Gives a page of a finished file what the source holds beside the picture, and tells what cannot
+// be kept. Throws MetadataFault when the file cannot be written anew.
+std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
+                                      const std::string& path, int resultPage);
+
+}  // namespace client
+
+#endif  // APPS_ORVO_ENCODING_H
