@@ -269,6 +269,19 @@ TEST_F(MetadataTest, EverythingArrivesUpToDateInEveryFormat) {
   }
 }
 
+TEST_F(MetadataTest, TagsStandInRisingOrder) {
+  keep(RichJpeg(), Tiff(ByteOrder::kBig, true), {.resultPage = 2});
+  const Text result = bytes("result.bmp");
+  std::size_t before = 0;
+  for (const auto& [tag, type] :
+       {std::pair{274, 3}, {700, 1}, {33723, 7}, {34665, 4}, {34675, 7}}) {
+    const std::size_t at = result.rfind(Number(static_cast<std::uint64_t>(tag), 2) +
+                                        Number(static_cast<std::uint64_t>(type), 2));
+    EXPECT_TRUE(at != Text::npos && at > before) << tag;
+    before = at;
+  }
+}
+
 TEST_F(MetadataTest, ExifIsChangedWhereItLies) {
   for (const ByteOrder order : {ByteOrder::kBig, ByteOrder::kLittle}) {
     const Text before = Exif(order);
@@ -278,6 +291,7 @@ TEST_F(MetadataTest, ExifIsChangedWhereItLies) {
     EXPECT_EQ(after.find(kNote), before.find(kNote));
     // What it says across is down now.
     EXPECT_EQ(after.substr(8 + 2 + 2 * 12 + 8, 4), before.substr(8 + 2 + 3 * 12 + 8, 4));
+    EXPECT_EQ(after.substr(8 + 2 + 5 * 12, 4), Text(4, '\0')) << "no further directory is told";
     EXPECT_EQ(after.find_last_not_of('\0'), 161) << "the preview and its directory are gone";
   }
 }

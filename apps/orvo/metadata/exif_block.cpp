@@ -17,9 +17,8 @@ constexpr std::size_t kHeaderBytes = 8;
 // Numbers at their places in a block; what lies outside reads as 0 and cannot be written.
 class Block {
  public:
-  explicit Block(Bytes& bytes) : bytes_(bytes) {
-    order_ = StartsWith(bytes, "MM") ? ByteOrder::kBig : ByteOrder::kLittle;
-  }
+  explicit Block(Bytes& bytes)
+      : bytes_(bytes), order_(StartsWith(bytes, "MM") ? ByteOrder::kBig : ByteOrder::kLittle) {}
 
   [[nodiscard]] std::uint64_t get(std::size_t at, std::size_t count) const {
     return at <= bytes_.size() ? NumberIn(View(bytes_).subspan(at), count, order_) : 0;

@@ -137,7 +137,8 @@ class Writer {
     put(entry + 4, count, form_.offsetBytes());
   }
   void putTag(std::size_t entry, std::uint16_t id, const Tag& tag) {
-    putHead(entry, id, tag.type, tag.value.size() / BytesOfType(tag.type));
+    putHead(entry, id, tag.type,
+            tag.value.size() / std::max<std::size_t>(BytesOfType(tag.type), 1));
     const std::size_t field = entry + form_.entryBytes() - form_.offsetBytes();
     if (tag.value.size() <= form_.offsetBytes()) {
       std::copy(tag.value.begin(), tag.value.end(),

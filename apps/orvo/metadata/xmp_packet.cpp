@@ -34,7 +34,7 @@ void SetValue(std::string& xmp, const std::string& name, const std::string& valu
     const char before = at == 0 ? '\0' : xmp[at - 1];
     std::size_t start = xmp.find_first_not_of(kBlank, at + name.size());
     if (start == std::string::npos) return;
-    std::size_t end = start;
+    std::size_t end = 0;
     if (before == '<' && xmp[start] == '>') {
       end = xmp.find('<', ++start);
     } else if (kBlank.find(before) != std::string_view::npos && xmp[start] == '=') {
