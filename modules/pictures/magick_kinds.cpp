@@ -149,7 +149,7 @@ const MagickKind kRasKind{.magick = "SUN", .format = kFormatRas, .depth = RasDep
 const MagickKind kPctKind{
     .magick = "PICT", .format = kFormatPct, .isSound = IsSoundPct, .resolution = PctResolution};
 const MagickKind kPcdKind{.magick = "PCD", .format = kFormatPcd, .isSound = IsSoundPcd};
-const MagickKind kWpgKind{.magick = "WPG", .format = kFormatWpg};
+const MagickKind kWpgKind{.magick = "WPG", .format = kFormatWpg, .isSound = IsSoundWordPerfect};
 const MagickKind kWmfKind{.magick = "WMF", .format = kFormatWmf, .isSound = IsSoundMetafile};
 
 }  // namespace modules

@@ -45,6 +45,10 @@ extern const MagickKind kWmfKind;
 // standard error, so it gets to see none of what it would dislike.
 bool IsSoundMetafile(std::span<const std::uint8_t> file);
 
+// Whether WordPerfect graphics hold no record of PostScript: the library takes the data of one for
+// a file of any kind and decodes that.
+bool IsSoundWordPerfect(std::span<const std::uint8_t> file);
+
 }  // namespace modules
 
 #endif  // MODULES_PICTURES_MAGICK_KINDS_H

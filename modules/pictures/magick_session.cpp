@@ -1,9 +1,11 @@
 #include "pictures/magick_session.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include "pictures/library_calls.h"
 
@@ -11,10 +13,12 @@ namespace modules {
 namespace {
 
 // Where a call leaves to when the library meets what it takes for fatal, an allocation that failed
-// as a rule; it would end the process otherwise. What the call held until then is lost.
-thread_local std::jmp_buf* fatalExit = nullptr;
+// as a rule; it would end the process otherwise. What the call held until then is lost. In the
+// space that each thread has from its beginning: what a thread takes later has to be allocated, and
+// ends the process when it cannot.
+[[gnu::tls_model("initial-exec")]] thread_local std::jmp_buf* fatalExit = nullptr;
 // Of the call that runs in this thread; null for calls without.
-thread_local MagickProgress* callProgress = nullptr;
+[[gnu::tls_model("initial-exec")]] thread_local MagickProgress* callProgress = nullptr;
 
 MAGICK_FUNC_NORETURN void OnFatal(const ExceptionType /*kind*/, const char* /*reason*/,
                                   const char* /*description*/) {
@@ -51,34 +55,79 @@ void SetLimits() {
   (void)SetMagickResourceLimit(ThreadsResource, 1);
 }
 
-bool Start() {
-  MagickReport report;
-  if (InitializeMagickEx(nullptr, MAGICK_OPT_NO_SIGNAL_HANDER, report.get()) != MagickPass) {
-    return false;
-  }
-  SetWarningHandler(nullptr);
-  SetErrorHandler(nullptr);
-  SetFatalErrorHandler(OnFatal);
-  SetMonitorHandler(OnProgress);
-  // The list of fonts, for text in metafiles, is read while files may still be opened.
-  (void)GetTypeInfo("*", report.get());
-  MagickSetConfirmAccessHandler(OnAccess);
-  SetLimits();
-  return true;
+// Told what the library would write into its log, or to standard error; nobody reads it.
+void OnLog(const ExceptionType /*kind*/, const char* /*text*/) {}
+
+// While the library starts it has no handler for what is fatal yet and would end the process: these
+// leave in its stead.
+void* AllocateOrLeave(std::size_t bytes) {
+  void* const memory = std::malloc(bytes);
+  if (memory == nullptr) std::longjmp(*fatalExit, 1);
+  return memory;
+}
+void* ReallocateOrLeave(void* memory, std::size_t bytes) {
+  void* const larger = std::realloc(memory, bytes);
+  if (larger == nullptr) std::longjmp(*fatalExit, 1);
+  return larger;
 }
 
-// Starts the library, once for the process, and runs calls into it. What fails is memory.
+// Decoders for the formats asked for, and for what metafiles keep their bitmaps in. A record that
+// holds a file of another kind finds nothing that would read it.
+void KeepNamedCoders(ExceptionInfo* exception) {
+  constexpr std::array<std::string_view, 11> kNamed{"PCX", "DCX", "TGA",  "SUN", "PICT", "PCD",
+                                                    "WMF", "WPG", "EPS3", "DIB", "MIFF"};
+  MagickInfo** const coders = GetMagickInfoArray(exception);
+  if (coders == nullptr) return OnFatal(ResourceLimitFatalError, nullptr, nullptr);
+  for (MagickInfo** coder = coders; *coder != nullptr; ++coder) {
+    const char* const name = (*coder)->name;
+    if (std::ranges::find(kNamed, name) == kNamed.end()) (void)UnregisterMagickInfo(name);
+  }
+  MagickFree(coders);
+}
+
+// Runs calls into the library; false when memory failed.
 template <class Calls>
-void CallMagick(MagickProgress* progress, const Calls& calls) {
-  static const bool started = Start();
-  Require(started, kModuleNoMemory);
+bool Finishes(MagickProgress* progress, const Calls& calls) {
   std::jmp_buf jump;
   fatalExit = &jump;
   callProgress = progress;
   const bool finished = Attempt(jump, calls);
   fatalExit = nullptr;
   callProgress = nullptr;
-  Require(finished, kModuleNoMemory);
+  return finished;
+}
+
+// A start that failed leaves the library in a state that cannot be told, so it is not tried again.
+bool Start() {
+  // Locks are allocated past the calls above; there shall be room for them.
+  constexpr std::size_t kRoomBytes = std::size_t{1} << 20;
+  void* const room = std::malloc(kRoomBytes);
+  std::free(room);
+  if (room == nullptr) return false;
+  MagickReport report;
+  SetLogDefaultLogMethod(OnLog);
+  MagickAllocFunctions(std::free, AllocateOrLeave, ReallocateOrLeave);
+  const bool started = Finishes(nullptr, [&] {
+    (void)InitializeMagickEx(nullptr, MAGICK_OPT_NO_SIGNAL_HANDER, report.get());
+    SetWarningHandler(nullptr);
+    SetErrorHandler(nullptr);
+    SetFatalErrorHandler(OnFatal);
+    SetMonitorHandler(OnProgress);
+    KeepNamedCoders(report.get());
+    // The list of fonts, for text in metafiles, is read while files may still be opened.
+    (void)GetTypeInfo("*", report.get());
+    MagickSetConfirmAccessHandler(OnAccess);
+    SetLimits();
+  });
+  MagickAllocFunctions(std::free, std::malloc, std::realloc);
+  return started;
+}
+
+// Starts the library, once for the process, and runs calls into it.
+template <class Calls>
+void CallMagick(MagickProgress* progress, const Calls& calls) {
+  static const bool started = Start();
+  Require(started && Finishes(progress, calls), kModuleNoMemory);
 }
 
 }  // namespace

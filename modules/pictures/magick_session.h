@@ -29,7 +29,10 @@ using MagickImageInfo = std::unique_ptr<ImageInfo, MagickInfoEnd>;
 class MagickReport {
  public:
   MagickReport() { GetExceptionInfo(&exception_); }
-  ~MagickReport() { DestroyExceptionInfo(&exception_); }
+  // The library ends some reports itself, which must not be done twice.
+  ~MagickReport() {
+    if (exception_.signature == MagickSignature) DestroyExceptionInfo(&exception_);
+  }
   MagickReport(const MagickReport&) = delete;
   MagickReport& operator=(const MagickReport&) = delete;
 
