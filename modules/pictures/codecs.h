@@ -45,10 +45,13 @@ void SavePsd(const SaveRequest& request, const LockedDib& image);
 // The first frame.
 ReaderHandle OpenGif(const char* path, Report report);
 
+// Written by SaveRare.
+bool IsTga(Head head);
+ReaderHandle OpenTga(const char* path, Report report);
+
 // The rare formats, by GraphicsMagick.
 bool IsPcx(Head head);
 bool IsDcx(Head head);
-bool IsTga(Head head);
 bool IsRas(Head head);
 bool IsWpg(Head head);
 bool IsWmf(Head head);

@@ -42,7 +42,10 @@ constexpr Format kFormats[] = {
     {"Sun raster", kFormatRas, "ras", Open<kRasKind>, SaveRare, IsRas},
     {"WordPerfect graphics", kFormatWpg, "wpg", Open<kWpgKind>, nullptr, IsWpg},
     {"Windows metafile", kFormatWmf, "wmf", Open<kWmfKind>, nullptr, IsWmf},
-    {"TGA", kFormatTga, "tga", Open<kTgaKind>, SaveRare, IsTga, true},
+#endif
+    {"TGA", kFormatTga, "tga", OpenTga, nullptr, IsTga, true},
+#if defined(ORVO_HAVE_MAGICK)
+    {"TGA", kFormatTga, "tga", nullptr, SaveRare},
     {"PICT", kFormatPct, "pct pict", Open<kPctKind>, SaveRare, nullptr, true},
     {"Photo CD", kFormatPcd, "pcd", Open<kPcdKind>, nullptr, nullptr, true},
     {"EPS", kFormatEps, "eps", nullptr, SaveRare},

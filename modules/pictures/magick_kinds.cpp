@@ -49,6 +49,10 @@ FileResolution PcxResolution(Bytes file, int /*page*/) {
   return {Little16(file, 12), Little16(file, 14)};
 }
 
+const char* PcxCompression(Bytes file, int /*page*/) {
+  return ByteAt(file, 2) == 1 ? "RLE" : "none";
+}
+
 // Where a page begins stands in a list that a 0 ends.
 std::size_t DcxPageStart(Bytes file, int page) {
   const std::size_t entry = 4 * static_cast<std::size_t>(page);
@@ -63,20 +67,27 @@ int DcxPages(Bytes file) {
   return pages;
 }
 
+Bytes DcxPage(Bytes file, int page) {
+  return file.subspan(std::min(DcxPageStart(file, page), file.size()));
+}
+
 FileResolution DcxResolution(Bytes file, int page) {
-  const std::size_t start = DcxPageStart(file, page);
-  return start < file.size() ? PcxResolution(file.subspan(start), page) : FileResolution{};
+  return PcxResolution(DcxPage(file, page), page);
 }
 
-// --- TGA and Sun raster
-
-int TgaDepth(Bytes file) {
-  const int bits = ByteAt(file, 16);
-  return bits == 15 ? 16 : bits;
+const char* DcxCompression(Bytes file, int page) {
+  return PcxCompression(DcxPage(file, page), page);
 }
+
+// --- Sun raster
 
 int RasDepth(Bytes file) {
   return DepthThatHolds(ByteAt(file, 15));
+}
+
+const char* RasCompression(Bytes file, int /*page*/) {
+  constexpr int kRuns = 2;
+  return ByteAt(file, 23) == kRuns ? "RLE" : "none";
 }
 
 // --- PICT and Photo CD: the mark lies beyond the first bytes
@@ -92,6 +103,11 @@ FileResolution PctResolution(Bytes file, int /*page*/) {
   constexpr std::size_t kMarkAt = 522;
   if (!HasMark(file, kMarkAt, {0x00, 0x11, 0x02, 0xFF, 0x0C, 0x00, 0xFF, 0xFE})) return {};
   return {WholeOfFixed(file, kMarkAt + 10), WholeOfFixed(file, kMarkAt + 14)};
+}
+
+// Rows of 8 bytes and more are in runs.
+const char* PctCompression(Bytes /*file*/, int /*page*/) {
+  return "RLE";
 }
 
 // In the second sector of the disc.
@@ -115,17 +131,6 @@ bool IsDcx(Head head) {
   return StartsWith(head, {0xB1, 0x68, 0xDE, 0x3A});
 }
 
-bool IsTga(Head head) {
-  constexpr std::size_t kHeaderBytes = 18;
-  enum : std::uint8_t { kPalette = 1, kColor = 2, kGray = 3, kRuns = 8 };
-  if (head.size() < kHeaderBytes || head[1] > 1) return false;
-  const int kind = head[2] & ~kRuns;
-  const int bits = head[16];
-  if (kind == kPalette) return head[1] == 1 && bits == 8;
-  if (kind == kGray) return bits == 8;
-  return kind == kColor && (bits == 15 || bits == 16 || bits == 24 || bits == 32);
-}
-
 bool IsRas(Head head) {
   constexpr std::size_t kHeaderBytes = 32;
   return head.size() >= kHeaderBytes && StartsWith(head, {0x59, 0xA6, 0x6A, 0x95});
@@ -140,14 +145,23 @@ bool IsWmf(Head head) {
   return placeable || StartsWith(head, {1, 0, 9, 0, 0, 1}) || StartsWith(head, {1, 0, 9, 0, 0, 3});
 }
 
-const MagickKind kPcxKind{
-    .magick = "PCX", .format = kFormatPcx, .depth = PcxDepth, .resolution = PcxResolution};
-const MagickKind kDcxKind{
-    .magick = "DCX", .format = kFormatPcx, .resolution = DcxResolution, .pages = DcxPages};
-const MagickKind kTgaKind{.magick = "TGA", .format = kFormatTga, .depth = TgaDepth};
-const MagickKind kRasKind{.magick = "SUN", .format = kFormatRas, .depth = RasDepth};
-const MagickKind kPctKind{
-    .magick = "PICT", .format = kFormatPct, .isSound = IsSoundPct, .resolution = PctResolution};
+const MagickKind kPcxKind{.magick = "PCX",
+                          .format = kFormatPcx,
+                          .depth = PcxDepth,
+                          .resolution = PcxResolution,
+                          .compression = PcxCompression};
+const MagickKind kDcxKind{.magick = "DCX",
+                          .format = kFormatPcx,
+                          .resolution = DcxResolution,
+                          .compression = DcxCompression,
+                          .pages = DcxPages};
+const MagickKind kRasKind{
+    .magick = "SUN", .format = kFormatRas, .depth = RasDepth, .compression = RasCompression};
+const MagickKind kPctKind{.magick = "PICT",
+                          .format = kFormatPct,
+                          .isSound = IsSoundPct,
+                          .resolution = PctResolution,
+                          .compression = PctCompression};
 const MagickKind kPcdKind{.magick = "PCD", .format = kFormatPcd, .isSound = IsSoundPcd};
 const MagickKind kWpgKind{.magick = "WPG", .format = kFormatWpg, .isSound = IsSoundWordPerfect};
 const MagickKind kWmfKind{.magick = "WMF", .format = kFormatWmf, .isSound = IsSoundMetafile};

@@ -27,13 +27,14 @@ struct MagickKind {
   // Null: the image keeps its palette if it has one.
   int (*depth)(Bytes file) = nullptr;
   FileResolution (*resolution)(Bytes file, int page) = nullptr;
+  // Null: none that has a name.
+  const char* (*compression)(Bytes file, int page) = nullptr;
   // Null: one.
   int (*pages)(Bytes file) = nullptr;
 };
 
 extern const MagickKind kPcxKind;
 extern const MagickKind kDcxKind;
-extern const MagickKind kTgaKind;
 extern const MagickKind kRasKind;
 extern const MagickKind kPctKind;
 extern const MagickKind kPcdKind;

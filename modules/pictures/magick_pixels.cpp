@@ -1,6 +1,8 @@
 #include "pictures/magick_pixels.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 #include "common/color_rows.h"
 
@@ -37,12 +39,20 @@ PixelPacket PixelOf(Color color) {
   return pixel;
 }
 
+// The library writes the pixels of a two-toned PCX with 0 for black, whatever its palette, and the
+// palette as it is: a picture in white and black has to be turned into one in black and white.
+bool TurnsTones(const Pixels& source, const Image& image) {
+  return source.depth == 1 && HasGrayRamp(source, true) && std::string_view(image.magick) == "PCX";
+}
+
 void CopyIndexes(const Pixels& source, int y, std::vector<std::uint8_t>& indexes,
                  const Image& image, PixelPacket* pixels, IndexPacket* packets) {
   ReadIndexes(source, y, indexes.data());
-  std::copy(indexes.begin(), indexes.end(), packets);
-  std::transform(indexes.begin(), indexes.end(), pixels,
-                 [&](std::uint8_t index) { return image.colormap[index]; });
+  const int flip = TurnsTones(source, image) ? 1 : 0;
+  std::transform(indexes.begin(), indexes.end(), packets,
+                 [=](std::uint8_t index) { return static_cast<IndexPacket>(index ^ flip); });
+  std::transform(packets, packets + indexes.size(), pixels,
+                 [&](IndexPacket index) { return image.colormap[index]; });
 }
 
 void CopyColors(const Pixels& source, int y, bool withAlpha, std::vector<Color>& colors,
@@ -67,6 +77,7 @@ void MakePalette(const Pixels& source, Image& image) {
   for (int i = 0; i < count; ++i) {
     image.colormap[i] = PixelOf(ColorOf(source.palette[i]));
   }
+  if (TurnsTones(source, image)) std::swap(image.colormap[0], image.colormap[1]);
 }
 
 }  // namespace

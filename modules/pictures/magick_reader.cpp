@@ -1,4 +1,4 @@
-// PCX, DCX, TGA, Sun raster, PICT, Photo CD, Windows metafiles and WordPerfect graphics by
+// PCX, DCX, Sun raster, PICT, Photo CD, Windows metafiles and WordPerfect graphics by
 // GraphicsMagick.
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
@@ -68,7 +68,7 @@ class MagickReader : public PictureReader {
 
   void describe() {
     picture_ = Picture{.format = kind_.format};
-    picture_.compression = image().compression == RLECompression ? "RLE" : "none";
+    if (kind_.compression != nullptr) picture_.compression = kind_.compression(bytes_, page_);
     picture_.width = static_cast<int>(image().columns);
     picture_.height = static_cast<int>(image().rows);
     if (kind_.resolution != nullptr) {

@@ -81,7 +81,7 @@ TEST_F(FileTest, rare_files_show_what_they_mean) {
       // Four planes, the lowest bit's first. What looks like a run is written as a run of one.
       {"a.pcx",
        "A 5 1 1 s0 s0 s15 s0 s300 s200 ",
-       0x150410A7F7A4F613,
+       0x6EB0B0DA88610AE4,
        {kSixteen + "0 4 s2 s1 z58 55 55 33 33 F F 0 C1 FF"}},
       {"a.tga", "0 0 2 z9 ", 0x771B951D52B2AB27, {"s4 s1 10 20 s31 s992 s31744 s5285"}},
       {"a.wpg",
@@ -95,6 +95,36 @@ TEST_F(FileTest, rare_files_show_what_they_mean) {
       addFile(sum, name, Of(start + rest));
     }
     sum.expect(expected, name);
+  }
+}
+
+// Pixels of two by one or one by two, red, green, blue and opacity each.
+TEST_F(FileTest, targa_shows_opacity_and_begins_at_any_corner) {
+  const struct {
+    std::string bytes, shown;
+    int depth;
+  } rows[] = {{"0 0 3 z9 s2 s1 10 28 40 80 FF 0", "40 40 40 80 FF FF FF 0", 32},
+              {"0 0 B z9 s2 s1 10 8 81 40 80", "40 40 40 80 40 40 40 80", 32},
+              {"0 0 2 z9 s2 s1 10 21 1F 80 0 7C", "0 0 FF FF FF 0 0 0", 32},
+              {"0 0 2 z9 s2 s1 10 20 1F 80 0 7C", "0 0 FF 0 FF 0 0 0", 16},
+              {"0 0 A z9 s2 s1 20 38 1 1 2 3 4 5 6 7 8", "7 6 5 8 3 2 1 4", 32},
+              {"2 0 2 z9 s1 s2 18 0 'id 1 2 3 5 6 7", "7 6 5 0 3 2 1 0", 24},
+              {"0 1 9 s4 s2 20 z4 s2 s1 8 20 1 2 3 4 5 6 7 8 1 5 4", "7 6 5 8 3 2 1 4", 32},
+              {"0 1 1 s0 s2 20 z4 s2 s1 8 20 1 2 3 0 5 6 7 0 0 1", "3 2 1 0 7 6 5 0", 8},
+              {"0 1 1 s4 s2 18 z4 s2 s1 8 20 1 2 3 5 6 7 5 3", "", 0},  // below the palette
+              {"0 1 1 s0 s2 18 z4 s2 s1 8 20 1 2 3 5 6 7 1 2", "", 0},
+              {"0 0 2 z9 s2 s1 18 20 1 2 3 5 6", "", 0},
+              {"0 0 A z9 s2 s1 18 20 1 1 2 3 5 6", "", 0},
+              {"0 0 A z9 s65535 s65535 20 20 FF 1 2 3 4", "", 0}};
+  for (const auto& [bytes, shown, depth] : rows) {
+    SCOPED_TRACE(bytes);
+    const rig::OwnedDib image = load("a.tga", Of(bytes));
+    ASSERT_EQ(code_, depth == 0 ? kFileFormatDamaged : kModuleSuccess);
+    if (depth == 0) continue;
+    EXPECT_EQ(rig::HeaderOf(image).biBitCount, depth);
+    rig::Bytes seen = rig::Shown(image, true);
+    for (std::size_t i = 3; depth == 16 && i < seen.size(); i += 4) seen[i] = 0;
+    EXPECT_EQ(seen, Of(shown));
   }
 }
 

@@ -53,7 +53,7 @@ const Row kRows[] = {
     {"-compress None", "a.psd", 24, "none"},
     {"-depth 16 -compress RLE", "b.psd", 24, "RLE", 1},
     {"( -clone 0 -negate ) -compress RLE", "e.psd", 24, "RLE"},  // with a layer
-    {"-compress RLE -orient BottomLeft", "a.tga", 24, "none"},
+    {"-compress RLE -orient BottomLeft", "a.tga", 24, "RLE"},
 };
 
 TEST_F(FileTest, files_of_other_programs_show_the_same_pixels) {
