@@ -22,7 +22,7 @@ imaging/trim: imaging platform
 dib: platform
 platform:
 modules/common: contract dib
-modules/pictures: modules/common
+modules/pictures: modules/common platform
 modules/ltkrn13n: modules/common contract platform
 modules/ltimg13n: modules/common contract
 modules/ltfil13n: modules/pictures modules/common contract platform

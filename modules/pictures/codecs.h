@@ -42,6 +42,13 @@ bool IsPsd(Head head);
 ReaderHandle OpenPsd(const char* path, Report report);
 void SavePsd(const SaveRequest& request, const LockedDib& image);
 
+// Of a moving picture the first frame.
+bool IsWebp(Head head);
+ReaderHandle OpenWebp(const char* path, Report report);
+// HEIC and AVIF.
+bool IsHeif(Head head);
+ReaderHandle OpenHeif(const char* path, Report report);
+
 // The first frame.
 ReaderHandle OpenGif(const char* path, Report report);
 

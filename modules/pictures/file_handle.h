@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <vector>
 
 #include "common/guard.h"
 
@@ -46,6 +47,13 @@ inline std::uint64_t FileSize(const char* path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   return error ? 0 : size;
+}
+
+inline std::vector<std::uint8_t> ReadWhole(const char* path) {
+  const FileHandle file = OpenToRead(path);
+  std::vector<std::uint8_t> bytes(FileSize(path));
+  Require(std::fread(bytes.data(), 1, bytes.size(), file.get()) == bytes.size(), kModuleReadFailed);
+  return bytes;
 }
 
 // Whether a file can hold an image of imageBytes bytes when its coding shrinks at most to one

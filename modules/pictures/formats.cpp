@@ -36,6 +36,12 @@ constexpr Format kFormats[] = {
 #endif
     {"PSD", kFormatPsd, "psd", OpenPsd, SavePsd, IsPsd},
     {"BMP", kFormatBmp, "bmp jff", OpenBmp, SaveBmp, IsBmp},
+#if defined(ORVO_HAVE_WEBP)
+    {"WebP", 0, "webp", OpenWebp, nullptr, IsWebp},
+#endif
+#if defined(ORVO_HAVE_HEIF)
+    {"HEIF", 0, "heic heif avif", OpenHeif, nullptr, IsHeif},
+#endif
 #if defined(ORVO_HAVE_MAGICK)
     {"PCX", kFormatPcx, "pcx", Open<kPcxKind>, SaveRare, IsPcx},
     {"DCX", kFormatPcx, "dcx", Open<kDcxKind>, nullptr, IsDcx},
@@ -83,6 +89,12 @@ constexpr const char* kLibraries[] = {
 #endif
 #if defined(ORVO_HAVE_MAGICK)
     "GraphicsMagick " ORVO_MAGICK_VERSION,
+#endif
+#if defined(ORVO_HAVE_WEBP)
+    "libwebp " ORVO_WEBP_VERSION,
+#endif
+#if defined(ORVO_HAVE_HEIF)
+    "libheif " ORVO_HEIF_VERSION,
 #endif
     nullptr,  // so that the list is never empty
 };

@@ -11,7 +11,7 @@ namespace modules {
 
 struct Format {
   const char* name;
-  int number;  // a FileFormat; two kinds of file may share one
+  int number;  // a FileFormat, which kinds of file may share; 0 for those that have none
   // Lower case, without dot, separated by spaces.
   std::string_view extensions;
   // Null for formats that are only written.

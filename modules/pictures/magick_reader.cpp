@@ -17,7 +17,7 @@ class MagickReader : public PictureReader {
         progress_(MagickProgress::Order::kLibraryFirst, report) {}
 
   bool goTo(int page) override {
-    readFile();
+    bytes_ = ReadWhole(path_);
     Require(kind_.isSound == nullptr || kind_.isSound(bytes_), kFileFormatDamaged);
     if (page < 1 || page > pageCount()) return false;
     page_ = page;
@@ -45,13 +45,6 @@ class MagickReader : public PictureReader {
   }
 
  private:
-  void readFile() {
-    const FileHandle file = OpenToRead(path_);
-    bytes_.resize(FileSize(path_));
-    Require(std::fread(bytes_.data(), 1, bytes_.size(), file.get()) == bytes_.size(),
-            kModuleReadFailed);
-  }
-
   // Of the images that came: those before a later page come with it.
   [[nodiscard]] const Image& image() const {
     return page_ > 1 ? *GetLastImageInList(images_.get()) : *images_;

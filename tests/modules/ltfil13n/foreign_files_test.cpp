@@ -54,6 +54,9 @@ const Row kRows[] = {
     {"-depth 16 -compress RLE", "b.psd", 24, "RLE", 1},
     {"( -clone 0 -negate ) -compress RLE", "e.psd", 24, "RLE"},  // with a layer
     {"-compress RLE -orient BottomLeft", "a.tga", 24, "RLE"},
+    {"-define webp:lossless=true", "a.webp", 24, "WebP"},
+    {"-quality 80", "b.webp", 24, "WebP", 2},
+    {"-alpha set -channel A -evaluate set 40% -define webp:lossless=true", "c.webp", 32, "WebP"},
 };
 
 TEST_F(FileTest, files_of_other_programs_show_the_same_pixels) {
@@ -88,8 +91,28 @@ TEST_F(FileTest, files_of_other_programs_show_the_same_pixels) {
     EXPECT_LE(rig::LargestDifference(rig::Shown(loaded, row.depth == 32), expected), row.tolerance);
     expectInfo(name, loaded, row.compression);
     const bool turned = info(name).width == 43;
-    EXPECT_EQ(info(name).xResolution, name.ends_with("tga") ? 0 : turned ? 150 : 300);
-    EXPECT_EQ(info(name).yResolution, name.ends_with("tga") ? 0 : turned ? 300 : 150);
+    const bool told =
+        std::string_view(".bmp .jpg .png .tif .psd").find(name.substr(1)) != std::string_view::npos;
+    EXPECT_EQ(info(name).xResolution, !told ? 0 : turned ? 150 : 300);
+    EXPECT_EQ(info(name).yResolution, !told ? 0 : turned ? 300 : 150);
+  }
+}
+
+// By what they hold, under any name, and only when they are whole.
+TEST_F(FileTest, pictures_of_phones_are_read) {
+  run("convert -size 61x43 -seed 5 plasma: -depth 8 scene.png && convert scene.png a.heic && "
+      "convert scene.png a.avif && convert scene.png -define webp:lossless=true a.webp");
+  for (const char* const name : {"a.heic", "a.avif", "a.webp"}) {
+    SCOPED_TRACE(name);
+    const Bytes file = read(name);
+    const OwnedDib loaded = load("a.jpg", file);
+    ASSERT_EQ(code_, kModuleSuccess);
+    EXPECT_EQ(rig::Shown(loaded), run(std::string("gm convert ") + name + " -depth 8 rgb:-"));
+    for (const std::size_t part : {1, 3, 5}) {
+      EXPECT_FALSE(
+          load(name, {file.begin(), file.begin() + std::ptrdiff_t(file.size() * part / 6)}));
+      EXPECT_EQ(code_, kFileFormatDamaged);
+    }
   }
 }
 
