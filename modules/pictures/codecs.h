@@ -45,6 +45,8 @@ void SavePsd(const SaveRequest& request, const LockedDib& image);
 // Of a moving picture the first frame.
 bool IsWebp(Head head);
 ReaderHandle OpenWebp(const char* path, Report report);
+bool IsJxl(Head head);
+ReaderHandle OpenJxl(const char* path, Report report);
 // HEIC and AVIF.
 bool IsHeif(Head head);
 ReaderHandle OpenHeif(const char* path, Report report);

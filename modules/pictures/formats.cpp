@@ -42,6 +42,9 @@ constexpr Format kFormats[] = {
 #if defined(ORVO_HAVE_HEIF)
     {"HEIF", 0, "heic heif avif", OpenHeif, nullptr, IsHeif},
 #endif
+#if defined(ORVO_HAVE_JXL)
+    {"JPEG XL", 0, "jxl", OpenJxl, nullptr, IsJxl},
+#endif
 #if defined(ORVO_HAVE_MAGICK)
     {"PCX", kFormatPcx, "pcx", Open<kPcxKind>, SaveRare, IsPcx},
     {"DCX", kFormatPcx, "dcx", Open<kDcxKind>, nullptr, IsDcx},
@@ -95,6 +98,9 @@ constexpr const char* kLibraries[] = {
 #endif
 #if defined(ORVO_HAVE_HEIF)
     "libheif " ORVO_HEIF_VERSION,
+#endif
+#if defined(ORVO_HAVE_JXL)
+    "libjxl " ORVO_JXL_VERSION,
 #endif
     nullptr,  // so that the list is never empty
 };

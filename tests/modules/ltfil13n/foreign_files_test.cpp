@@ -101,8 +101,9 @@ TEST_F(FileTest, files_of_other_programs_show_the_same_pixels) {
 // By what they hold, under any name, and only when they are whole.
 TEST_F(FileTest, pictures_of_phones_are_read) {
   run("convert -size 61x43 -seed 5 plasma: -depth 8 scene.png && convert scene.png a.heic && "
-      "convert scene.png a.avif && convert scene.png -define webp:lossless=true a.webp");
-  for (const char* const name : {"a.heic", "a.avif", "a.webp"}) {
+      "convert scene.png a.avif && convert scene.png -define webp:lossless=true a.webp && "
+      "gm convert scene.png -quality 80 a.jxl");
+  for (const char* const name : {"a.heic", "a.avif", "a.webp", "a.jxl"}) {
     SCOPED_TRACE(name);
     const Bytes file = read(name);
     const OwnedDib loaded = load("a.jpg", file);
