@@ -51,6 +51,7 @@ ReaderHandle OpenJxl(const char* path, Report report);
 bool IsHeif(Head head);
 ReaderHandle OpenHeif(const char* path, Report report);
 
+bool IsGif(Head head);
 // The first frame.
 ReaderHandle OpenGif(const char* path, Report report);
 

@@ -45,6 +45,9 @@ constexpr Format kFormats[] = {
 #if defined(ORVO_HAVE_JXL)
     {"JPEG XL", 0, "jxl", OpenJxl, nullptr, IsJxl},
 #endif
+#if defined(ORVO_HAVE_GIF)
+    {"GIF", kFormatGif, "gif", OpenGif, nullptr, IsGif},
+#endif
 #if defined(ORVO_HAVE_MAGICK)
     {"PCX", kFormatPcx, "pcx", Open<kPcxKind>, SaveRare, IsPcx},
     {"DCX", kFormatPcx, "dcx", Open<kDcxKind>, nullptr, IsDcx},

@@ -1,10 +1,12 @@
-// The first frame of a GIF file.
+// The first frame of a GIF file, in its place on the canvas.
 #include <gif_lib.h>
 
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
 #include <span>
+#include <string_view>
 
 #include "common/pixel_formats.h"
 #include "pictures/codecs.h"
@@ -30,9 +32,9 @@ class GifReader : public PictureReader {
     gif_.reset(DGifOpenFileName(path_, nullptr));
     Check(gif_ != nullptr);
     findFrame();
-    picture_.width = gif_->Image.Width;
-    picture_.height = gif_->Image.Height;
-    Check(picture_.width > 0 && picture_.height > 0);
+    picture_.format = kFormatGif;
+    picture_.compression = "LZW";
+    takeMeasures();
     takePalette();
     takeAspect();
     return true;
@@ -41,24 +43,24 @@ class GifReader : public PictureReader {
   void start() override {
     // A code of the file stands for at most 4096 pixels and takes at least 3 bits.
     constexpr std::uint64_t kMostRatio = 4096 * 8 / 3;
+    const GifImageDesc& frame = gif_->Image;
     const std::size_t pixels =
-        static_cast<std::size_t>(picture_.width) * static_cast<std::size_t>(picture_.height);
-    Require(IsPlausible(pixels, FileSize(path_), kMostRatio), kModuleReadFailed);
+        static_cast<std::size_t>(frame.Width) * static_cast<std::size_t>(frame.Height);
+    const std::uint64_t canvasBytes =
+        std::uint64_t{picture_.rowBytes()} * static_cast<std::uint64_t>(picture_.height);
+    Require(IsPlausible(std::max<std::uint64_t>(pixels, canvasBytes), FileSize(path_), kMostRatio),
+            kModuleReadFailed);
     expectSteps(static_cast<std::uint64_t>(picture_.height));
     indexes_.resize(pixels);
     readFrame();
   }
 
   void readRow(std::uint8_t* row) override {
-    const std::uint8_t* const from = rowAt(nextRow_++);
-    const auto last = static_cast<unsigned>(picture_.palette.size()) - 1;
     std::fill_n(row, picture_.rowBytes(), std::uint8_t{0});
-    WithIndexFormat(picture_.bits, [&](auto format) {
-      for (std::size_t x = 0; x < static_cast<std::size_t>(picture_.width); ++x) {
-        // Some files hold indexes that their palette lacks.
-        format.write(row, x, static_cast<std::uint8_t>(std::min<unsigned>(from[x], last)));
-      }
-    });
+    const int y = nextRow_++ - gif_->Image.Top;
+    if (y >= 0 && y < gif_->Image.Height) {
+      coversCanvas() ? putIndexes(rowAt(y), row) : putColors(rowAt(y), row);
+    }
     endStep();
   }
 
@@ -81,19 +83,58 @@ class GifReader : public PictureReader {
     Check(DGifGetImageDesc(gif_.get()) == GIF_OK);
   }
 
+  // Some files tell no canvas, or a smaller one than their frame takes.
+  void takeMeasures() {
+    const GifImageDesc& frame = gif_->Image;
+    Check(frame.Width > 0 && frame.Height > 0);
+    picture_.width = std::max(gif_->SWidth, frame.Left + frame.Width);
+    picture_.height = std::max(gif_->SHeight, frame.Top + frame.Height);
+  }
+
+  [[nodiscard]] bool coversCanvas() const {
+    return picture_.width == gif_->Image.Width && picture_.height == gif_->Image.Height;
+  }
+
+  // What the frame leaves of the canvas is clear, which no palette may have an index for.
   void takePalette() {
     const ColorMapObject* const map =
         gif_->Image.ColorMap != nullptr ? gif_->Image.ColorMap : gif_->SColorMap;
     Check(map != nullptr && map->ColorCount > 0);
+    const bool hasClear = clearIndex_ != NO_TRANSPARENT_COLOR;
+    for (int i = 0; i < map->ColorCount; ++i) {
+      const GifColorType& color = map->Colors[i];
+      const bool covers = i != clearIndex_ && (hasClear || !coversCanvas());
+      const auto fourth = static_cast<std::uint8_t>(covers ? 255 : 0);
+      palette_.push_back({color.Blue, color.Green, color.Red, fourth});
+    }
+    picture_.hasAlpha = hasClear || !coversCanvas();
+    if (!coversCanvas()) {
+      picture_.samples = 4;
+      return;
+    }
     const auto last = static_cast<unsigned>(map->ColorCount - 1);
     picture_.bits =
         static_cast<int>(std::bit_ceil(static_cast<unsigned>(std::bit_width(std::max(last, 1U)))));
-    picture_.hasAlpha = clearIndex_ != NO_TRANSPARENT_COLOR;
-    for (int i = 0; i < map->ColorCount; ++i) {
-      const GifColorType& color = map->Colors[i];
-      const bool covers = picture_.hasAlpha && i != clearIndex_;
-      const auto fourth = static_cast<std::uint8_t>(covers ? 255 : 0);
-      picture_.palette.push_back({color.Blue, color.Green, color.Red, fourth});
+    picture_.palette = palette_;
+  }
+
+  void putIndexes(std::span<const std::uint8_t> from, std::uint8_t* row) const {
+    const unsigned last = (1U << picture_.bits) - 1;
+    WithIndexFormat(picture_.bits, [&](auto format) {
+      for (std::size_t x = 0; x < from.size(); ++x) {
+        // Some files hold indexes that no palette of this depth has.
+        format.write(row, x, from[x] <= last ? from[x] : std::uint8_t{0});
+      }
+    });
+  }
+
+  void putColors(std::span<const std::uint8_t> from, std::uint8_t* row) const {
+    constexpr RGBQUAD kBeyondPalette{0, 0, 0, 255};
+    row += 4 * static_cast<std::size_t>(gif_->Image.Left);
+    for (const std::uint8_t index : from) {
+      const RGBQUAD& color = index < palette_.size() ? palette_[index] : kBeyondPalette;
+      std::memcpy(row, &color, sizeof color);
+      row += sizeof color;
     }
   }
 
@@ -106,8 +147,9 @@ class GifReader : public PictureReader {
     picture_.yDensity = gif_->AspectByte + kLeast;
   }
 
-  [[nodiscard]] std::uint8_t* rowAt(int y) {
-    return indexes_.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(picture_.width);
+  [[nodiscard]] std::span<std::uint8_t> rowAt(int y) {
+    const auto width = static_cast<std::size_t>(gif_->Image.Width);
+    return std::span(indexes_).subspan(static_cast<std::size_t>(y) * width, width);
   }
 
   void readFrame() {
@@ -120,19 +162,25 @@ class GifReader : public PictureReader {
     const std::span<const Pass> passes =
         gif_->Image.Interlace ? std::span<const Pass>(kInterlaced) : std::span<const Pass>(kPlain);
     for (const Pass& pass : passes) {
-      for (int y = pass.first; y < picture_.height; y += pass.step) {
-        Check(DGifGetLine(gif_.get(), rowAt(y), picture_.width) == GIF_OK);
+      for (int y = pass.first; y < gif_->Image.Height; y += pass.step) {
+        Check(DGifGetLine(gif_.get(), rowAt(y).data(), gif_->Image.Width) == GIF_OK);
       }
     }
   }
 
   std::unique_ptr<GifFileType, GifCloser> gif_;
   int clearIndex_ = NO_TRANSPARENT_COLOR;
-  std::vector<std::uint8_t> indexes_;  // a byte each
+  std::vector<RGBQUAD> palette_;
+  std::vector<std::uint8_t> indexes_;  // of the frame, a byte each
   int nextRow_ = 0;
 };
 
 }  // namespace
+
+bool IsGif(Head head) {
+  constexpr std::string_view kMark = "GIF8";
+  return head.size() > kMark.size() && std::equal(kMark.begin(), kMark.end(), head.begin());
+}
 
 ReaderHandle OpenGif(const char* path, Report report) {
   return std::make_unique<GifReader>(path, report);

@@ -85,6 +85,7 @@ struct LTTHUMBNAILOPTIONS {
 // File formats by number, as L_SaveBitmap, L_SaveFile, L_FileConvert and LTFILEINFO have them.
 enum FileFormat : int {
   kFormatPcx = 1,
+  kFormatGif = 2,  // only read
   kFormatTiff = 3,
   kFormatTga = 4,
   kFormatCmp = 5,
