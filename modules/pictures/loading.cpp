@@ -55,11 +55,12 @@ void SpreadIndexes(const Picture& picture, const std::uint8_t* indexes, std::uin
 
 void MixInks(const Picture& picture, const std::uint8_t* inks, std::uint8_t* row) {
   const int flip = picture.reversed ? 0 : 255;
-  for (int x = 0; x < picture.width; ++x, inks += 4) {
+  for (int x = 0; x < picture.width; ++x, inks += picture.samples) {
     const int black = inks[3] ^ flip;
     for (int ink = 2; ink >= 0; --ink) {
       *row++ = static_cast<std::uint8_t>(((inks[ink] ^ flip) * black + 127) / 255);
     }
+    if (picture.hasAlpha) *row++ = inks[4];
   }
 }
 

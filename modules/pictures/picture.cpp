@@ -14,7 +14,7 @@ std::size_t Picture::rowBytes() const {
 int Picture::depth() const {
   if (samples == 1) return hasAlpha ? 32 : bits == 2 ? 4 : std::min(bits, 8);
   if (samples == 3) return bits == 5 ? 16 : 24;
-  return hasInks ? 24 : 32;
+  return hasInks && !hasAlpha ? 24 : 32;
 }
 
 void Picture::setDepth(int depth) {

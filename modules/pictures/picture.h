@@ -18,8 +18,8 @@ namespace modules {
 struct Picture {
   int width = 0;
   int height = 0;
-  int samples =
-      1;         // of a pixel: 1 tone or index; 3 blue, green, red; 4 alpha too, or the four inks
+  int samples = 1;  // of a pixel: 1 tone or index; 3 blue, green, red; 4 alpha too, or the four
+                    // inks; 5 the inks and alpha
   int bits = 8;  // of a sample: 8; of a tone or index also 1, 2, 4 and, high byte first, 16; 5 for
                  // colours in a pixel of 16 bits
   bool isGray = false;                // the colours are tones

@@ -49,7 +49,7 @@ class PsdReader : public PictureReader {
     readMeasures();
     readPalette();
     readResources();
-    skip(readNumber());  // layers
+    readLayers();
     std::array<std::uint8_t, 2> compression{};
     read(compression);
     compression_ = static_cast<PsdCompression>(Big16(compression.data()));
@@ -65,22 +65,33 @@ class PsdReader : public PictureReader {
     Require(
         layout && IsPlausible(layout->totalBytes, FileSize(path_), hasRuns() ? kMostRunRatio : 1),
         kModuleReadFailed);
+    const long pixels = std::ftell(file_.get());
     findChannels();
+    if (picture_.hasAlpha && mode_ == PsdMode::kRgb) {
+      liesOnWhite_ = looksLaidOnWhite();
+      seek(pixels);
+      findChannels();
+    }
     expectSteps(static_cast<std::uint64_t>(picture_.height));
   }
 
-  // Takes the row from each channel: they lie one behind the other in the file.
   void readRow(std::uint8_t* row) override {
+    takeRow(row);
+    if (liesOnWhite_) takeOffWhite(row);
+    endStep();
+  }
+
+ private:
+  // Takes the row from each channel: they lie one behind the other in the file.
+  void takeRow(std::uint8_t* row) {
     for (std::size_t channel = 0; channel < channelStarts_.size(); ++channel) {
       readSamples(channel);
       if (bits_ == 16) NarrowTo8(samples_);
       storeChannel(channel, row);
     }
     ++nextRow_;
-    endStep();
   }
 
- private:
   [[nodiscard]] bool hasRuns() const { return compression_ == PsdCompression::kRuns; }
 
   bool tryRead(std::span<std::uint8_t> bytes) {
@@ -115,7 +126,6 @@ class PsdReader : public PictureReader {
     Require(used > 0, kFileFormatNotRead);
     Require(used <= static_cast<int>(channels), kFileFormatDamaged);
     channels_ = channels;
-    channelStarts_.resize(static_cast<std::size_t>(used));
     picture_.width = static_cast<int>(width);
     picture_.height = static_cast<int>(height);
     picture_.samples = used;
@@ -171,6 +181,24 @@ class PsdReader : public PictureReader {
     return true;
   }
 
+  // The list of layers begins with their number, below 0 when the first channel behind the colours
+  // is the transparency of the merged picture. With layers and no such sign it is a mask; without
+  // any layer other programs take it for transparency.
+  void readLayers() {
+    const std::uint32_t length = readNumber();
+    const long end = std::ftell(file_.get()) + static_cast<long>(length);
+    std::array<std::uint8_t, 6> start{};  // length of the list, number of layers
+    const bool hasMask = length >= start.size() && tryRead(start) && Big32(start.data()) != 0 &&
+                         (start[4] & 0x80U) == 0 && Big16(&start[4]) != 0;
+    seek(end);
+    const auto colors = static_cast<std::size_t>(picture_.samples);
+    const bool knowsAlpha = mode_ != PsdMode::kBitmap && mode_ != PsdMode::kIndexed;
+    picture_.hasAlpha = channels_ == colors + 1 && knowsAlpha && !hasMask;
+    picture_.isGray = picture_.hasAlpha && colors == 1;
+    channelStarts_.resize(colors + (picture_.hasAlpha ? 1 : 0));
+    if (picture_.hasAlpha) picture_.samples = picture_.hasInks ? 5 : 4;
+  }
+
   // Where the rows of each channel begin, by the table of their lengths when they are runs.
   void findChannels() {
     const auto height = static_cast<std::size_t>(picture_.height);
@@ -181,6 +209,7 @@ class PsdReader : public PictureReader {
       read(counts_);
     }
     long at = std::ftell(file_.get());
+    nextRow_ = 0;
     for (std::size_t channel = 0; channel < channelStarts_.size(); ++channel) {
       channelStarts_[channel] = at;
       for (std::size_t y = 0; y < height; ++y) at += static_cast<long>(codedBytes(channel, y));
@@ -202,16 +231,46 @@ class PsdReader : public PictureReader {
     Require(UnpackRuns(runs_, samples_), kFileFormatDamaged);
   }
 
-  // Red, green and blue fill a pixel from its end, inks from its start.
+  // Red, green and blue fill a pixel from its end, inks from its start; transparency comes last.
   void storeChannel(std::size_t channel, std::uint8_t* row) const {
     const auto step = static_cast<std::size_t>(picture_.samples);
     if (step == 1) {
       std::copy_n(samples_.begin(), picture_.rowBytes(), row);
       return;
     }
-    const std::size_t place = picture_.hasInks ? channel : step - 1 - channel;
+    const std::size_t colors = channelStarts_.size() - (picture_.hasAlpha ? 1 : 0);
+    const bool isColor = channel < colors && !picture_.hasInks;
+    std::size_t place = isColor ? 2 - channel : channel;
+    if (channel == colors) place = step - 1;
     for (std::size_t x = 0; x < static_cast<std::size_t>(picture_.width); ++x) {
-      row[step * x + place] = samples_[x];
+      std::uint8_t* const pixel = row + step * x;
+      pixel[place] = samples_[x];
+      if (isColor && colors == 1) pixel[0] = pixel[1] = samples_[x];
+    }
+  }
+
+  // Some programs lay the merged colours on white, as far as they let it through; others store
+  // them plain, and then some pixel is darker than white leaves it.
+  bool looksLaidOnWhite() {
+    std::vector<std::uint8_t> row(picture_.rowBytes());
+    for (int y = 0; y < picture_.height; ++y) {
+      takeRow(row.data());
+      for (std::size_t i = 0; i < row.size(); i += 4) {
+        constexpr int kRounding = 1;
+        if (std::min({row[i], row[i + 1], row[i + 2]}) + row[i + 3] + kRounding < 255) return false;
+      }
+    }
+    return true;
+  }
+
+  void takeOffWhite(std::uint8_t* row) const {
+    for (int x = 0; x < picture_.width; ++x, row += 4) {
+      const int alpha = row[3];
+      if (alpha == 0) continue;
+      for (int i = 0; i < 3; ++i) {
+        const int color = (255 * (row[i] + alpha - 255) + alpha / 2) / alpha;
+        row[i] = static_cast<std::uint8_t>(std::max(color, 0));
+      }
     }
   }
 
@@ -225,6 +284,7 @@ class PsdReader : public PictureReader {
   std::vector<std::uint8_t> runs_;     // of the row at work
   std::vector<std::uint8_t> samples_;  // of one channel in the row at work
   std::size_t nextRow_ = 0;
+  bool liesOnWhite_ = false;
 };
 
 }  // namespace
