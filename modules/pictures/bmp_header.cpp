@@ -14,6 +14,7 @@ constexpr std::uint32_t kShortestHeaderBytes = 16;
 constexpr std::uint32_t kInfoHeaderBytes = 40;
 constexpr std::uint32_t kMasksInHeaderBytes = 52;
 constexpr std::uint32_t kAlphaInHeaderBytes = 56;
+constexpr std::uint32_t kVersion4HeaderBytes = 108;
 constexpr std::uint32_t kLongestHeaderBytes = 256;
 constexpr std::uint32_t kBitFieldsWithAlpha = 6;
 
@@ -83,47 +84,81 @@ bool MasksAreSound(const BmpHeader& header) {
   return header.red.mask != 0 && header.green.mask != 0 && header.blue.mask != 0;
 }
 
+// Headers of other sizes may hold anything behind the three masks.
+bool KnowsAlpha(std::uint32_t headerBytes) {
+  return headerBytes == kAlphaInHeaderBytes || headerBytes >= kVersion4HeaderBytes;
+}
+
+using Masks = std::array<std::uint32_t, 4>;  // red, green, blue, alpha
+
 // Masks stand in the header or, behind one of 40 bytes, on their own.
-void ReadMasks(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size, BmpHeader& header) {
+Masks ReadMasks(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size,
+                std::uint32_t compression) {
+  std::array<std::uint8_t, 16> behind{};
+  const bool withAlpha = compression == kBitFieldsWithAlpha;
+  const std::uint8_t* source = &bytes[kInfoHeaderBytes];
+  if (size < kMasksInHeaderBytes) {
+    Require(std::fread(behind.data(), withAlpha ? 16 : 12, 1, file) == 1, kFileFormatDamaged);
+    source = behind.data();
+  }
+  Masks masks{};
+  const bool knowsAlpha = withAlpha || KnowsAlpha(size);
+  for (std::size_t i = 0; i < (knowsAlpha ? 4U : 3U); ++i) masks[i] = Little32(source + 4 * i);
+  return masks;
+}
+
+// The channels of pixels of 16 and 32 bits, and what image they make: five bits for each colour
+// stay as they are, all else becomes bytes. The fourth byte of the oldest headers is kept, since it
+// is where images of 32 bits are saved with their opacity; with masks it takes one of its own.
+void ReadChannels(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size,
+                  BmpHeader& header) {
+  constexpr std::uint32_t kFourthByte = 0xFF000000;
   const bool wide = header.depth == 32;
-  std::array<std::uint32_t, 4> masks{wide ? 0xFF0000U : 0x7C00U, wide ? 0xFF00U : 0x3E0U,
-                                     wide ? 0xFFU : 0x1FU, 0};
-  const auto plain = masks;
+  const Masks plain =
+      wide ? Masks{0xFF0000, 0xFF00, 0xFF, kFourthByte} : Masks{0x7C00, 0x3E0, 0x1F};
+  Masks masks = plain;
   if (header.compression != BI_RGB) {
-    std::array<std::uint8_t, 16> behind{};
-    const bool withAlpha = header.compression == kBitFieldsWithAlpha;
-    const std::uint8_t* source = &bytes[kInfoHeaderBytes];
-    if (size < kMasksInHeaderBytes) {
-      Require(std::fread(behind.data(), withAlpha ? 16 : 12, 1, file) == 1, kFileFormatDamaged);
-      source = behind.data();
-    }
-    const bool knowsAlpha = withAlpha || size >= kAlphaInHeaderBytes;
-    for (std::size_t i = 0; i < (knowsAlpha ? 4U : 3U); ++i) masks[i] = Little32(source + 4 * i);
+    masks = ReadMasks(file, bytes, size, header.compression);
+  } else if (wide && KnowsAlpha(size) && Little32(&bytes[kMasksInHeaderBytes]) != kFourthByte) {
+    masks[3] = 0;
   }
   header.red = ChannelOf(masks[0]);
   header.green = ChannelOf(masks[1]);
   header.blue = ChannelOf(masks[2]);
   header.alpha = ChannelOf(masks[3]);
-  constexpr std::uint32_t kFourthByte = 0xFF000000;
-  header.isPlain = std::equal(masks.begin(), masks.begin() + 3, plain.begin()) &&
-                   (!wide || masks[3] == 0 || masks[3] == kFourthByte);
   Require(MasksAreSound(header), kFileFormatDamaged);
+  constexpr int kNarrow = 5;
+  const bool isNarrow = header.red.bits == kNarrow && header.green.bits == kNarrow &&
+                        header.blue.bits == kNarrow && masks[3] == 0;
+  header.isPlain = masks == plain;
+  header.picture.setDepth(wide || masks[3] != 0 ? 32 : isNarrow ? 16 : 24);
 }
 
-// As many entries as the depth has, the file claims and the room before the pixels holds.
-void ReadPalette(std::FILE* file, std::uint32_t claimed, std::size_t entryBytes,
-                 std::uint64_t pixelOffset, BmpHeader& header) {
+// Where a palette ends at the latest: where the pixels begin, unless their offset points into the
+// palette and leaves more bytes than the rows take. 0 when nothing tells.
+std::uint64_t PaletteEnd(const BmpHeader& header, std::uint64_t fileBytes) {
+  const Picture& picture = header.picture;
+  const auto layout = orvo::DibLayoutFor(picture.width, picture.height, header.depth);
+  if (!layout || header.compression != BI_RGB || header.pixelOffset == 0) return header.pixelOffset;
+  const std::uint64_t rowBytes = layout->totalBytes - layout->pixelOffset;
+  return std::max(header.pixelOffset, fileBytes - std::min(rowBytes, fileBytes));
+}
+
+// As many entries as the depth has and the file claims; when it claims none, as there is room for
+// before `end`.
+void ReadPalette(std::FILE* file, std::uint32_t claimed, std::size_t entryBytes, std::uint64_t end,
+                 BmpHeader& header) {
   const std::uint32_t full = 1U << header.depth;
   std::uint32_t count = claimed == 0 ? full : std::min(claimed, full);
   const auto at = static_cast<std::uint64_t>(std::ftell(file));
-  if (pixelOffset > at) {
-    count =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(count, (pixelOffset - at) / entryBytes));
+  if (claimed == 0 && end > at) {
+    count = static_cast<std::uint32_t>(std::min<std::uint64_t>(count, (end - at) / entryBytes));
   }
   header.picture.palette.resize(full);
   std::array<std::uint8_t, 4> entry{};
   for (std::uint32_t i = 0; i < count; ++i) {
-    Read(file, entry.data(), entryBytes);
+    // A file that ends here is refused for its missing pixels.
+    if (std::fread(entry.data(), entryBytes, 1, file) != 1) return;
     header.picture.palette[i] = RGBQUAD{entry[0], entry[1], entry[2], 0};
   }
 }
@@ -135,8 +170,12 @@ std::uint8_t BmpChannel::tone(std::uint32_t pixel) const {
   const std::uint32_t value = (pixel & mask) >> shift;
   if (bits >= kToneBits) return static_cast<std::uint8_t>(value >> (bits - kToneBits));
   if (bits == 0) return 0;
-  const std::uint32_t most = (1U << bits) - 1;
-  return static_cast<std::uint8_t>((value * 255 + most / 2) / most);
+  // Repeated from the top, as 5 bits are everywhere: the highest value becomes 255.
+  std::uint32_t tone = 0;
+  for (int place = kToneBits - bits; place > -bits; place -= bits) {
+    tone |= place >= 0 ? value << place : value >> -place;
+  }
+  return static_cast<std::uint8_t>(tone);
 }
 
 BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes) {
@@ -153,18 +192,18 @@ BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes) {
 
   const bool hasMasks =
       header.compression == BI_BITFIELDS || header.compression == kBitFieldsWithAlpha;
+  header.picture.setDepth(header.depth);
   if (header.depth == 16 || header.depth == 32) {
-    ReadMasks(file, bytes, size, header);
+    ReadChannels(file, bytes, size, header);
     if (hasMasks) header.compression = BI_BITFIELDS;
   }
   CheckCoding(header);
-  header.picture.setDepth(header.depth);
 
   header.pixelOffset = Little32(&fileHeader[10]);
   if (header.depth <= 8) {
     const bool isCore = size == kCoreHeaderBytes;
     const std::uint32_t claimed = isCore ? 0 : Little32(&bytes[32]);
-    ReadPalette(file, claimed, isCore ? 3 : 4, header.pixelOffset, header);
+    ReadPalette(file, claimed, isCore ? 3 : 4, PaletteEnd(header, fileBytes), header);
   }
   // An offset into the headers is wrong: the pixels then follow them.
   const auto behindHeaders = static_cast<std::uint64_t>(std::ftell(file));

@@ -58,22 +58,27 @@ class BmpReader : public PictureReader {
     stride_ = layout->stride;
   }
 
-  // Turns pixels of unusual channels into plain ones, in place.
+  [[nodiscard]] Color colorOf(std::uint32_t pixel) const {
+    return {header_.blue.tone(pixel), header_.green.tone(pixel), header_.red.tone(pixel)};
+  }
+
+  // Turns pixels of unusual channels into plain ones, in place: from the last to the first, since
+  // they grow.
   void makePlain(std::uint8_t* row) const {
-    for (int x = 0; x < picture_.width; ++x) {
-      if (header_.depth == 16) {
-        const std::uint32_t pixel = Little16(row);
-        const std::uint16_t plain = With555(
-            0, {header_.blue.tone(pixel), header_.green.tone(pixel), header_.red.tone(pixel)});
-        std::memcpy(row, &plain, sizeof plain);
-        row += 2;
-      } else {
-        const std::uint32_t pixel = Little32(row);
-        *row++ = header_.blue.tone(pixel);
-        *row++ = header_.green.tone(pixel);
-        *row++ = header_.red.tone(pixel);
-        *row++ = header_.alpha.tone(pixel);
+    const auto fileStep = static_cast<std::size_t>(header_.depth / 8);
+    const std::size_t step = picture_.bits == 5 ? 2 : static_cast<std::size_t>(picture_.samples);
+    for (auto x = static_cast<std::size_t>(picture_.width); x-- > 0;) {
+      const std::uint8_t* const from = row + fileStep * x;
+      const std::uint32_t pixel = fileStep == 2 ? Little16(from) : Little32(from);
+      const Color color = colorOf(pixel);
+      std::uint8_t* const to = row + step * x;
+      if (step == 2) {
+        const std::uint16_t narrow = With555(0, color);
+        std::memcpy(to, &narrow, sizeof narrow);
+        continue;
       }
+      std::memcpy(to, &color, sizeof color);
+      if (step == 4) to[3] = header_.alpha.tone(pixel);
     }
   }
 
