@@ -122,8 +122,9 @@ class JpegReader : public PictureReader {
 
 }  // namespace
 
+// What stands between the first mark and the next is passed over.
 bool IsJpeg(Head head) {
-  return head.size() > 3 && head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF;
+  return head.size() > 3 && head[0] == 0xFF && head[1] == 0xD8;
 }
 
 ReaderHandle OpenJpeg(const char* path, Report report) {
