@@ -1,6 +1,10 @@
 #include "pictures/tiff_page.h"
 
+#include <array>
 #include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
 
 namespace modules {
 namespace {
@@ -11,8 +15,13 @@ int OnError(TIFF* /*tiff*/, void* faults, const char* /*module*/, const char* /*
   return 1;  // dealt with: nothing is printed
 }
 
-int OnWarning(TIFF* /*tiff*/, void* /*data*/, const char* /*module*/, const char* /*format*/,
-              va_list /*arguments*/) {
+int OnWarning(TIFF* /*tiff*/, void* lostPalette, const char* /*module*/, const char* format,
+              va_list arguments) {
+  std::array<char, 256> message{};
+  if (lostPalette != nullptr && std::strstr(format, "IO error") != nullptr) {
+    (void)std::vsnprintf(message.data(), message.size(), format, arguments);
+    if (std::strstr(message.data(), "ColorMap") != nullptr) *static_cast<bool*>(lostPalette) = true;
+  }
   return 1;
 }
 
@@ -36,12 +45,20 @@ void ReadResolution(TIFF* tiff, Picture& picture) {
   picture.setResolution(static_cast<double>(tagX), static_cast<double>(tagY), unit);
 }
 
-// Which sample behind the colours is transparency: the first, when the tag says so.
-std::uint16_t AlphaTag(TIFF* tiff) {
+// Finds the opacity among the samples behind so many colours. A single one of no stated use is
+// opacity where other programs have it so: with tones, and with red, green and blue.
+void FindAlpha(TIFF* tiff, std::size_t colors, bool guesses, TiffPage& page) {
   std::uint16_t count = 0;
-  std::uint16_t* kinds = nullptr;
-  const bool given = TIFFGetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds) != 0;
-  return given && count > 0 ? kinds[0] : static_cast<std::uint16_t>(EXTRASAMPLE_UNSPECIFIED);
+  std::uint16_t* uses = nullptr;
+  (void)TIFFGetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &count, &uses);
+  const auto samples = static_cast<std::size_t>(page.samples);
+  for (std::size_t i = 0; i < count && colors + i < samples; ++i) {
+    if (uses[i] == EXTRASAMPLE_UNSPECIFIED) continue;
+    page.alphaAt = colors + i;
+    page.premultiplied = uses[i] == EXTRASAMPLE_ASSOCALPHA;
+    return;
+  }
+  if (guesses && samples == colors + 1) page.alphaAt = colors;
 }
 
 bool IsWholeByteOrLess(int bits) {
@@ -58,21 +75,22 @@ std::uint16_t PhotometricOf(TIFF* tiff, const TiffPage& page) {
 
 TiffPage::Kind KindOf(TIFF* tiff, TiffPage& page) {
   using Kind = TiffPage::Kind;
-  const std::uint16_t alpha = AlphaTag(tiff);
-  const bool hasAlpha = alpha != EXTRASAMPLE_UNSPECIFIED;
-  page.premultiplied = alpha == EXTRASAMPLE_ASSOCALPHA;
-  switch (PhotometricOf(tiff, page)) {
+  const std::uint16_t photometric = PhotometricOf(tiff, page);
+  switch (photometric) {
     case PHOTOMETRIC_MINISWHITE:
-      page.whiteIsZero = true;
-      [[fallthrough]];
     case PHOTOMETRIC_MINISBLACK:
-      if (page.samples == 1 && page.bits < 8 && IsWholeByteOrLess(page.bits))
+      page.whiteIsZero = photometric == PHOTOMETRIC_MINISWHITE;
+      if (page.samples == 1 && page.bits < 8 && IsWholeByteOrLess(page.bits)) {
         return Kind::kAsStored;
-      return page.samples >= 2 && hasAlpha ? Kind::kGrayAlpha : Kind::kGray;
+      }
+      FindAlpha(tiff, 1, true, page);
+      return Kind::kGray;
     case PHOTOMETRIC_PALETTE:
-      if (page.samples != 1 || !IsWholeByteOrLess(page.bits)) return Kind::kByLibrary;
-      page.hasPalette = true;
-      return Kind::kAsStored;
+      FindAlpha(tiff, 1, false, page);
+      page.hasPalette =
+          page.samples == 1 ? IsWholeByteOrLess(page.bits) : page.bits == 8 && page.alphaAt != 0;
+      if (!page.hasPalette) return Kind::kByLibrary;
+      return page.samples == 1 ? Kind::kAsStored : Kind::kIndex;
     case PHOTOMETRIC_YCBCR:
       // The JPEG decoder inside the library knows the way to RGB.
       if (page.compression != COMPRESSION_JPEG || page.planar || page.samples != 3 ||
@@ -82,35 +100,68 @@ TiffPage::Kind KindOf(TIFF* tiff, TiffPage& page) {
       return Kind::kRgb;
     case PHOTOMETRIC_RGB:
       if (page.samples < 3) return Kind::kByLibrary;
-      return page.samples >= 4 && hasAlpha ? Kind::kRgba : Kind::kRgb;
+      FindAlpha(tiff, 3, true, page);
+      return Kind::kRgb;
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB:
+      if (page.samples < 3 || (page.bits != 8 && page.bits != 16)) return Kind::kByLibrary;
+      page.hasIccLab = photometric == PHOTOMETRIC_ICCLAB;
+      FindAlpha(tiff, 3, false, page);
+      return Kind::kLab;
     case PHOTOMETRIC_SEPARATED:
-      return page.samples >= 4 && Tag16(tiff, TIFFTAG_INKSET, INKSET_CMYK) == INKSET_CMYK
-                 ? Kind::kCmyk
-                 : Kind::kByLibrary;
+      if (page.samples < 4 || Tag16(tiff, TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK) {
+        return Kind::kByLibrary;
+      }
+      FindAlpha(tiff, 4, false, page);
+      return Kind::kCmyk;
     default:
       return Kind::kByLibrary;
   }
+}
+
+// Whether the samples are of a form that is read, and what of their range is black and white.
+bool TakeFormat(TIFF* tiff, TiffPage& page) {
+  page.format = Tag16(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
+  if (page.format == SAMPLEFORMAT_VOID) page.format = SAMPLEFORMAT_UINT;
+  const int bits = page.bits;
+  if (page.kind == TiffPage::Kind::kLab) page.format = SAMPLEFORMAT_UINT;  // as the kind has it
+  if (page.format == SAMPLEFORMAT_UINT && bits >= 1 && bits <= 16) return true;
+  const bool isInteger = page.format == SAMPLEFORMAT_UINT || page.format == SAMPLEFORMAT_INT;
+  const bool isKnown =
+      isInteger ? bits == 8 || bits == 16 || bits == 32
+                : page.format == SAMPLEFORMAT_IEEEFP && (bits == 16 || bits == 32 || bits == 64);
+  if (!isKnown || page.kind == TiffPage::Kind::kAsStored || page.kind == TiffPage::Kind::kIndex) {
+    return false;
+  }
+  if (isInteger) {
+    page.high = std::ldexp(1.0, bits) - 1;
+    if (page.format == SAMPLEFORMAT_INT) {
+      page.low = -std::ldexp(1.0, bits - 1);
+      page.high += page.low;
+    }
+  }
+  double low = page.low;
+  double high = page.high;
+  (void)TIFFGetField(tiff, TIFFTAG_SMINSAMPLEVALUE, &low);
+  (void)TIFFGetField(tiff, TIFFTAG_SMAXSAMPLEVALUE, &high);
+  if (std::isfinite(low) && std::isfinite(high) && low < high) {
+    page.low = low;
+    page.high = high;
+  }
+  return true;
 }
 
 // What the rows become.
 void DescribeRows(TiffPage& page) {
   using Kind = TiffPage::Kind;
   Picture& picture = page.picture;
-  picture.isGray = page.kind == Kind::kGray || page.kind == Kind::kGrayAlpha;
-  switch (page.kind) {
-    case Kind::kAsStored:
-      picture.bits = page.bits;
-      picture.reversed = page.whiteIsZero;
-      break;
-    case Kind::kGray:
-      break;
-    case Kind::kGrayAlpha:
-    case Kind::kRgba:
-      picture.hasAlpha = true;
-      picture.samples = 4;
-      break;
-    default:
-      picture.samples = 3;
+  picture.isGray = page.kind == Kind::kGray;
+  picture.hasAlpha = page.alphaAt != 0;
+  if (page.kind == Kind::kAsStored) {
+    picture.bits = page.bits;
+    picture.reversed = page.whiteIsZero;
+  } else {
+    picture.samples = picture.hasAlpha ? 4 : picture.isGray ? 1 : 3;
   }
 }
 
@@ -150,13 +201,13 @@ std::uint64_t MostRatioOf(const TiffPage& page) {
 
 }  // namespace
 
-TiffHandle OpenTiffFile(const char* path, const char* mode, int& faults) {
+TiffHandle OpenTiffFile(const char* path, const char* mode, int& faults, bool* lostPalette) {
   constexpr tmsize_t kMostAllocation = tmsize_t{1} << 30;
   TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
   if (options == nullptr) return nullptr;
   TIFFOpenOptionsSetMaxSingleMemAlloc(options, kMostAllocation);
   TIFFOpenOptionsSetErrorHandlerExtR(options, OnError, &faults);
-  TIFFOpenOptionsSetWarningHandlerExtR(options, OnWarning, nullptr);
+  TIFFOpenOptionsSetWarningHandlerExtR(options, OnWarning, lostPalette);
   TiffHandle tiff(TIFFOpenExt(path, mode, options));
   TIFFOpenOptionsFree(options);
   return tiff;
@@ -169,7 +220,6 @@ int FollowPages(TIFF* tiff, int most) {
 }
 
 TiffPage ReadTiffPage(TIFF* tiff) {
-  constexpr int kMostBits = 16;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
   (void)TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
@@ -192,15 +242,13 @@ TiffPage ReadTiffPage(TIFF* tiff) {
   ReadResolution(tiff, picture);
 
   page.kind = KindOf(tiff, page);
-  const std::uint16_t format = Tag16(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
-  const bool isPlainNumber = format == SAMPLEFORMAT_UINT || format == SAMPLEFORMAT_VOID;
-  Require(page.kind == TiffPage::Kind::kByLibrary ||
-              (page.bits >= 1 && page.bits <= kMostBits && page.samples >= 1 && isPlainNumber),
-          kModuleDepthNotSupported);
   if (page.kind == TiffPage::Kind::kByLibrary) {
     page.bits = 8;
     page.samples = 4;
+    page.alphaAt = 0;
     page.planar = false;
+  } else {
+    Require(page.samples >= 1 && TakeFormat(tiff, page), kModuleDepthNotSupported);
   }
   DescribeRows(page);
   return page;

@@ -17,7 +17,8 @@ class TiffReader : public PictureReader {
   bool goTo(int number) override {
     bands_.reset();
     if (!tiff_ || number <= number_) {
-      tiff_ = OpenTiffFile(path_, "rm", faults_);
+      lostPalette_ = false;
+      tiff_ = OpenTiffFile(path_, "rm", faults_, &lostPalette_);
       Require(tiff_, kFileFormatDamaged);
       number_ = 1;
     }
@@ -32,9 +33,10 @@ class TiffReader : public PictureReader {
       Require(faults_ == 0, kFileFormatDamaged);
       return false;
     }
+    Require(!lostPalette_, kFileFormatDamaged);
     page_ = ReadTiffPage(tiff_.get());
     picture_ = page_.picture;
-    if (page_.hasPalette) takePalette();
+    if (page_.hasPalette) takePalette(page_.kind == Kind::kIndex ? page_.colors : picture_.palette);
     return true;
   }
 
@@ -82,7 +84,7 @@ class TiffReader : public PictureReader {
 
  private:
   // Entries have 16 bits a colour; some writers store bytes there.
-  void takePalette() {
+  void takePalette(std::vector<RGBQUAD>& palette) const {
     std::uint16_t* red = nullptr;
     std::uint16_t* green = nullptr;
     std::uint16_t* blue = nullptr;
@@ -97,11 +99,12 @@ class TiffReader : public PictureReader {
       return areBytes ? static_cast<std::uint8_t>(tone) : Narrowed16(tone);
     };
     for (int i = 0; i < count; ++i) {
-      picture_.palette.push_back({toneOf(blue[i]), toneOf(green[i]), toneOf(red[i]), 0});
+      palette.push_back({toneOf(blue[i]), toneOf(green[i]), toneOf(red[i]), 0});
     }
   }
 
   int faults_ = 0;
+  bool lostPalette_ = false;
   TiffHandle tiff_;
   int number_ = 1;  // of the page at hand
   TiffPage page_;

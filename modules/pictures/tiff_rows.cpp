@@ -3,48 +3,25 @@
 #include <algorithm>
 #include <cstring>
 
+#include "pictures/tiff_samples.h"
+
 namespace modules {
-namespace {
-
-std::uint8_t ByteOf(std::uint32_t value, std::uint32_t most) {
-  return static_cast<std::uint8_t>((value * 255 + most / 2) / most);
-}
-
-}  // namespace
 
 // The samples as bytes: the packed ones themselves when they are bytes already.
-const std::uint8_t* TiffRows::bytesOf(const std::uint8_t* packed, std::size_t samples,
-                                      std::vector<std::uint8_t>& out) const {
-  if (page_.bits == 8) return packed;
-  out.resize(samples);
-  if (page_.bits == 16) {
-    for (std::size_t i = 0; i < samples; ++i) {
-      std::uint16_t value = 0;  // in this machine's byte order
-      std::memcpy(&value, packed + 2 * i, sizeof value);
-      out[i] = Narrowed16(value);
-    }
-    return out.data();
-  }
-  // Any other size is packed bit by bit, highest first.
-  const auto bits = static_cast<std::size_t>(page_.bits);
-  const std::uint32_t most = (1U << bits) - 1;
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < samples; ++i) {
-    std::uint32_t value = 0;
-    for (std::size_t end = at + bits; at < end; ++at) {
-      value = value << 1 | (packed[at / 8] >> (7 - at % 8) & 1U);
-    }
-    out[i] = ByteOf(value, most);
-  }
+const std::uint8_t* TiffRows::bytesOf(const std::uint8_t* packed, std::size_t count,
+                                      std::size_t sample, std::vector<std::uint8_t>& out) const {
+  if (page_.bits == 8 && page_.format == SAMPLEFORMAT_UINT) return packed;
+  out.resize(count);
+  NarrowSamples(page_, packed, sample, out);
   return out.data();
 }
 
 const std::uint8_t* TiffRows::samplesOf(const std::uint8_t* const* planes, std::size_t count) {
   const auto samples = static_cast<std::size_t>(page_.samples);
-  if (!page_.planar) return bytesOf(planes[0], count * samples, samples_);
+  if (!page_.planar) return bytesOf(planes[0], count * samples, 0, samples_);
   samples_.resize(count * samples);
   for (std::size_t sample = 0; sample < samples; ++sample) {
-    const std::uint8_t* const plane = bytesOf(planes[sample], count, plane_);
+    const std::uint8_t* const plane = bytesOf(planes[sample], count, sample, plane_);
     for (std::size_t x = 0; x < count; ++x) samples_[x * samples + sample] = plane[x];
   }
   return samples_.data();
@@ -65,44 +42,61 @@ void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std
     std::memcpy(row + start * bits / 8, planes[0], (pixels * bits + 7) / 8);
     return;
   }
-  const auto step = static_cast<std::size_t>(page_.samples);
-  const std::uint8_t* from = samplesOf(planes, pixels);
-  const std::uint8_t* const end = from + pixels * step;
-  std::uint8_t* out = row + start * static_cast<std::size_t>(page_.picture.samples);
+  const std::uint8_t* const from = samplesOf(planes, pixels);
+  std::uint8_t* const out = row + start * static_cast<std::size_t>(page_.picture.samples);
+  const auto samples = std::span(from, pixels * static_cast<std::size_t>(page_.samples));
   switch (page_.kind) {
     case Kind::kGray:
-      if (step == 1 && !page_.whiteIsZero) {
-        std::memcpy(out, from, pixels);
-      } else {
-        for (; from != end; from += step) *out++ = toneOf(from[0]);
-      }
-      return;
-    case Kind::kGrayAlpha:
-      for (; from != end; from += step, out += 4) {
-        out[0] = out[1] = out[2] = plainTone(toneOf(from[0]), from[1]);
-        out[3] = from[1];
-      }
-      return;
-    case Kind::kRgba:
-      for (; from != end; from += step, out += 4) {
-        for (int i = 0; i < 3; ++i) out[i] = plainTone(from[2 - i], from[3]);
-        out[3] = from[3];
-      }
-      return;
+      if (page_.alphaAt == 0) return storeTones(samples, out);
+      return storeColors(samples, out,
+                         [this](const std::uint8_t* s) { return GrayOf(toneOf(s[0])); });
+    case Kind::kIndex:
+      return storeColors(samples, out,
+                         [this](const std::uint8_t* s) { return ColorOf(page_.colors[s[0]]); });
+    case Kind::kLab:
+      return storeColors(samples, out, [flip = page_.hasIccLab ? 0x80 : 0](const std::uint8_t* s) {
+        return ColorOfLab(s[0], static_cast<std::int8_t>(s[1] ^ flip),
+                          static_cast<std::int8_t>(s[2] ^ flip));
+      });
     case Kind::kCmyk:
-      for (; from != end; from += step, out += 3) {
-        const int white = 255 - from[3];
-        for (int i = 0; i < 3; ++i) {
-          out[i] = static_cast<std::uint8_t>(((255 - from[2 - i]) * white + 127) / 255);
-        }
-      }
-      return;
+      return storeColors(samples, out, [](const std::uint8_t* s) {
+        const auto mixed = [white = 255 - s[3]](std::uint8_t ink) {
+          return static_cast<std::uint8_t>(((255 - ink) * white + 127) / 255);
+        };
+        return Color{mixed(s[2]), mixed(s[1]), mixed(s[0])};
+      });
     default:
-      for (; from != end; from += step, out += 3) {
-        out[0] = from[2];
-        out[1] = from[1];
-        out[2] = from[0];
-      }
+      return storeColors(samples, out, [](const std::uint8_t* s) {
+        return Color{s[2], s[1], s[0]};
+      });
+  }
+}
+
+void TiffRows::storeTones(std::span<const std::uint8_t> samples, std::uint8_t* out) const {
+  const auto step = static_cast<std::size_t>(page_.samples);
+  if (step == 1 && !page_.whiteIsZero) {
+    std::copy(samples.begin(), samples.end(), out);
+    return;
+  }
+  for (std::size_t i = 0; i < samples.size(); i += step) *out++ = toneOf(samples[i]);
+}
+
+template <class ColorOf>
+void TiffRows::storeColors(std::span<const std::uint8_t> samples, std::uint8_t* out,
+                           const ColorOf& colorOf) const {
+  const auto step = static_cast<std::size_t>(page_.samples);
+  const std::size_t alphaAt = page_.alphaAt;
+  const std::uint8_t* const end = samples.data() + samples.size();
+  for (const std::uint8_t* from = samples.data(); from != end; from += step) {
+    Color color = colorOf(from);
+    if (alphaAt != 0) {
+      const std::uint8_t alpha = from[alphaAt];
+      color = {plainTone(color.blue, alpha), plainTone(color.green, alpha),
+               plainTone(color.red, alpha)};
+      out[3] = alpha;
+    }
+    std::memcpy(out, &color, sizeof color);
+    out += alphaAt != 0 ? 4 : 3;
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "pictures/tiff_page.h"
@@ -20,9 +21,14 @@ class TiffRows {
   void store(const std::uint8_t* const* planes, int left, int count, std::uint8_t* row);
 
  private:
-  const std::uint8_t* bytesOf(const std::uint8_t* packed, std::size_t samples,
+  const std::uint8_t* bytesOf(const std::uint8_t* packed, std::size_t count, std::size_t sample,
                               std::vector<std::uint8_t>& out) const;
   const std::uint8_t* samplesOf(const std::uint8_t* const* planes, std::size_t count);
+  void storeTones(std::span<const std::uint8_t> samples, std::uint8_t* out) const;
+  // With the opacity behind each colour where the page has it. colorOf takes a pixel's samples.
+  template <class ColorOf>
+  void storeColors(std::span<const std::uint8_t> samples, std::uint8_t* out,
+                   const ColorOf& colorOf) const;
   [[nodiscard]] std::uint8_t toneOf(std::uint8_t sample) const {
     return page_.whiteIsZero ? static_cast<std::uint8_t>(255 - sample) : sample;
   }
