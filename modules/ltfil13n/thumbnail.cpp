@@ -28,6 +28,15 @@ Size Fitted(Size image, Size frame) {
   return {scaled(image.width, frame.width), scaled(image.height, frame.height)};
 }
 
+// Refuses what would keep the machine busy for minutes and no file header can tell the size of:
+// before the work begins, as far as the depth is known.
+void RequireRoom(Size size, int depth) {
+  constexpr std::uint64_t kMostBytes = 0xFFFFFFFF;
+  const std::uint64_t stride =
+      orvo::DibStride(static_cast<std::uint64_t>(size.width), static_cast<std::uint64_t>(depth));
+  Require(stride <= kMostBytes / static_cast<std::uint64_t>(size.height), kModuleNoMemory);
+}
+
 void Load(const char* path, Size frame, struct_LEAD_Bitmap& bitmap) {
   constexpr int kMost = 1 << 20;  // no page is as large; keeps the products small
   const Size least{std::min(frame.width, kMost) * kReserve,
@@ -95,12 +104,15 @@ void MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options,
                    struct_LEAD_Bitmap& bitmap) {
   const Size frame{options.width, options.height};
   Require(frame.width > 0 && frame.height > 0, kModuleBadParameter);
+  constexpr int kLeastDepth = 8;  // that is resized
+  if (options.keepAspect == 0 || options.forceSize != 0) RequireRoom(frame, kLeastDepth);
   Load(path, frame, bitmap);
   const StatusShare share(kLoadShare, 100 - kLoadShare);
   const Color background = ColorOfReference(static_cast<unsigned>(options.backgroundColor));
   const int bits = options.bitsPerPixel != 0 ? options.bitsPerPixel : bitmap.bitsPerPixel;
   const Size size = options.keepAspect != 0 ? Fitted({bitmap.width, bitmap.height}, frame) : frame;
   ToWorkingDepth(bitmap, background);
+  RequireRoom(options.forceSize != 0 ? frame : size, bitmap.bitsPerPixel);
   Check(L_SizeBitmap(&bitmap, size.width, size.height, kSizeBest));
   if (options.forceSize != 0) Frame(bitmap, frame, background);
   if (bitmap.bitsPerPixel != bits) {
