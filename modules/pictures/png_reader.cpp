@@ -1,10 +1,10 @@
 #include <algorithm>
 
 #include "pictures/codecs.h"
-#include "pictures/exif.h"
 #include "pictures/file_handle.h"
 #include "pictures/library_calls.h"
 #include "pictures/png_session.h"
+#include "pictures/png_tags.h"
 
 namespace modules {
 namespace {
@@ -78,13 +78,7 @@ class PngReader : public PictureReader {
     }
     if (picture_.samples == 1) picture_.bits = png_get_bit_depth(png_, info_);
     takeResolution();
-    png_uint_32 exifBytes = 0;
-    png_bytep exif = nullptr;
-    if (png_get_eXIf_1(png_, info_, &exifBytes, &exif) != 0) {
-      Picture tags;
-      ReadExif({exif, exifBytes}, tags);
-      picture_.orientation = tags.orientation;
-    }
+    picture_.orientation = ReadPngOrientation(file_.get());
   }
 
   void takeResolution() {

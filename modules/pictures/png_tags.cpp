@@ -1,0 +1,69 @@
+#include "pictures/png_tags.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "pictures/exif.h"
+
+namespace modules {
+namespace {
+
+// A chunk: its length, big-endian, its name, the data and four bytes of check sum.
+constexpr long kMarkBytes = 8;
+constexpr std::size_t kStartBytes = 8;
+constexpr long kSumBytes = 4;
+
+std::vector<std::uint8_t> ReadData(std::FILE* file, std::uint32_t length) {
+  constexpr std::uint32_t kMostBytes = std::uint32_t{1} << 20;  // tags take some kilobytes
+  std::vector<std::uint8_t> data(std::min(length, kMostBytes));
+  data.resize(std::fread(data.data(), 1, data.size(), file));
+  return data;
+}
+
+// Of an editor's packet: an attribute or an element that holds a digit.
+std::optional<int> OrientationOfPacket(std::string_view text) {
+  constexpr std::string_view kKey = "XML:com.adobe.xmp";
+  constexpr std::string_view kName = "tiff:Orientation";
+  if (!text.starts_with(kKey)) return std::nullopt;
+  const std::size_t at = text.find(kName);
+  if (at == std::string_view::npos) return std::nullopt;
+  const std::size_t digit = text.find_first_not_of("=\"'> ", at + kName.size());
+  if (digit == std::string_view::npos || text[digit] < '1' || text[digit] > '8')
+    return std::nullopt;
+  return text[digit] - '0';
+}
+
+}  // namespace
+
+int ReadPngOrientation(std::FILE* file) {
+  const long before = std::ftell(file);
+  std::optional<int> found;
+  std::array<std::uint8_t, kStartBytes> start{};
+  for (long at = kMarkBytes; std::fseek(file, at, SEEK_SET) == 0 &&
+                             std::fread(start.data(), 1, start.size(), file) == start.size();) {
+    const std::uint32_t length =
+        std::uint32_t{start[0]} << 24 | start[1] << 16 | start[2] << 8 | start[3];
+    const std::string_view name(reinterpret_cast<const char*>(&start[4]), 4);
+    if (name == "eXIf") {
+      Picture tags;
+      ReadExif(ReadData(file, length), tags);
+      found = tags.orientation;
+      break;
+    }
+    if (name == "iTXt" && !found) {
+      const std::vector<std::uint8_t> data = ReadData(file, length);
+      found = OrientationOfPacket({reinterpret_cast<const char*>(data.data()), data.size()});
+    }
+    if (name == "IEND") break;
+    at += static_cast<long>(kStartBytes + length) + kSumBytes;
+  }
+  std::clearerr(file);
+  (void)std::fseek(file, before, SEEK_SET);
+  return found.value_or(kUpright);
+}
+
+}  // namespace modules
