@@ -183,17 +183,18 @@ class PsdReader : public PictureReader {
 
   // The list of layers begins with their number, below 0 when the first channel behind the colours
   // is the transparency of the merged picture. With layers and no such sign it is a mask; without
-  // any layer other programs take it for transparency.
+  // any layer other programs take a single one for transparency.
   void readLayers() {
     const std::uint32_t length = readNumber();
     const long end = std::ftell(file_.get()) + static_cast<long>(length);
     std::array<std::uint8_t, 6> start{};  // length of the list, number of layers
-    const bool hasMask = length >= start.size() && tryRead(start) && Big32(start.data()) != 0 &&
-                         (start[4] & 0x80U) == 0 && Big16(&start[4]) != 0;
+    const bool hasList = length >= start.size() && tryRead(start) && Big32(start.data()) != 0;
+    const auto layers = static_cast<std::int16_t>(hasList ? Big16(&start[4]) : 0);
     seek(end);
     const auto colors = static_cast<std::size_t>(picture_.samples);
     const bool knowsAlpha = mode_ != PsdMode::kBitmap && mode_ != PsdMode::kIndexed;
-    picture_.hasAlpha = channels_ == colors + 1 && knowsAlpha && !hasMask;
+    const bool hasChannel = layers < 0 ? channels_ > colors : channels_ == colors + 1;
+    picture_.hasAlpha = knowsAlpha && hasChannel && layers <= 0;
     picture_.isGray = picture_.hasAlpha && colors == 1;
     channelStarts_.resize(colors + (picture_.hasAlpha ? 1 : 0));
     if (picture_.hasAlpha) picture_.samples = picture_.hasInks ? 5 : 4;

@@ -24,6 +24,9 @@ const std::vector<std::string> kBitmaps = {
     "i40 i1 i1 s1 s32 i3 / i0 i0 i255 i65280 i16711680 | 1 2 3 4",
     "i40 i1 i1 s1 s32 i6 / i0 i0 i65280 i255 i16711680 i4278190080 | 1 2 3 4",
     "i108 i1 i1 s1 s32 i3 / i0 i0 i1072693248 i1047552 i1023 i0 z52 | FF 3 0 20",
+    "i56 i2 i1 s1 s16 i3 / i0 i0 i31744 i992 i31 i32768 | 0 FC E0 3",          // one bit of opacity
+    "i56 i2 i1 s1 s32 i3 / i0 i0 i16711680 i65280 i255 i0 | 1 2 3 4 5 6 7 8",  // none
+    "i40 i2 i1 s1 s4 i0 / i4 i0 31 0 FF 0 FF 0 0 0 |54 0 FF 0 0 9 8 7 0",  // pixels in the palette
     "i40 i4 i2 s1 s8 i1 / i3 i0 z4 0 0 FF 0 FF 0 0 0 | 0 3 1 2 1 0 0 0 0 2 2 0 2 1 0 1",
     "i40 i5 i1 s1 s4 i2 / i3 i0 z4 0 0 FF 0 FF 0 0 0 | 3 12 2 22 0 1",
     "i40 i5 i1 s1 s4 i2 / i3 i0 z4 0 0 FF 0 FF 0 0 0 | 0 5 12 1 20 0",
@@ -57,9 +60,12 @@ const std::vector<std::string> kDocuments = {
     "S1 I2 I5 S8 S1 I0 I0 I0 S1 S2 S6 FB 7 4 1 2 3 4 5",
     "S1 I2 I5 S8 S1 I0 I0 I0 S1 S3 S6 5 1 2 4 1 2 3 4 5",
     "S1 I2 I5 S8 S1 I0 I0 I0 S1 S1 S6 FC 4 1 2 3 4 5",
-    // Four inks, 255 for none, and a mask; 16 bits; a duotone.
+    // Four inks, 255 for none, and opacity; 16 bits; a duotone.
     "S5 I1 I2 S8 S4 I0 I0 I0 S0 FF 64 FF C8 0 32 FF 80 9 9",
     "S1 I1 I3 S16 S1 I0 I0 I0 S0 FF FF 7F 7F 0 C0", "S1 I1 I3 S8 S8 I0 I0 I0 S0 3 2 1",
+    // Colours on white, plain ones, and two channels with the sign that one is opacity.
+    "S4 I1 I2 S8 S3 I0 I0 I0 S0 80 C0 80 FF 80 80 80 C0", "S4 I1 I1 S8 S3 I0 I0 I0 S0 1 2 3 80",
+    "S3 I1 I1 S16 S1 I0 I0 I6 I2 S-1 S0 S32768 S65535 S9", "S2 I1 I1 S8 S1 I0 I0 I6 I2 S1 S0 7 8",
     // The resolution, 600 by 150, stands behind a named resource of odd length.
     "S1 I1 I1 S8 S1 I0 I46 '8BIM S1024 2 61 62 0 I3 1 2 3 0 "
     "'8BIM S1005 S0 I16 I39321600 S1 S1 I9830400 S1 S1 I0 S0 4D",
@@ -69,15 +75,41 @@ const std::vector<std::string> kDocuments = {
     "S1 I1 I30001 S8 S1 I0 I0 I0 S0 1", "S1 I30000 I30000 S8 S1 I0 I0 I0 S0 1",
     "S1 I1 I4 S8 S1 I0 I0 I0 S0 1", "S1 I9999 I9999 S8 S1 I0 I0 I0 S1 1"};
 
+// The frame takes a part of the canvas, or all; indexes beyond the palette; no palette; cut.
+const std::vector<std::string> kFrames = {
+    "s3 s2 80 0 0 FF 0 0 0 FF 0 2C s1 s1 s2 s1 0 2 2 44 A 0 3B",
+    "s2 s1 80 0 0 FF 0 0 0 FF 0 2C s0 s0 s2 s1 0 2 2 44 A 0 3B",
+    "s0 s0 80 0 0 FF 0 0 0 FF 0 21 F9 4 1 s0 1 0 2C s0 s0 s2 s1 0 2 2 44 A 0",
+    "s2 s1 0 0 0 2C s0 s0 s2 s1 82 z21 9 8 7 4 3 F0 A4 8 0 3B",
+    "s2 s1 80 0 0 FF 0 0 0 FF 0 2C s0 s0 s2 s1 0 2 2 DC A 0 3B",
+    "s2 s1 0 0 0 2C s0 s0 s2 s1 0 2 2 44 A 0 3B",
+    "s65535 s65535 80 0 0 FF 0 0 0 FF 0 2C s1 s1 s2 s1 0 2 2 44 A 0 3B",
+    "s2 s1 80 0 0 FF 0 0 0 FF 0 2C s0 s0 s2 s1 0 2 2 44"};
+
+// Three samples: signed by a stated range; white in each of the two forms of Lab.
+const std::string kPage = "s256 s3 i1 i3 s257 s3 i1 i1 s258 s3 i1 ";
+const std::vector<std::string> kPages = {
+    "s11 " + kPage +
+        "i16 s259 s3 i1 i1 s262 s3 i1 i1 s273 s4 i1 i146 s277 s3 i1 i1 s279 s4 i1 i6 "
+        "s339 s3 i1 i2 s340 s8 i1 s-1000 s0 s341 s8 i1 s3000 s0 i0 s-1000 s1000 s3000",
+    "s8 " + kPage +
+        "i8 s259 s3 i1 i1 s262 s3 i1 i8 s273 s4 i1 i110 s277 s3 i1 i3 s279 s4 i1 i9 "
+        "i0 FF 0 0 80 0 0 80 F0 10",
+    "s8 " + kPage +
+        "i16 s259 s3 i1 i1 s262 s3 i1 i9 s273 s4 i1 i110 s277 s3 i1 i3 s279 s4 i1 i18 "
+        "i0 s65280 s32768 s32768 s32768 s32768 s32768 s32768 s28672 s36864"};
+
 TEST_F(FileTest, rare_files_show_what_they_mean) {
   const struct {
     std::string name, start;
     std::uint64_t sum;
     std::vector<std::string> rests;
   } rows[] = {
-      {"a.bmp", "'BM z12 ", 0xCAD79DD1965DAE83, kBitmaps},
-      {"a.psd", "'8BPS S1 z6 ", 0x7B9CC912F9D0CBBE, kDocuments},
+      {"a.bmp", "'BM z12 ", 0x4601D11CB830EFE9, kBitmaps},
+      {"a.psd", "'8BPS S1 z6 ", 0x58D709EA8F4174D8, kDocuments},
       {"b.psd", "'8BPS S2 z6 ", 0x7879558D1E77522C, {"S1 I1 I1 S8 S1 I0 I0 I0 S0 1"}},
+      {"a.gif", "'GIF89a ", 0xD4CA46C013F3F7F7, kFrames},
+      {"a.tif", "'II s42 i8 ", 0x6D99F7CE68743C06, kPages},
       // Four planes, the lowest bit's first. What looks like a run is written as a run of one.
       {"a.pcx",
        "A 5 1 1 s0 s0 s15 s0 s300 s200 ",

@@ -57,6 +57,15 @@ const Row kRows[] = {
     {"-define webp:lossless=true", "a.webp", 24, "WebP"},
     {"-quality 80", "b.webp", 24, "WebP", 2},
     {"-alpha set -channel A -evaluate set 40% -define webp:lossless=true", "c.webp", 32, "WebP"},
+    {"-define bmp:subtype=RGB565", "d.bmp", 24, "none"},
+    {"-colors 12 -interlace GIF", "a.gif", 4, "LZW"},
+    {"-colors 60 -transparent yellow", "b.gif", 32, "LZW"},
+    {"-colorspace Lab -compress LZW", "y.tif", 24, "LZW", 20},  // there a and b are half a step off
+    {"-depth 32 -define quantum:format=floating-point -compress Zip", "z.tif", 24, "deflate", 1},
+    {"-colorspace Gray -depth 16 -define quantum:format=signed", "e.tif", 8, "none", 1},
+    {"-alpha set -channel A -evaluate set 40% +channel -colorspace CMYK", "m.tif", 32, "none", 2},
+    {"-alpha set -channel A -evaluate set 40% +channel -colorspace CMYK -compress RLE", "f.psd", 32,
+     "RLE", 2},
 };
 
 TEST_F(FileTest, files_of_other_programs_show_the_same_pixels) {

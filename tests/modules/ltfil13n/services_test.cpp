@@ -70,7 +70,12 @@ TEST_F(FileTest, pictures_stand_upright_at_every_depth) {
 TEST_F(FileTest, tags_of_cameras_are_followed) {
   run("convert -size 30x20 gradient:red-blue -strip in.jpg");
   const Bytes plain = read("in.jpg");
+  run("convert in.jpg -strip in.png");
+  const Bytes png = read("in.png");
   const OwnedDib stored = load("in.jpg");
+  Bytes stray = plain;
+  stray.insert(stray.begin() + 2, {1, 2, 3});
+  EXPECT_EQ(Shown(load("stray.jpg", stray)), Shown(stored));
   ASSERT_EQ(rig::HeaderOf(stored).biXPelsPerMeter, 0);
   ASSERT_EQ(save(stored, "in.tif", kFormatTiff), kModuleSuccess);
   Bytes tiff = read("in.tif");
@@ -85,6 +90,7 @@ TEST_F(FileTest, tags_of_cameras_are_followed) {
       ASSERT_TRUE(seen);
       EXPECT_EQ(Shown(seen), expected) << order << orientation;
       expectInfo("turned.jpg", seen, "JPEG");
+      EXPECT_EQ(Shown(load("turned.png", rig::WithTags(png, order + tags))), expected);
       EXPECT_EQ(rig::HeaderOf(seen).biXPelsPerMeter, orientation > 4 ? 5000 : 12000);
       std::transform(tags.begin(), tags.end(), tags.begin(), ::tolower);
     }
@@ -98,6 +104,10 @@ TEST_F(FileTest, tags_of_tiff_are_followed_or_refused) {
   Bytes bytes = plain;
   std::uint32_t palette = 0;
   std::memcpy(&palette, rig::TagOf(bytes, 320) + 8, 4);
+  Bytes cut = plain;
+  cut.resize(palette + 1000);
+  EXPECT_FALSE(load("b.tif", cut));
+  EXPECT_EQ(code_, kFileFormatDamaged);
   // Some writers store bytes where 16 bits are asked. A single larger one tells that they are not.
   for (std::size_t i = palette; i < palette + 1536; i += 2) bytes[i + 1] = 0;
   EXPECT_EQ(Shown(load("b.tif", bytes)), Shown(image));
@@ -183,6 +193,9 @@ TEST_F(FileTest, thumbnails_are_the_averaged_page_in_its_frame) {
     }
   }
   sum.expect(0x14486638756C8D20, "thumbnails");
+  const LTTHUMBNAILOPTIONS huge{100000, 100000, 0, 0, 0, 0, 0, 0, 0};
+  EXPECT_FALSE(thumbnail("a.png", &huge));
+  EXPECT_EQ(code_, kModuleNoMemory);
   EXPECT_FALSE(thumbnail("a.png", nullptr));
   EXPECT_EQ(code_, kModuleBadParameter);
   EXPECT_FALSE(thumbnail("absent", &kWishes[0]));
