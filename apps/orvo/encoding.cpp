@@ -69,6 +69,12 @@ std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
                        .yDotsPerInch = static_cast<double>(after.yDotsPerInch)});
 }
 
+void TellLosses(const Job& job, const std::vector<std::string>& losses) {
+  std::string list;
+  for (const std::string& loss : losses) list += (list.empty() ? "not kept: " : "; ") + loss;
+  if (!list.empty()) TellWarning(job.source, list);
+}
+
 int Encode(Job& job, const std::string& path) {
   const std::string kind = KindOfName(job.target);
   try {
@@ -80,9 +86,7 @@ int Encode(Job& job, const std::string& path) {
     const int code = SaveAs(kind, job, path);
     const auto shape = ShapeOf(job.image.get());
     if (code != ORVO_OK || !shape || !job.loaded) return code;
-    for (const std::string& loss : TakeMetadata(job, {job.page, *job.loaded, *shape}, path, 1)) {
-      TellWarning(job.source, "not kept: " + loss);
-    }
+    TellLosses(job, TakeMetadata(job, {job.page, *job.loaded, *shape}, path, 1));
     return ORVO_OK;
   } catch (const MetadataFault& fault) {
     job.hint = "while writing " + job.target + ": " + fault.what();

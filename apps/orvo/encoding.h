@@ -25,6 +25,9 @@ struct Passage {
 std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
                                       const std::string& path, int resultPage);
 
+// Says on one line what could not be kept.
+void TellLosses(const Job& job, const std::vector<std::string>& losses);
+
 }  // namespace client
 
 #endif  // APPS_ORVO_ENCODING_H

@@ -30,6 +30,9 @@ constexpr Option kCommonOptions[] = {
      .most = 255,
      .fewest = 3,
      .atMost = 3},
+    {.name = "allow-loss",
+     .meaning = "with --in-place: write also what keeps 8 of a file's 16 bits a sample",
+     .kind = ValueKind::kFlag},
     {.name = "strip",
      .meaning = "leave out what a file holds beside the picture and its color profile; --strip=all "
                 "leaves that out too",

@@ -7,7 +7,6 @@
 
 #include "encoding.h"
 #include "file_kind.h"
-#include "messages.h"
 #include "metadata.h"
 #include "picture.h"
 #include "progress.h"
@@ -102,7 +101,7 @@ int TakeAllMetadata(Job& job, const Walk& walk, const std::string& path) {
         losses.insert(std::move(loss));
       }
     }
-    for (const std::string& loss : losses) TellWarning(job.source, "not kept: " + loss);
+    TellLosses(job, {losses.begin(), losses.end()});
     return ORVO_OK;
   } catch (const MetadataFault& fault) {
     job.hint = "while writing " + job.target + ": " + fault.what();
@@ -116,6 +115,7 @@ int WritePages(Job& job, Walk& walk, const std::string& path) {
   int code = ORVO_OK;
   for (const int page : walk.pages()) {
     if (code == ORVO_OK) code = walk.step(page);
+    if (code == ORVO_OK) code = MindSampleBits(job);
     if (code == ORVO_OK) code = target.add(job.image.get(), walk.compression());
   }
   if (code == ORVO_OK) code = target.finish();

@@ -9,6 +9,7 @@
 #include "opacity.h"
 #include "progress.h"
 #include "replacement.h"
+#include "sample_depth.h"
 #include "tiff_pages.h"
 
 namespace client {
@@ -76,7 +77,20 @@ int LayOnBackground(Job& job) {
   return job.image ? ORVO_OK : ORVO_ERR_NO_MEMORY;
 }
 
+int MindSampleBits(Job& job) {
+  const int bits = SampleBits(job.source, job.page);
+  if (bits <= 8 || job.parameters.has("allow-loss")) return ORVO_OK;
+  const std::string fact = "its samples of " + std::to_string(bits) + " bits ";
+  if (job.parameters.has("in-place")) {
+    job.hint = fact + "would be rounded to 8; --allow-loss does it";
+    return ORVO_ERR_NOT_SUPPORTED;
+  }
+  TellWarning(job.source, fact + "are rounded to 8");
+  return ORVO_OK;
+}
+
 int SavePicture(Job& job) {
+  if (const int code = MindSampleBits(job); code != ORVO_OK) return code;
   if (!HoldsOpacity(KindOfName(job.target))) {
     if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
   }

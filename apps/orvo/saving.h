@@ -30,6 +30,9 @@ int WriteTarget(Job& job, const std::function<int(const std::string& path)>& wri
 // Refused in place unless the user has named a background.
 int LayOnBackground(Job& job);
 
+// Says that samples of more than 8 bits are rounded; refused in place unless the user allows it.
+int MindSampleBits(Job& job);
+
 // Saves the picture as the target.
 int SavePicture(Job& job);
 
