@@ -23,8 +23,12 @@ bool SaveWithoutLoss(const Job& job, const std::string& path) {
                               ? job.withoutLoss(path)
                               : PatchJpeg(job.source, job.before.get(), job.image.get(), path);
   if (outcome.kind != Outcome::Kind::kDone) return false;
-  WipeJpegPreview(path);
-  return true;
+  try {
+    WipeJpegPreview(path);
+    return true;
+  } catch (const MetadataFault&) {
+    return false;
+  }
 }
 
 int SaveAsJpeg(const Job& job, const std::string& path) {
@@ -69,29 +73,35 @@ std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
                        .yDotsPerInch = static_cast<double>(after.yDotsPerInch)});
 }
 
-void TellLosses(const Job& job, const std::vector<std::string>& losses) {
+void TellLosses(Job& job, const std::vector<std::string>& losses) {
   std::string list;
   for (const std::string& loss : losses) list += (list.empty() ? "not kept: " : "; ") + loss;
-  if (!list.empty()) TellWarning(job.source, list);
+  if (list.empty() || list == job.lossesTold) return;
+  TellWarning(job.source, list);
+  job.lossesTold = list;
 }
 
-int Encode(Job& job, const std::string& path) {
-  const std::string kind = KindOfName(job.target);
+int Complete(Job& job, const std::string& path, const Passage& passage) {
   try {
-    if (kind == "jpeg" && SaveWithoutLoss(job, path)) return ORVO_OK;
-    if (job.parameters.has("perfect")) {
-      job.hint = "it cannot be done without loss";
-      return ORVO_ERR_NOT_SUPPORTED;
-    }
-    const int code = SaveAs(kind, job, path);
-    const auto shape = ShapeOf(job.image.get());
-    if (code != ORVO_OK || !shape || !job.loaded) return code;
-    TellLosses(job, TakeMetadata(job, {job.page, *job.loaded, *shape}, path, 1));
+    TellLosses(job, TakeMetadata(job, passage, path, 1));
     return ORVO_OK;
   } catch (const MetadataFault& fault) {
     job.hint = "while writing " + job.target + ": " + fault.what();
     return ORVO_ERR_FILE_IO;
   }
+}
+
+int Encode(Job& job, const std::string& path) {
+  const std::string kind = KindOfName(job.target);
+  if (kind == "jpeg" && SaveWithoutLoss(job, path)) return ORVO_OK;
+  if (job.parameters.has("perfect")) {
+    job.hint = "it cannot be done without loss";
+    return ORVO_ERR_NOT_SUPPORTED;
+  }
+  const int code = SaveAs(kind, job, path);
+  const auto shape = ShapeOf(job.image.get());
+  if (code != ORVO_OK || !shape || !job.loaded) return code;
+  return Complete(job, path, {job.page, *job.loaded, *shape});
 }
 
 }  // namespace client

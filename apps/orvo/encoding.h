@@ -25,8 +25,11 @@ struct Passage {
 std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
                                       const std::string& path, int resultPage);
 
-// Says on one line what could not be kept.
-void TellLosses(const Job& job, const std::vector<std::string>& losses);
+// The same to the one page of a file, and says what is lost. A result code of the toolkit.
+int Complete(Job& job, const std::string& path, const Passage& passage);
+
+// Says on one line what could not be kept; of many pages with the same losses once.
+void TellLosses(Job& job, const std::vector<std::string>& losses);
 
 }  // namespace client
 

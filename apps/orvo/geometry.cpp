@@ -3,8 +3,10 @@
 #include <cmath>
 
 #include "document.h"
+#include "encoding.h"
 #include "file_kind.h"
 #include "jpeg_turn.h"
+#include "opacity.h"
 #include "operations.h"
 #include "pages.h"
 #include "picture.h"
@@ -77,25 +79,39 @@ int Thumbnail(Job& job) {
                                              job.parameters.whole("size", 1));
 }
 
-int ConvertToDocument(Job& job) {
-  const int code = WriteTarget(job, [&job](const std::string& path) {
-    return job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), job.quality, ReportProgress);
+// The conversion of whole files keeps what a loaded picture would not, such as that a file tells no
+// resolution. It knows no compression of TIFF files and lays nothing on a background.
+bool GoesByFile(const Job& job, const ORVOIMAGEFILEINFO& info) {
+  const std::string kind = KindOfName(job.target);
+  return kind == "pdf" ||
+         (!IsSameKind(job) && kind != "tiff" && (info.bitsPerPixel != 32 || HoldsOpacity(kind)));
+}
+
+int ConvertByFile(Job& job, const ORVOIMAGEFILEINFO& info) {
+  const int code = WriteTarget(job, [&](const std::string& path) {
+    const int converted =
+        job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), job.quality, ReportProgress);
+    if (converted != ORVO_OK || IsDocument(job.target)) return converted;
+    const Shape shape{info.width, info.height, info.bitsPerPixel, 0, 0, {}};
+    return Complete(job, path, {1, shape, shape});
   });
-  job.hint.clear();  // the source may be to blame as well
   return Interrupted() ? ORVO_ERR_CANCELLED : code;
 }
 
-// Documents are made of pictures as they are coded. What that road refuses, and every other target,
-// goes through memory.
+// What is refused as a whole goes through memory, where more is known of what went wrong.
 int Convert(Job& job) {
   if (HasPages(job) && !MayStayAsItIs(job) &&
       (job.parameters.has("pages") || !IsDocument(job.target))) {
     job.written = true;
     return DoPages(job, [] { return ORVO_OK; });
   }
-  if (IsDocument(job.target)) {
-    const int code = ConvertToDocument(job);
+  ORVOIMAGEFILEINFO info{};
+  (void)job.toolkit.ImageFileInfo(job.source.c_str(), &info);
+  if (GoesByFile(job, info)) {
+    if (const int code = MindSampleBits(job); code != ORVO_OK) return code;
+    const int code = ConvertByFile(job, info);
     job.written = code == ORVO_OK;
+    job.hint.clear();  // the source may be to blame as well as the target
     // Further pages would be lost on the way through a loaded picture.
     if (job.written || code == ORVO_ERR_NO_VENDOR || code == ORVO_ERR_CANCELLED || HasPages(job)) {
       return code;

@@ -169,7 +169,7 @@ std::vector<int> PagesNamed(const std::string& text, int count) {
     start = stop + 1;
   }
   std::ranges::sort(pages);
-  pages.erase(std::ranges::unique(pages).begin(), pages.end());
+  pages.erase(std::unique(pages.begin(), pages.end()), pages.end());
   return pages;
 }
 

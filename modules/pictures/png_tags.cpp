@@ -45,8 +45,8 @@ int ReadPngOrientation(std::FILE* file) {
   std::array<std::uint8_t, kStartBytes> start{};
   for (long at = kMarkBytes; std::fseek(file, at, SEEK_SET) == 0 &&
                              std::fread(start.data(), 1, start.size(), file) == start.size();) {
-    const std::uint32_t length =
-        std::uint32_t{start[0]} << 24 | start[1] << 16 | start[2] << 8 | start[3];
+    const std::uint32_t length = std::uint32_t{start[0]} << 24 | std::uint32_t{start[1]} << 16 |
+                                 std::uint32_t{start[2]} << 8 | start[3];
     const std::string_view name(reinterpret_cast<const char*>(&start[4]), 4);
     if (name == "eXIf") {
       Picture tags;

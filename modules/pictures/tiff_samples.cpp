@@ -95,11 +95,11 @@ std::uint8_t ScreenTone(double light) {
       const double part = static_cast<double>(i) / kSteps;
       const double tone =
           part <= 0.0031308 ? 12.92 * part : 1.055 * std::pow(part, 1 / 2.4) - 0.055;
-      tones[i] = static_cast<std::uint8_t>(tone * 255 + 0.5);
+      tones[i] = static_cast<std::uint8_t>(std::lround(tone * 255));
     }
     return tones;
   }();
-  return kTones[static_cast<std::size_t>(std::clamp(light, 0.0, 1.0) * kSteps + 0.5)];
+  return kTones[static_cast<std::size_t>(std::lround(std::clamp(light, 0.0, 1.0) * kSteps))];
 }
 
 }  // namespace
