@@ -47,6 +47,13 @@ Replacement::~Replacement() {
   if (!folder_.empty()) fs::remove_all(folder_, ignored);
 }
 
+std::string Replacement::path() const {
+  constexpr std::size_t kMostCharacters = 259;  // that the toolkit takes
+  std::string path = (folder_ / target_.filename()).string();
+  if (path.size() <= kMostCharacters) return path;
+  return (folder_ / "x").string() + target_.extension().string();
+}
+
 bool Replacement::commit() {
   std::error_code fault;
   const fs::file_status old = fs::status(target_, fault);

@@ -1,6 +1,6 @@
 // A result on its way to its name. It is made in a private folder beside the target, under the
-// target's own file name, and takes the target's place in one step when it is whole: until then,
-// and after any failure, what stood there stays as it was.
+// target's own file name unless that makes the path too long, and takes the target's place in one
+// step when it is whole: until then, and after any failure, what stood there stays as it was.
 #ifndef APPS_ORVO_REPLACEMENT_H
 #define APPS_ORVO_REPLACEMENT_H
 
@@ -20,7 +20,7 @@ class Replacement {
 
   explicit operator bool() const { return !folder_.empty(); }
   // Where the result is to be made.
-  [[nodiscard]] std::string path() const { return (folder_ / target_.filename()).string(); }
+  [[nodiscard]] std::string path() const;
   // Gives the result the rights of the file that it replaces, and its name. False when that fails.
   [[nodiscard]] bool commit();
 
