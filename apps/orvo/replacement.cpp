@@ -27,7 +27,7 @@ fs::path PrivateFolderIn(const fs::path& parent) {
   std::random_device random;
   for (int i = 0; i < kAttempts; ++i) {
     std::error_code fault;
-    const fs::path folder = parent / (".orvo-" + std::to_string(random()));
+    fs::path folder = parent / (".orvo-" + std::to_string(random()));
     if (!fs::create_directory(folder, fault)) continue;
     fs::permissions(folder, fs::perms::owner_all, fault);
     if (!fault) return folder;
