@@ -50,8 +50,8 @@ bool BreaksOff(const std::string& path, int pages) {
   return Done([&] { (void)modules::OpenTiff(path.c_str(), nullptr)->goTo(pages + 1); }) != ORVO_OK;
 }
 
-TiffSource::TiffSource(const std::string& path)
-    : path_(path), reader_(modules::OpenTiff(path_.c_str(), Go)) {}
+TiffSource::TiffSource(std::string path)
+    : path_(std::move(path)), reader_(modules::OpenTiff(path_.c_str(), Go)) {}
 
 int TiffSource::load(int page, orvo::OwnedDib& picture) {
   return Done([&] {

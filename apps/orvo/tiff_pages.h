@@ -21,7 +21,7 @@ bool BreaksOff(const std::string& path, int pages);
 // Pages are cheapest in rising order.
 class TiffSource {
  public:
-  explicit TiffSource(const std::string& path);
+  explicit TiffSource(std::string path);
 
   // The page as LoadFile loads the first one. A result code of the toolkit.
   int load(int page, orvo::OwnedDib& picture);
