@@ -108,25 +108,28 @@ std::vector<Operation> Remaps() {
   return all;
 }
 
-TEST_F(ModuleTest, images_change_to_the_last_bit) {
+std::vector<Row> Rows() {
   const auto changes = {-1001, -1000, -600, -333, 0, 1, 200, 700, 1000, 1001, kLeast};
-  const Row rows[] = {{"depth", 0xA7A765CDF713A31E, Depths()},
-                      {"gray", 0xC08996B791491EDF, Each(L_GrayScaleBitmap, {8, 4, 0})},
-                      {"turn", 0x83096E8DD01FCC07, Turns()},
-                      {"size", 0xBEF8608AD890C03B, Sizes()},
-                      {"cut", 0x6C0CEA4032A2F49F, Cuts()},
-                      {"contrast", 0xCFDF7647AA60D98F, Each(L_ChangeBitmapContrast, changes)},
-                      {"intensity", 0x3B30DC9E84F5FD9E, Each(L_ChangeBitmapIntensity, changes)},
-                      {"saturation", 0x4E3079E898F10445, Each(L_ChangeBitmapSaturation, changes)},
-                      {"sharpness", 0x89A9AEB95FBC3A08, Each(L_SharpenBitmap, changes)},
-                      {"hue", 0x144083C4CDF156F3,
-                       Each(L_ChangeBitmapHue, {0, 1234, -7777, 12000, -36000, kMost, kLeast})},
-                      {"gamma", 0xFF2F0D5D85A290B8,
-                       Each(L_GammaCorrectBitmap, {0U, 1U, 45U, 100U, 200U, 4294967295U})},
-                      {"invert", 0x32F61C384A97BE95, {L_InvertBitmap}},
-                      {"remap", 0xEF6584A92394311C, Remaps()}};
+  return {{"depth", 0xA7A765CDF713A31E, Depths()},
+          {"gray", 0xC08996B791491EDF, Each(L_GrayScaleBitmap, {8, 4, 0})},
+          {"turn", 0x83096E8DD01FCC07, Turns()},
+          {"size", 0xBEF8608AD890C03B, Sizes()},
+          {"cut", 0x6C0CEA4032A2F49F, Cuts()},
+          {"contrast", 0xCFDF7647AA60D98F, Each(L_ChangeBitmapContrast, changes)},
+          {"intensity", 0x3B30DC9E84F5FD9E, Each(L_ChangeBitmapIntensity, changes)},
+          {"saturation", 0x4E3079E898F10445, Each(L_ChangeBitmapSaturation, changes)},
+          {"sharpness", 0x89A9AEB95FBC3A08, Each(L_SharpenBitmap, changes)},
+          {"hue", 0x144083C4CDF156F3,
+           Each(L_ChangeBitmapHue, {0, 1234, -7777, 12000, -36000, kMost, kLeast})},
+          {"gamma", 0xFF2F0D5D85A290B8,
+           Each(L_GammaCorrectBitmap, {0U, 1U, 45U, 100U, 200U, 4294967295U})},
+          {"invert", 0x32F61C384A97BE95, {L_InvertBitmap}},
+          {"remap", 0xEF6584A92394311C, Remaps()}};
+}
+
+TEST_F(ModuleTest, images_change_to_the_last_bit) {
   constexpr int kSizes[][2] = {{1, 1}, {1, 5}, {6, 1}, {4, 4}, {16, 16}, {33, 21}, {70, 41}};
-  for (const Row& row : rows) {
+  for (const Row& row : Rows()) {
     rig::Sum sum;
     for (const rig::Kind kind : rig::kKinds) {
       for (const auto& [width, height] : kSizes) {
@@ -138,11 +141,8 @@ TEST_F(ModuleTest, images_change_to_the_last_bit) {
           rig::Locked(source.get()).palette()[(1 << kind.depth) - 1] = {9, 8, 7, 6};
         for (const Operation& operation : row.operations) {
           OwnedDib got = CopyOf(source.get());
-          OwnedDib watched = CopyOf(source.get());
-          const int code = rig::Apply(operation, got);
           const rig::Watch watch;
-          ASSERT_EQ(rig::Apply(operation, watched), code);
-          ASSERT_EQ(Difference(got.get(), watched.get()), "");
+          const int code = rig::Apply(operation, got);
           ASSERT_TRUE(code == kModuleSuccess || Difference(source.get(), got.get()).empty());
           sum.add(code);
           sum.add(pictures::BytesOf(got.get()));
@@ -151,6 +151,20 @@ TEST_F(ModuleTest, images_change_to_the_last_bit) {
       }
     }
     sum.expect(row.sum, row.name);
+  }
+}
+
+TEST_F(ModuleTest, images_change_alike_when_nobody_watches) {
+  const OwnedDib source = rig::Picture({24, false}, 16, 16);
+  for (const Row& row : Rows()) {
+    for (const Operation& operation : row.operations) {
+      OwnedDib got = CopyOf(source.get());
+      OwnedDib watched = CopyOf(source.get());
+      const int code = rig::Apply(operation, got);
+      const rig::Watch watch;
+      ASSERT_EQ(rig::Apply(operation, watched), code);
+      ASSERT_EQ(Difference(got.get(), watched.get()), "") << row.name;
+    }
   }
 }
 
