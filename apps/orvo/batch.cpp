@@ -8,6 +8,7 @@
 #include "paths.h"
 #include "picture.h"
 #include "progress.h"
+#include "replacement.h"
 #include "reports.h"
 
 namespace client {
@@ -28,6 +29,16 @@ Report Entry(const Job& job, int code) {
   return entry;
 }
 
+// A folder, or a pipe, which would be waited for.
+bool IsNoFile(Job& job) {
+  std::error_code fault;
+  const auto status = std::filesystem::status(job.source, fault);
+  if (job.source.empty() || !std::filesystem::exists(status)) return false;
+  if (std::filesystem::is_regular_file(status)) return false;
+  job.hint = std::filesystem::is_directory(status) ? "it is a folder" : "it is no file";
+  return true;
+}
+
 // Counts how the files fared and keeps what was reported about them.
 class Session {
  public:
@@ -45,7 +56,7 @@ class Session {
             .source = task.source,
             .target = task.target,
             .quality = quality_};
-    const int code = Carry(*request_.operation, job);
+    const int code = IsNoFile(job) ? ORVO_ERR_FILE_OPEN : Carry(*request_.operation, job);
     if (json_) {
       entries_.push_back(Entry(job, code));
     } else if (!job.report.isNothing()) {
@@ -160,6 +171,7 @@ ExitStatus Run(COrvoInstance& toolkit, const Request& request) {
     session.work(task);
   }
   if (request.operation->finish != nullptr) session.complete(plan);
+  if (!SyncNewResults()) Tell("warning: the results may not have reached the disk");
   return session.finish(plan.tasks.size());
 }
 

@@ -12,16 +12,18 @@
 
 #include <orvo/result_codes.h>
 
+#include "messages.h"
+
 namespace client {
 namespace {
 
 constexpr int kBarWidth = 30;  // characters
 constexpr int kWhole = 100;    // percent
 
-volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t interruption = 0;
 
 void OnInterrupt(int signal) {
-  interrupted = 1;
+  interruption = signal;
   std::signal(signal, SIG_DFL);
 }
 
@@ -71,15 +73,25 @@ Bar& TheBar() {
 
 void CatchInterrupts() {
   std::signal(SIGINT, OnInterrupt);
+  std::signal(SIGTERM, OnInterrupt);
+#if !defined(_WIN32)
+  std::signal(SIGHUP, OnInterrupt);
+  // A file beyond the limit of sizes fails like one on a full disk.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
 }
 
 bool Interrupted() {
-  return interrupted != 0;
+  return interruption != 0;
+}
+
+int InterruptingSignal() {
+  return interruption;
 }
 
 void BeginStep(const std::string& file, const std::string& step) {
   Bar& bar = TheBar();
-  bar.label = file + ": " + step;
+  bar.label = Printable(file + ": " + step);
   bar.percent = -1;
   bar.draw(0);
 }

@@ -8,9 +8,12 @@
 
 namespace client {
 
-// Makes Ctrl-C end the work tidily; a second one ends the process.
+// Makes Ctrl-C, and the system's wishes that the process ends, end the work tidily; a second one
+// ends the process.
 void CatchInterrupts();
 bool Interrupted();
+// The signal that asked for it; 0 for none.
+int InterruptingSignal();
 
 // Starts a step of the work, such as "sharpen", on a file.
 void BeginStep(const std::string& file, const std::string& step);

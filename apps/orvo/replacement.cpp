@@ -1,7 +1,9 @@
 #include "replacement.h"
 
 #include <fstream>
-#include <random>
+#include <set>
+
+#include "file_system.h"
 
 namespace client {
 namespace {
@@ -21,46 +23,49 @@ bool MayBeReplaced(const fs::path& path) {
   return fs::is_regular_file(status) && std::fstream(path, std::ios::in | std::ios::out);
 }
 
-// Empty when none can be made there.
-fs::path PrivateFolderIn(const fs::path& parent) {
-  constexpr int kAttempts = 16;
-  std::random_device random;
-  for (int i = 0; i < kAttempts; ++i) {
-    std::error_code fault;
-    fs::path folder = parent / (".orvo-" + std::to_string(random()));
-    if (!fs::create_directory(folder, fault)) continue;
-    fs::permissions(folder, fs::perms::owner_all, fault);
-    if (!fault) return folder;
-    fs::remove(folder, fault);
-  }
-  return {};
+// Results that took no file's place.
+std::set<fs::path>& NewResults() {
+  static std::set<fs::path> paths;
+  return paths;
+}
+
+fs::path FolderOf(const fs::path& path) {
+  return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
 
 }  // namespace
 
 Replacement::Replacement(const std::string& target) : target_(Followed(target)) {
-  if (MayBeReplaced(target_)) folder_ = PrivateFolderIn(target_.parent_path());
-}
-
-Replacement::~Replacement() {
-  std::error_code ignored;
-  if (!folder_.empty()) fs::remove_all(folder_, ignored);
+  ready_ = MayBeReplaced(target_) && folder_.makeIn(target_.parent_path());
 }
 
 std::string Replacement::path() const {
   constexpr std::size_t kMostCharacters = 259;  // that the toolkit takes
-  std::string path = (folder_ / target_.filename()).string();
+  std::string path = (folder_.path() / target_.filename()).string();
   if (path.size() <= kMostCharacters) return path;
-  return (folder_ / "x").string() + target_.extension().string();
+  return (folder_.path() / "x").string() + target_.extension().string();
 }
 
 bool Replacement::commit() {
   std::error_code fault;
-  const fs::file_status old = fs::status(target_, fault);
-  if (fs::exists(old)) fs::permissions(path(), old.permissions(), fault);
-  if (fault && fs::exists(old)) return false;
+  const bool replaces = fs::exists(target_, fault);
+  if (replaces && !(TakeRights(target_, path()) && Sync(path()))) return false;
   fs::rename(path(), target_, fault);
-  return !fault;
+  if (fault) return false;
+  if (!replaces) NewResults().insert(target_);
+  return !replaces || Sync(FolderOf(target_));
+}
+
+bool SyncNewResults() {
+  bool done = true;
+  std::set<fs::path> folders;
+  for (const fs::path& path : NewResults()) {
+    done = Sync(path) && done;
+    folders.insert(FolderOf(path));
+  }
+  for (const fs::path& folder : folders) done = Sync(folder) && done;
+  NewResults().clear();
+  return done;
 }
 
 }  // namespace client

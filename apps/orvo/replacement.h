@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <string>
 
+#include "private_folder.h"
+
 namespace client {
 
 class Replacement {
@@ -14,20 +16,23 @@ class Replacement {
   // Makes the folder, readable by its owner alone. A link as target is followed once. False when
   // the folder cannot be made, or when what stands at the target may not be written.
   explicit Replacement(const std::string& target);
-  ~Replacement();
-  Replacement(const Replacement&) = delete;
-  Replacement& operator=(const Replacement&) = delete;
 
-  explicit operator bool() const { return !folder_.empty(); }
+  explicit operator bool() const { return ready_; }
   // Where the result is to be made.
   [[nodiscard]] std::string path() const;
-  // Gives the result the rights of the file that it replaces, and its name. False when that fails.
+  // Gives the result the name of its target and, where it replaces a file, that file's rights; it
+  // is on the disk before the old one is gone. False when that fails.
   [[nodiscard]] bool commit();
 
  private:
   std::filesystem::path target_;
-  std::filesystem::path folder_;
+  PrivateFolder folder_;
+  bool ready_ = false;
 };
+
+// Returns once the results that replaced no file have reached the disk, which for many at once is
+// quicker than for each. False when they cannot.
+bool SyncNewResults();
 
 }  // namespace client
 

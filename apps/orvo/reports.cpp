@@ -3,6 +3,8 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "messages.h"
+
 namespace client {
 namespace {
 
@@ -49,7 +51,7 @@ ordered_json ToJson(const Report& report) {
 
 std::string Spell(const ordered_json& value) {
   if (value.empty()) return "none";  // a null or an empty list
-  if (value.is_string()) return value.get<std::string>();
+  if (value.is_string()) return Printable(value.get<std::string>());
   if (!value.is_array()) return value.dump();
   std::string joined;
   for (const ordered_json& item : value) {
@@ -94,7 +96,7 @@ void PrintText(const std::string& heading, const Report& report) {
     std::cout << *text;
     return;
   }
-  if (!heading.empty()) std::cout << heading << ":\n";
+  if (!heading.empty()) std::cout << Printable(heading) << ":\n";
   PrintLines(ToJson(report), heading.empty() ? 0 : kIndent);
 }
 
