@@ -92,8 +92,8 @@ ExitStatus TellWrongUsage(const CLI::App& app, const std::string& problem) {
 std::variant<Request, ExitStatus> ReadCommandLine(int argc, const char* const* argv) {
   CLI::App app("Photo fixing and scan clean-up from the command line.", "orvo");
   app.footer(
-      "Exit status: 0 all done, 1 some file failed, 2 wrong usage, 3 a needed module is "
-      "missing.");
+      "Exit status: 0 all done, 1 some file failed, 2 wrong usage, 3 a needed module is missing;\n"
+      "128 and the number of the signal that asked to end, such as 130 for Ctrl-C.");
   app.require_subcommand(1);
   Request request;
   for (const Operation& operation : Operations()) AddCommand(app, operation, request);
