@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include <orvo/file_limits.h>
+
 #include "carrying.h"
 #include "document.h"
 #include "messages.h"
@@ -149,6 +151,16 @@ Plan PlanFor(const Request& request) {
   return plan;
 }
 
+void SetLimits(const Parameters& given) {
+  OrvoFileLimits limits = *OrvoLimitFiles(nullptr);
+  const auto take = [&given](std::string_view option, std::uint64_t& limit) {
+    if (given.has(option)) limit = static_cast<std::uint64_t>(given.number(option));
+  };
+  take("limit-pixels", limits.pixels);
+  take("limit-memory", limits.memory);
+  OrvoLimitFiles(&limits);
+}
+
 }  // namespace
 
 ExitStatus Run(COrvoInstance& toolkit, const Request& request) {
@@ -165,6 +177,7 @@ ExitStatus Run(COrvoInstance& toolkit, const Request& request) {
       return kSomeFailed;
     }
   }
+  SetLimits(request.parameters);
   Session session(toolkit, request);
   for (const Task& task : plan.tasks) {
     if (Interrupted()) break;

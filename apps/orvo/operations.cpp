@@ -6,8 +6,10 @@ namespace {
 // Of --strip.
 constexpr std::string_view kStrips[] = {"metadata", "all"};
 
-// The options of commands that write come first, the one of all commands last; commands that may
-// not write over their inputs do without the first.
+constexpr double kMostAmount = 1e15;
+
+// The options of commands that write come first, then those of commands that read, the one of all
+// commands last; commands that may not write over their inputs do without the first.
 constexpr Option kCommonOptions[] = {
     {.name = "in-place", .meaning = "write over the input files", .kind = ValueKind::kFlag},
     {.name = "output",
@@ -39,6 +41,16 @@ constexpr Option kCommonOptions[] = {
      .kind = ValueKind::kChoice,
      .choices = kStrips,
      .bare = "metadata"},
+    {.name = "limit-pixels",
+     .meaning = "refuse files whose picture has more pixels; 4295M unless given",
+     .kind = ValueKind::kAmount,
+     .least = 1,
+     .most = kMostAmount},
+    {.name = "limit-memory",
+     .meaning = "refuse files whose decoding takes more bytes; 4295M unless given",
+     .kind = ValueKind::kAmount,
+     .least = 1,
+     .most = kMostAmount},
     {.name = "json", .meaning = "report on standard output as JSON", .kind = ValueKind::kFlag},
 };
 
@@ -59,7 +71,8 @@ const std::vector<Operation>& Operations() {
 
 std::span<const Option> CommonOptions(const Operation& operation) {
   const std::span<const Option> all = kCommonOptions;
-  if (operation.subject != Subject::kPictures) return all.last(1);
+  if (operation.subject == Subject::kToolkit) return all.last(1);
+  if (operation.subject != Subject::kPictures) return all.last(3);
   return operation.inPlace ? all : all.subspan(1);
 }
 

@@ -27,10 +27,23 @@ std::optional<double> NumberIn(std::string_view text) {
   return number;
 }
 
+// A whole number in all, or in thousands, millions or billions.
+std::optional<double> AmountIn(std::string_view text) {
+  double unit = 1;
+  for (const char letter : {'k', 'M', 'G'}) {
+    unit *= 1000;
+    if (!text.ends_with(letter)) continue;
+    const auto number = NumberIn(text.substr(0, text.size() - 1));
+    return number ? std::optional(*number * unit) : std::nullopt;
+  }
+  return NumberIn(text);
+}
+
 std::string ReadNumbers(const Option& option, std::string_view text, std::vector<double>& numbers) {
   for (std::size_t start = 0; start <= text.size();) {
     const std::size_t stop = std::min(text.find(option.separator, start), text.size());
-    const auto number = NumberIn(text.substr(start, stop - start));
+    const std::string_view item = text.substr(start, stop - start);
+    const auto number = option.kind == ValueKind::kAmount ? AmountIn(item) : NumberIn(item);
     if (!number) return "is not " + Placeholder(option);
     // Put so that a NaN fails too.
     if (!(*number >= option.least && *number <= option.most)) {
@@ -64,6 +77,7 @@ std::string ReadValue(const Option& option, const std::string& text, Value& valu
   value.numbers.clear();
   switch (option.kind) {
     case ValueKind::kWhole:
+    case ValueKind::kAmount:
     case ValueKind::kDecimal:
       return ReadNumbers(option, text, value.numbers);
     case ValueKind::kChoice: {
@@ -96,6 +110,8 @@ std::string Placeholder(const Option& option) {
       text += option.atMost == option.fewest + 1 ? "N]" : "N...]";
       return text;
     }
+    case ValueKind::kAmount:
+      return "N[k|M|G]";
     case ValueKind::kChoice:
       return JoinedChoices(option);
     case ValueKind::kText:

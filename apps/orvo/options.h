@@ -12,7 +12,7 @@
 
 namespace client {
 
-enum class ValueKind { kWhole, kDecimal, kChoice, kText, kFile, kFlag };
+enum class ValueKind { kWhole, kAmount, kDecimal, kChoice, kText, kFile, kFlag };
 
 // Fields stand in the order in which rows read best.
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding)

@@ -4,6 +4,7 @@
 
 #include <orvo/dib.h>
 #include <orvo/dib_block.h>
+#include <orvo/file_limits.h>
 #include <orvo/instance.h>
 #include <orvo/platform.h>
 #include <orvo/raii.h>

@@ -13,7 +13,7 @@ class BmpReader : public PictureReader {
  public:
   using PictureReader::PictureReader;
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     file_ = OpenToRead(path_);
     header_ = ReadBmpHeader(file_.get(), FileSize(path_));

@@ -27,7 +27,7 @@ class GifReader : public PictureReader {
  public:
   using PictureReader::PictureReader;
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     gif_.reset(DGifOpenFileName(path_, nullptr));
     Check(gif_ != nullptr);

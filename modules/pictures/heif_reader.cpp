@@ -59,7 +59,7 @@ class HeifReader : public WholeReader {
  public:
   using WholeReader::WholeReader;
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     file_ = ReadWhole(path_);
     const Decoding& calls = TheDecoding();

@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <array>
 #include <bit>
+
+#include <orvo/file_limits.h>
 
 #include "pictures/codecs.h"
 #include "pictures/exif.h"
@@ -9,7 +12,24 @@
 namespace modules {
 namespace {
 
+constexpr std::uint8_t kMarkerPrefix = 0xFF;
+constexpr std::uint8_t kScanMarker = 0xDA;
 constexpr int kExifMarker = JPEG_APP0 + 1;
+
+// Marks of scans, those of a preview included. No other data of scans has their bytes.
+std::uint64_t ScanCount(const char* path) {
+  const FileHandle file = OpenToRead(path);
+  std::array<std::uint8_t, 65536> part;
+  std::uint64_t count = 0;
+  bool afterMark = false;
+  while (const std::size_t bytes = std::fread(part.data(), 1, part.size(), file.get())) {
+    for (const std::uint8_t byte : std::span(part).first(bytes)) {
+      if (afterMark && byte == kScanMarker) ++count;
+      afterMark = byte == kMarkerPrefix;
+    }
+  }
+  return count;
+}
 
 class JpegReader : public PictureReader {
  public:
@@ -18,7 +38,7 @@ class JpegReader : public PictureReader {
   }
   ~JpegReader() override { jpeg_destroy_decompress(&codec_); }
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     file_ = OpenToRead(path_);
     session_.run([this] {
@@ -51,6 +71,11 @@ class JpegReader : public PictureReader {
     const std::uint64_t bytes = std::uint64_t{codec_.image_width} * codec_.image_height *
                                 static_cast<std::uint64_t>(codec_.num_components);
     Require(IsPlausible(bytes, FileSize(path_), kMostRatio), kModuleReadFailed);
+    if (jpeg_has_multiple_scans(&codec_) != 0) {
+      // The coefficients of all blocks are kept until the last scan has come.
+      RequireMemory(bytes * sizeof(JCOEF));
+      Require(ScanCount(path_) <= OrvoLimitFiles(nullptr)->scans, kFileFormatDamaged);
+    }
     session_.run([this] { (void)jpeg_start_decompress(&codec_); });
   }
 

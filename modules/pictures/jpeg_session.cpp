@@ -7,9 +7,6 @@
 namespace modules {
 namespace {
 
-// A progressive file of some kilobytes can ask for thousands of passes over a huge image.
-constexpr int kMostScans = 500;
-
 JpegSession& SessionOf(j_common_ptr codec) {
   return *static_cast<JpegSession*>(codec->client_data);
 }
@@ -60,10 +57,6 @@ void StaySilent(j_common_ptr /*codec*/) {}
 
 void OnPass(j_common_ptr codec) {
   JpegSession& session = SessionOf(codec);
-  if (codec->is_decompressor != 0 &&
-      reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number > kMostScans) {
-    LeaveJpeg(codec, kFileFormatDamaged);
-  }
   // 100 is left to the caller, who knows when all is done.
   constexpr long kMostWhileBusy = 99;
   const jpeg_progress_mgr& at = session.monitor;

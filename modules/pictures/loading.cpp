@@ -15,6 +15,9 @@ OwnedBlock BlockFor(const Picture& picture) {
   BITMAPINFOHEADER model{};
   model.biXPelsPerMeter = picture.xPixelsPerMetre;
   model.biYPelsPerMeter = picture.yPixelsPerMetre;
+  const auto layout = orvo::DibLayoutFor(picture.width, picture.height, picture.depth());
+  Require(layout, kModuleNoMemory);
+  RequireMemory(layout->totalBytes);
   return NewDibLike(model, picture.width, picture.height, picture.depth());
 }
 

@@ -16,7 +16,7 @@ class MagickReader : public PictureReader {
         kind_(kind),
         progress_(MagickProgress::Order::kLibraryFirst, report) {}
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     bytes_ = ReadWhole(path_);
     Require(kind_.isSound == nullptr || kind_.isSound(bytes_), kFileFormatDamaged);
     if (page < 1 || page > pageCount()) return false;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <orvo/file_limits.h>
+
 namespace modules {
 
 std::size_t Picture::rowBytes() const {
@@ -31,6 +33,21 @@ void Picture::setResolution(double x, double y, unsigned unit) {
     xPixelsPerMetre = PixelsPerMetreOf(x, metres);
     yPixelsPerMetre = PixelsPerMetreOf(y, metres);
   }
+}
+
+bool PictureReader::goTo(int page) {
+  const OrvoFileLimits& limits = *OrvoLimitFiles(nullptr);
+  if (page > 1) Require(static_cast<std::uint64_t>(page) <= limits.pages, kFileFormatDamaged);
+  if (!readHeader(page)) return false;
+  const auto width = static_cast<std::uint64_t>(picture_.width);
+  const auto height = static_cast<std::uint64_t>(picture_.height);
+  Require(std::max(width, height) <= limits.side && width * height <= limits.pixels,
+          kModuleNoMemory);
+  return true;
+}
+
+void RequireMemory(std::uint64_t bytes) {
+  Require(bytes <= OrvoLimitFiles(nullptr)->memory, kModuleNoMemory);
 }
 
 std::int32_t PixelsPerMetreOf(double dots, double metres) {

@@ -74,7 +74,8 @@ class PictureReader {
   PictureReader& operator=(const PictureReader&) = delete;
 
   // Reads what stands before the rows of a page, counted from 1. False when there is no such page.
-  virtual bool goTo(int page) = 0;
+  // Refuses pictures beyond the limits of files.
+  bool goTo(int page);
   [[nodiscard]] const Picture& picture() const { return picture_; }
   // Counts the pages. No row can be read afterwards.
   virtual int pageCount() { return 1; }
@@ -91,6 +92,7 @@ class PictureReader {
   [[nodiscard]] virtual std::optional<CodedStretch> codedStretch() const { return std::nullopt; }
 
  protected:
+  virtual bool readHeader(int page) = 0;
   // Progress of the work that start begins, in steps of any kind.
   void expectSteps(std::uint64_t steps) { progress_ = Progress(steps, report_); }
   void endStep() { Require(progress_.report(++step_), kModuleAborted); }
@@ -104,6 +106,9 @@ class PictureReader {
   std::uint64_t step_ = 0;
 };
 using ReaderHandle = std::unique_ptr<PictureReader>;
+
+// Refuses what is about to take more bytes than one file may.
+void RequireMemory(std::uint64_t bytes);
 
 // Pixels per metre, rounded; 0 for what no header can hold.
 std::int32_t PixelsPerMetreOf(double dots, double metres);

@@ -17,12 +17,13 @@ class PngReader : public PictureReader {
         info_(png_ == nullptr ? nullptr : png_create_info_struct(png_)) {}
   ~PngReader() override { png_destroy_read_struct(&png_, &info_, nullptr); }
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     Require(info_, kModuleNoMemory);
     file_ = OpenToRead(path_);
     run([this] {
       LimitPng(png_);
+      SkipPngPieces(png_);
       png_init_io(png_, file_.get());
       png_read_info(png_, info_);
     });
@@ -43,6 +44,7 @@ class PngReader : public PictureReader {
       png_read_update_info(png_, info_);
     });
     expectSteps(height * static_cast<std::uint64_t>(passes));
+    if (passes > 1) RequireMemory(std::uint64_t{png_get_rowbytes(png_, info_)} * height);
     if (passes > 1) readAllBut(passes - 1);
   }
 

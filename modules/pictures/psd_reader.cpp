@@ -43,7 +43,7 @@ class PsdReader : public PictureReader {
  public:
   using PictureReader::PictureReader;
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     file_ = OpenToRead(path_);
     readMeasures();

@@ -33,7 +33,7 @@ class TgaReader : public PictureReader {
  public:
   using PictureReader::PictureReader;
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     file_ = OpenToRead(path_);
     std::array<std::uint8_t, kHeaderBytes> header{};

@@ -50,6 +50,7 @@ void TiffBands::measure() {
 void TiffBands::checkSize(std::uint64_t fileBytes) const {
   const std::uint64_t bandBytes = std::uint64_t{partBytes_} * planes_ * parts_;
   Require(IsPlausible(bandBytes, fileBytes, page_.mostRatio), kFileFormatDamaged);
+  RequireMemory(bandBytes);
   // Rows must be as long as their samples: the library has its own idea for subsampled colours.
   const std::uint64_t samples =
       std::uint64_t{partWidth_} * static_cast<std::uint64_t>(page_.planar ? 1 : page_.samples);

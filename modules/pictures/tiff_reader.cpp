@@ -14,7 +14,7 @@ class TiffReader : public PictureReader {
   using PictureReader::PictureReader;
 
   // Pages are chained: going on from the page at hand does not begin the walk anew.
-  bool goTo(int number) override {
+  bool readHeader(int number) override {
     bands_.reset();
     if (!tiff_ || number <= number_) {
       lostPalette_ = false;

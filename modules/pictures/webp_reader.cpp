@@ -48,7 +48,7 @@ class WebpReader : public WholeReader {
  public:
   using WholeReader::WholeReader;
 
-  bool goTo(int page) override {
+  bool readHeader(int page) override {
     if (page != 1) return false;
     file_ = ReadWhole(path_);
     const WebPData data{file_.data(), file_.size()};

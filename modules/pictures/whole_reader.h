@@ -34,9 +34,8 @@ class WholeReader : public PictureReader {
   // Room for the pixels, transparent ones. Their part of the progress follows that of the steps
   // that decoding takes.
   void makeRoom(std::uint64_t steps) {
-    constexpr std::uint64_t kMostPixels = 150'000'000;
     const auto height = static_cast<std::uint64_t>(picture_.height);
-    Require(static_cast<std::uint64_t>(picture_.width) * height <= kMostPixels, kModuleNoMemory);
+    RequireMemory(picture_.rowBytes() * height);
     expectSteps(steps + height);
     pixels_.resize(picture_.rowBytes() * static_cast<std::size_t>(height));
   }

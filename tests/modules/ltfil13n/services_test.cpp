@@ -1,5 +1,7 @@
 // What is done with files beyond reading and writing them: orientation, conversion, thumbnails,
 // resolution; and what their tags say.
+#include <orvo/file_limits.h>
+
 #include "files.h"
 
 namespace {
@@ -209,6 +211,48 @@ TEST_F(FileTest, thumbnails_of_jpeg_are_close_to_the_averaged_page) {
   const LTTHUMBNAILOPTIONS wish{100, 100, 0, 0, 1, 1, 0, 0, 0};
   const Bytes shrunk = Shown(thumbnail("a.jpg", &wish));
   EXPECT_LE(rig::LargestDifference(shrunk, Shown(thumbnail("a.png", &wish))), 12);
+}
+
+TEST_F(FileTest, limits_hold_on_every_road) {
+  const OrvoFileLimits usual = *OrvoLimitFiles(nullptr);
+  const OwnedDib image = Picture({24, false}, 40, 30);
+  OrvoFileLimits fewPixels = usual;
+  OrvoFileLimits narrow = usual;
+  OrvoFileLimits little = usual;
+  fewPixels.pixels = 1199;
+  narrow.side = 39;
+  little.memory = 3600;  // the pixels alone
+  struct Row {
+    OrvoFileLimits limits;
+    int pixels;
+    int facts;
+  };
+  const Row rows[] = {{fewPixels, kModuleNoMemory, kModuleNoMemory},
+                      {narrow, kModuleNoMemory, kModuleNoMemory},
+                      {little, kModuleNoMemory, kModuleSuccess},
+                      {usual, kModuleSuccess, kModuleSuccess}};
+  const LTTHUMBNAILOPTIONS small{40, 30, 0, 0, 0, 0, 0, 0, 0};
+  for (const auto& [name, format] : rig::kFormats) {
+    ASSERT_EQ(save(image, name, format), kModuleSuccess);
+    for (const Row& row : rows) {
+      OrvoLimitFiles(&row.limits);
+      (void)load(name);
+      EXPECT_EQ(code_, row.pixels) << name;
+      EXPECT_EQ(convert(name, "b.bmp", kFormatBmp), row.pixels) << name;
+      (void)thumbnail(name, &small);
+      EXPECT_EQ(code_, row.pixels) << name;
+      (void)info(name);
+      EXPECT_EQ(code_, row.facts) << name;
+    }
+  }
+  // A mark for each scan, though none is decoded.
+  Bytes jpeg = read("a.jpg");
+  ASSERT_EQ(std::system(("convert " + at("a.bmp") + " -interlace JPEG " + at("c.jpg")).c_str()), 0);
+  jpeg = read("c.jpg");
+  EXPECT_TRUE(load("c.jpg"));
+  for (int i = 0; i < 100; ++i) jpeg.insert(jpeg.end() - 2, {0xFF, 0xDA});
+  EXPECT_FALSE(load("d.jpg", jpeg));
+  EXPECT_EQ(code_, kFileFormatDamaged);
 }
 
 TEST_F(FileTest, eps_holds_the_pixels_in_their_size_on_paper) {
