@@ -72,7 +72,7 @@ void MakePalette(const Pixels& source, Image& image) {
     return;
   }
   const int count = source.paletteSize();
-  Require(AllocateImageColormap(&image, static_cast<unsigned long>(count)) == MagickPass,
+  Require(Magick().AllocateImageColormap(&image, static_cast<unsigned long>(count)) == MagickPass,
           kModuleNoMemory);
   for (int i = 0; i < count; ++i) {
     image.colormap[i] = PixelOf(ColorOf(source.palette[i]));
@@ -96,8 +96,9 @@ std::vector<RGBQUAD> PaletteOf(const Image& image) {
 void CopyLine(const Image& image, long line, int depth, std::uint8_t* row) {
   MagickReport report;
   const std::size_t width = image.columns;
-  const PixelPacket* const pixels = AcquireImagePixels(&image, 0, line, width, 1, report.get());
-  const IndexPacket* const packets = AccessImmutableIndexes(&image);
+  const PixelPacket* const pixels =
+      Magick().AcquireImagePixels(&image, 0, line, width, 1, report.get());
+  const IndexPacket* const packets = Magick().AccessImmutableIndexes(&image);
   Require(pixels != nullptr && (depth > 8 || packets != nullptr), kModuleNoMemory);
   const Pixels target{.width = static_cast<int>(width), .height = 1, .depth = depth, .bits = row};
   if (depth <= 8) {
@@ -129,14 +130,14 @@ void CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProg
   std::vector<std::uint8_t> indexes(image.columns);
   for (int line = 0; line < source.height; ++line) {
     const int y = source.height - 1 - line;
-    PixelPacket* const pixels = SetImagePixels(&image, 0, line, image.columns, 1);
+    PixelPacket* const pixels = Magick().SetImagePixels(&image, 0, line, image.columns, 1);
     Require(pixels, kModuleNoMemory);
     if (source.palette == nullptr) {
       CopyColors(source, y, withAlpha, colors, pixels);
     } else {
-      CopyIndexes(source, y, indexes, image, pixels, AccessMutableIndexes(&image));
+      CopyIndexes(source, y, indexes, image, pixels, Magick().AccessMutableIndexes(&image));
     }
-    Require(SyncImagePixels(&image) == MagickPass, kModuleNoMemory);
+    Require(Magick().SyncImagePixels(&image) == MagickPass, kModuleNoMemory);
     Require(progress.reportRows(line + 1, source.height), kModuleAborted);
   }
 }

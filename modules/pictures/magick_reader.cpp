@@ -47,7 +47,7 @@ class MagickReader : public PictureReader {
  private:
   // Of the images that came: those before a later page come with it.
   [[nodiscard]] const Image& image() const {
-    return page_ > 1 ? *GetLastImageInList(images_.get()) : *images_;
+    return page_ > 1 ? *Magick().GetLastImageInList(images_.get()) : *images_;
   }
 
   [[nodiscard]] int depth() const {

@@ -37,7 +37,7 @@ MagickPassFail OnProgress(const char* /*stage*/, const magick_int64_t done,
 // files, it is refused.
 MagickPassFail OnAccess(const ConfirmAccessMode /*mode*/, const char* /*path*/,
                         ExceptionInfo* exception) {
-  ThrowException(exception, FileOpenError, "refused", nullptr);
+  Magick().ThrowException(exception, FileOpenError, "refused", nullptr);
   return MagickFail;
 }
 
@@ -46,13 +46,13 @@ MagickPassFail OnAccess(const ConfirmAccessMode /*mode*/, const char* /*path*/,
 void SetLimits() {
   constexpr magick_int64_t kMostPixels = 150'000'000;
   constexpr magick_int64_t kMostSide = 0xFFFF;
-  (void)SetMagickResourceLimit(PixelsResource, kMostPixels);
-  (void)SetMagickResourceLimit(WidthResource, kMostSide);
-  (void)SetMagickResourceLimit(HeightResource, kMostSide);
-  (void)SetMagickResourceLimit(MapResource, 0);
-  (void)SetMagickResourceLimit(DiskResource, 0);
+  (void)Magick().SetMagickResourceLimit(PixelsResource, kMostPixels);
+  (void)Magick().SetMagickResourceLimit(WidthResource, kMostSide);
+  (void)Magick().SetMagickResourceLimit(HeightResource, kMostSide);
+  (void)Magick().SetMagickResourceLimit(MapResource, 0);
+  (void)Magick().SetMagickResourceLimit(DiskResource, 0);
   // Reports of progress have to come from the thread that asked for the work.
-  (void)SetMagickResourceLimit(ThreadsResource, 1);
+  (void)Magick().SetMagickResourceLimit(ThreadsResource, 1);
 }
 
 // Told what the library would write into its log, or to standard error; nobody reads it.
@@ -76,13 +76,13 @@ void* ReallocateOrLeave(void* memory, std::size_t bytes) {
 void KeepNamedCoders(ExceptionInfo* exception) {
   constexpr std::array<std::string_view, 11> kNamed{"PCX", "DCX", "TGA",  "SUN", "PICT", "PCD",
                                                     "WMF", "WPG", "EPS3", "DIB", "MIFF"};
-  MagickInfo** const coders = GetMagickInfoArray(exception);
+  MagickInfo** const coders = Magick().GetMagickInfoArray(exception);
   if (coders == nullptr) return OnFatal(ResourceLimitFatalError, nullptr, nullptr);
   for (MagickInfo** coder = coders; *coder != nullptr; ++coder) {
     const char* const name = (*coder)->name;
-    if (std::ranges::find(kNamed, name) == kNamed.end()) (void)UnregisterMagickInfo(name);
+    if (std::ranges::find(kNamed, name) == kNamed.end()) (void)Magick().UnregisterMagickInfo(name);
   }
-  MagickFree(coders);
+  Magick().MagickFree(coders);
 }
 
 // Runs calls into the library; false when memory failed.
@@ -105,21 +105,21 @@ bool Start() {
   std::free(room);
   if (room == nullptr) return false;
   MagickReport report;
-  SetLogDefaultLogMethod(OnLog);
-  MagickAllocFunctions(std::free, AllocateOrLeave, ReallocateOrLeave);
+  Magick().SetLogDefaultLogMethod(OnLog);
+  Magick().MagickAllocFunctions(std::free, AllocateOrLeave, ReallocateOrLeave);
   const bool started = Finishes(nullptr, [&] {
-    (void)InitializeMagickEx(nullptr, MAGICK_OPT_NO_SIGNAL_HANDER, report.get());
-    SetWarningHandler(nullptr);
-    SetErrorHandler(nullptr);
-    SetFatalErrorHandler(OnFatal);
-    SetMonitorHandler(OnProgress);
+    (void)Magick().InitializeMagickEx(nullptr, MAGICK_OPT_NO_SIGNAL_HANDER, report.get());
+    Magick().SetWarningHandler(nullptr);
+    Magick().SetErrorHandler(nullptr);
+    Magick().SetFatalErrorHandler(OnFatal);
+    Magick().SetMonitorHandler(OnProgress);
     KeepNamedCoders(report.get());
     // The list of fonts, for text in metafiles, is read while files may still be opened.
-    (void)GetTypeInfo("*", report.get());
-    MagickSetConfirmAccessHandler(OnAccess);
+    (void)Magick().GetTypeInfo("*", report.get());
+    Magick().MagickSetConfirmAccessHandler(OnAccess);
     SetLimits();
   });
-  MagickAllocFunctions(std::free, std::malloc, std::realloc);
+  Magick().MagickAllocFunctions(std::free, std::malloc, std::realloc);
   return started;
 }
 
@@ -131,6 +131,11 @@ void CallMagick(MagickProgress* progress, const Calls& calls) {
 }
 
 }  // namespace
+
+const MagickLibrary& Magick() {
+  static const MagickLibrary library;
+  return library;
+}
 
 int MagickReport::code() const {
   const int severity = exception_.severity;
@@ -165,7 +170,7 @@ bool MagickProgress::report(bool firstHalf, std::uint64_t done, std::uint64_t to
 
 MagickImageInfo NewMagickInfo(const char* magick) {
   ImageInfo* info = nullptr;
-  CallMagick(nullptr, [&] { info = CloneImageInfo(nullptr); });
+  CallMagick(nullptr, [&] { info = Magick().CloneImageInfo(nullptr); });
   std::string(magick).copy(info->magick, sizeof info->magick - 1);
   // What is in the file does not change the decoder's mind.
   info->affirm = MagickTrue;
@@ -174,7 +179,7 @@ MagickImageInfo NewMagickInfo(const char* magick) {
 
 MagickImage NewMagickImage(const ImageInfo& info) {
   Image* image = nullptr;
-  CallMagick(nullptr, [&] { image = AllocateImage(&info); });
+  CallMagick(nullptr, [&] { image = Magick().AllocateImage(&info); });
   std::copy(std::begin(info.magick), std::end(info.magick), std::begin(image->magick));
   return MagickImage(image);
 }
@@ -183,7 +188,7 @@ MagickImage DecodeMagick(const ImageInfo& info, std::span<const std::uint8_t> fi
                          MagickProgress* progress) {
   MagickReport report;
   Image* decoded = nullptr;
-  const auto decode = progress == nullptr ? PingBlob : BlobToImage;
+  const auto decode = progress == nullptr ? Magick().PingBlob : Magick().BlobToImage;
   CallMagick(progress, [&] { decoded = decode(&info, file.data(), file.size(), report.get()); });
   MagickImage image(decoded);
   Require(progress == nullptr || !progress->stopped(), kModuleAborted);
@@ -197,9 +202,9 @@ void EncodeMagick(const ImageInfo& info, Image& image, MagickProgress& progress,
   MagickReport report;
   void* bytes = nullptr;
   std::size_t count = 0;
-  CallMagick(&progress, [&] { bytes = ImageToBlob(&info, &image, &count, report.get()); });
+  CallMagick(&progress, [&] { bytes = Magick().ImageToBlob(&info, &image, &count, report.get()); });
   const bool written = bytes != nullptr && std::fwrite(bytes, 1, count, file) == count;
-  MagickFree(bytes);
+  Magick().MagickFree(bytes);
   Require(!progress.stopped(), kModuleAborted);
   Require(report.code() != kModuleNoMemory, kModuleNoMemory);
   Require(written && report.code() == kModuleSuccess, kModuleWriteFailed);

@@ -3,8 +3,6 @@
 #ifndef MODULES_PICTURES_MAGICK_SESSION_H
 #define MODULES_PICTURES_MAGICK_SESSION_H
 
-#include <magick/api.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -12,26 +10,27 @@
 
 #include "common/guard.h"
 #include "common/status.h"
+#include "pictures/magick_library.h"
 
 namespace modules {
 
 struct MagickImageEnd {
-  void operator()(Image* image) const { DestroyImageList(image); }
+  void operator()(Image* image) const { Magick().DestroyImageList(image); }
 };
 using MagickImage = std::unique_ptr<Image, MagickImageEnd>;
 
 struct MagickInfoEnd {
-  void operator()(ImageInfo* info) const { DestroyImageInfo(info); }
+  void operator()(ImageInfo* info) const { Magick().DestroyImageInfo(info); }
 };
 using MagickImageInfo = std::unique_ptr<ImageInfo, MagickInfoEnd>;
 
 // What one call into the library reported. Module code of it by code().
 class MagickReport {
  public:
-  MagickReport() { GetExceptionInfo(&exception_); }
+  MagickReport() { Magick().GetExceptionInfo(&exception_); }
   // The library ends some reports itself, which must not be done twice.
   ~MagickReport() {
-    if (exception_.signature == MagickSignature) DestroyExceptionInfo(&exception_);
+    if (exception_.signature == MagickSignature) Magick().DestroyExceptionInfo(&exception_);
   }
   MagickReport(const MagickReport&) = delete;
   MagickReport& operator=(const MagickReport&) = delete;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Files of rare kinds that lie or hold files of other kinds start no program and open nothing that
-# they name, and the library behind them is started for them alone.
+# they name, and the library behind them is loaded for them alone.
 #
 #   rare_files.sh BUILD_FOLDER
 set -euo pipefail
@@ -86,7 +86,14 @@ done
 watch text.wmf
 [ $result -le 1 ] || fail "text.wmf ends the process with $result"
 watch sound.jpg
-[[ $result = 0 && $opened != *.mgk* ]] || fail "the library starts for a JPEG"
+[[ $result = 0 && $opened != *GraphicsMagick* ]] || fail "the library is loaded for a JPEG"
 watch sound.pcx
 [[ $result = 0 && $opened = *.mgk* ]] || fail "the library starts unseen"
+# Without the library the rare formats are missing, nothing else.
+mkdir none && touch none/libGraphicsMagick-Q16.so.3
+export LD_LIBRARY_PATH=none
+watch sound.pcx
+[ $result = 1 ] || fail "without the library sound.pcx gives $result"
+watch sound.jpg
+[ $result = 0 ] || fail "without the library sound.jpg gives $result"
 exit $status
