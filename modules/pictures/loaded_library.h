@@ -29,6 +29,7 @@ class LoadedLibrary {
 }  // namespace modules
 
 // A member that calls the function of the same name in the member `library`.
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a member's name stands in none
 #define ORVO_LIBRARY_CALL(name) decltype(&::name) name = library.get<decltype(&::name)>(#name)
 
 #endif  // MODULES_PICTURES_LOADED_LIBRARY_H
