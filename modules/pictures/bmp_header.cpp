@@ -58,9 +58,9 @@ void CheckCoding(const BmpHeader& header) {
           depth == 1 || depth == 4 || depth == 8 || depth == 16 || depth == 24 || depth == 32,
           kModuleDepthNotSupported);
     case BI_RLE8:
-      return Require(depth == 8 && header.picture.bottomUp, kFileFormatDamaged);
+      return Require(depth == 8, kFileFormatDamaged);
     case BI_RLE4:
-      return Require(depth == 4 && header.picture.bottomUp, kFileFormatDamaged);
+      return Require(depth == 4, kFileFormatDamaged);
     case BI_BITFIELDS:
       return Require(depth == 16 || depth == 32, kFileFormatDamaged);
     default:
@@ -137,11 +137,18 @@ void ReadChannels(std::FILE* file, const HeaderBytes& bytes, std::uint32_t size,
 // Where a palette ends at the latest: where the pixels begin, unless their offset points into the
 // palette and leaves more bytes than the rows take. 0 when nothing tells.
 std::uint64_t PaletteEnd(const BmpHeader& header, std::uint64_t fileBytes) {
-  const Picture& picture = header.picture;
-  const auto layout = orvo::DibLayoutFor(picture.width, picture.height, header.depth);
-  if (!layout || header.compression != BI_RGB || header.pixelOffset == 0) return header.pixelOffset;
-  const std::uint64_t rowBytes = layout->totalBytes - layout->pixelOffset;
-  return std::max(header.pixelOffset, fileBytes - std::min(rowBytes, fileBytes));
+  const std::uint64_t rowsBytes = header.rowsBytes();
+  if (header.hasRuns() || header.pixelOffset == 0) return header.pixelOffset;
+  return std::max(header.pixelOffset, fileBytes - std::min(rowsBytes, fileBytes));
+}
+
+// An offset into the headers is wrong: the pixels then follow them. So is one into the palette
+// when all rows find room behind it.
+bool OffsetIsWrong(const BmpHeader& header, std::uint64_t headerBytes, std::uint64_t behindPalette,
+                   std::uint64_t fileBytes) {
+  if (header.pixelOffset < kBmpFileHeaderBytes + headerBytes) return true;
+  return header.pixelOffset < behindPalette && !header.hasRuns() && behindPalette <= fileBytes &&
+         header.rowsBytes() <= fileBytes - behindPalette;
 }
 
 // As many entries as the depth has and the file claims; when it claims none, as there is room for
@@ -178,6 +185,17 @@ std::uint8_t BmpChannel::tone(std::uint32_t pixel) const {
   return static_cast<std::uint8_t>(tone);
 }
 
+std::uint64_t BmpHeader::strideBytes() const {
+  return (static_cast<std::uint64_t>(picture.width) * static_cast<std::uint64_t>(depth) + 31) / 32 *
+         4;
+}
+
+std::uint64_t BmpHeader::rowsBytes() const {
+  const std::uint64_t lastRowBytes =
+      (static_cast<std::uint64_t>(picture.width) * static_cast<std::uint64_t>(depth) + 7) / 8;
+  return strideBytes() * (static_cast<std::uint64_t>(picture.height) - 1) + lastRowBytes;
+}
+
 BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes) {
   BmpHeader header;
   std::array<std::uint8_t, kBmpFileHeaderBytes> fileHeader{};
@@ -205,9 +223,8 @@ BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes) {
     const std::uint32_t claimed = isCore ? 0 : Little32(&bytes[32]);
     ReadPalette(file, claimed, isCore ? 3 : 4, PaletteEnd(header, fileBytes), header);
   }
-  // An offset into the headers is wrong: the pixels then follow them.
-  const auto behindHeaders = static_cast<std::uint64_t>(std::ftell(file));
-  if (header.pixelOffset < kBmpFileHeaderBytes + size) header.pixelOffset = behindHeaders;
+  const auto behindPalette = static_cast<std::uint64_t>(std::ftell(file));
+  if (OffsetIsWrong(header, size, behindPalette, fileBytes)) header.pixelOffset = behindPalette;
   Require(header.pixelOffset <= fileBytes, kModuleReadFailed);
   header.pixelBytes = fileBytes - header.pixelOffset;
   return header;

@@ -39,14 +39,18 @@ struct BmpHeader {
 
   // Whether pixels of 16 and 32 bits lie in the file just as an image in memory has them.
   bool isPlain = true;
+  // From row to row, without runs.
+  [[nodiscard]] std::uint64_t strideBytes() const;
+  // Of all rows without runs, less what fills up the last: some files lack that.
+  [[nodiscard]] std::uint64_t rowsBytes() const;
   [[nodiscard]] bool hasRuns() const { return compression == BI_RLE8 || compression == BI_RLE4; }
 };
 
 // Reads and checks all that stands before the pixels.
 BmpHeader ReadBmpHeader(std::FILE* file, std::uint64_t fileBytes);
 
-// Decodes the runs of a picture row by row from the lowest: pairs of a count and a colour, and
-// escapes that begin with 0.
+// Decodes the runs of a picture row by row, as they lie in the file: pairs of a count and a colour,
+// and escapes that begin with 0.
 class BmpRuns {
  public:
   BmpRuns(const BmpHeader& header, std::span<const std::uint8_t> data)

@@ -1,4 +1,5 @@
 // BMP. The rows of its usual form are those of an image in memory, padding included.
+#include <algorithm>
 #include <cstring>
 
 #include "common/color.h"
@@ -39,7 +40,9 @@ class BmpReader : public PictureReader {
     if (runs_) {
       runs_->readRow(row);
     } else {
-      Require(std::fread(row, 1, stride_, file_.get()) == stride_, kModuleReadFailed);
+      const auto bytes = static_cast<std::size_t>(std::min(header_.strideBytes(), left_));
+      Require(std::fread(row, 1, bytes, file_.get()) == bytes, kModuleReadFailed);
+      left_ -= bytes;
       if (!header_.isPlain) makePlain(row);
     }
     endStep();
@@ -49,13 +52,12 @@ class BmpReader : public PictureReader {
   // Whether the file is long enough for what it claims.
   void checkLength() {
     constexpr std::uint64_t kMostRunRatio = 1024;
-    const auto layout = orvo::DibLayoutFor(picture_.width, picture_.height, header_.depth);
-    Require(layout.has_value(), kFileFormatDamaged);
-    const std::uint64_t needed = layout->totalBytes - layout->pixelOffset;
-    Require(header_.hasRuns() ? IsPlausible(needed, header_.pixelBytes, kMostRunRatio)
-                              : needed <= header_.pixelBytes,
+    Require(orvo::DibLayoutFor(picture_.width, picture_.height, header_.depth).has_value(),
+            kFileFormatDamaged);
+    const std::uint64_t needed = header_.rowsBytes();
+    left_ = header_.pixelBytes;
+    Require(header_.hasRuns() ? IsPlausible(needed, left_, kMostRunRatio) : needed <= left_,
             kModuleReadFailed);
-    stride_ = layout->stride;
   }
 
   [[nodiscard]] Color colorOf(std::uint32_t pixel) const {
@@ -84,7 +86,7 @@ class BmpReader : public PictureReader {
 
   FileHandle file_;
   BmpHeader header_;
-  std::size_t stride_ = 0;          // bytes from row to row in the file
+  std::uint64_t left_ = 0;          // bytes of the file behind the rows read
   std::vector<std::uint8_t> data_;  // with runs only, as is the next
   std::optional<BmpRuns> runs_;
 };

@@ -34,24 +34,20 @@ const std::vector<std::string> kBitmaps = {
     "i40 i1 i1 s1 s16 i3 / i0 i0 i63488 i1504 i31 | 0 0 0 0",  // one has a hole
     "i40 i1 i1 s1 s16 i3 / i0 i0 i983040 i2016 i31 | 0 0 0 0",
     "i40 i1 i1 s1 s16 i3 / i0 i0 i63488 i2016 i0 | 0 0 0 0",
-    "i40 i1 i-1 s1 s8 i1 / i1 i0 z4 | 0 1",  // runs from the top
-    "i40 i1 i1 s1 s4 i1 / i1 i0 z4 | 0 1",
-    "i40 i1 i1 s1 s8 i2 / i1 i0 z4 | 0 1",
+    "i40 i1 i-2 s1 s8 i1 / i2 i0 z4 0 0 FF 0 | 1 1 0 0 1 0 0 1",  // runs from the top
+    // Pixels behind the palette after all, and nothing that fills up the last row.
+    "i40 i1 i2 s1 s4 i0 / i2 i0 0 0 FF 0 0 FF 0 0 |54 10 0 0 0 0",
+    "i40 i1 i1 s1 s4 i1 / i1 i0 z4 | 0 1", "i40 i1 i1 s1 s8 i2 / i1 i0 z4 | 0 1",
     "i40 i1 i1 s1 s24 i3 / i0 i0 | 0 0 0 0",
     "i40 i1 i1 s1 s8 i1 / i1 i0 z4 | 0 0 1 0 0 1",  // above the last row
     "i40 i2 i2 s1 s8 i1 / i1 i0 z4 | 0 2 9 0 1 0 0 1",
     "i40 i2 i2 s1 s8 i1 / i1 i0 z4 | 0 2 0 9 1 0 0 1",
-    "i40 i2 i2 s1 s8 i1 / i1 i0 z4 | 2 0 0 0 1 0",
-    "i40 i1 i1 s1 s24 i0 / i0 i0 |5000 1 2 3 0",
-    "i40 i2 i1 s1 s24 i0 / i0 i0 | 0 0 0 0",
-    "i40 i1 i1 s1 s5 i0 / i0 i0 | 0 0 0 0",
+    "i40 i2 i2 s1 s8 i1 / i1 i0 z4 | 2 0 0 0 1 0", "i40 i1 i1 s1 s24 i0 / i0 i0 |5000 1 2 3 0",
+    "i40 i2 i1 s1 s24 i0 / i0 i0 | 0 0 0 0", "i40 i1 i1 s1 s5 i0 / i0 i0 | 0 0 0 0",
     "i40 i1 i1 s1 s24 i4 / i0 i0 | 0 0 0 0",  // a JPEG inside
-    "i40 i1 i-2147483648 s1 s24 i0 / i0 i0 | 0 0 0 0",
-    "i40 i0 i1 s1 s24 i0 / i0 i0 | 0 0 0 0",
-    "i40 i1 i0 s1 s24 i0 / i0 i0 | 0 0 0 0",
-    "i12 s1 s0 s1 s24 | 0 0 0 0",
-    "i40 i60000 i60000 s1 s24 i0 / i0 i0 | 0 0 0 0",
-    "i300 i1 i1 s1 s24 i0 / i0 i0 z260 | 0 0 0 0"};
+    "i40 i1 i-2147483648 s1 s24 i0 / i0 i0 | 0 0 0 0", "i40 i0 i1 s1 s24 i0 / i0 i0 | 0 0 0 0",
+    "i40 i1 i0 s1 s24 i0 / i0 i0 | 0 0 0 0", "i12 s1 s0 s1 s24 | 0 0 0 0",
+    "i40 i60000 i60000 s1 s24 i0 / i0 i0 | 0 0 0 0", "i300 i1 i1 s1 s24 i0 / i0 i0 z260 | 0 0 0 0"};
 
 const std::vector<std::string> kDocuments = {
     // Runs: sound ones, then those that go beyond a row or end within it.
@@ -105,7 +101,7 @@ TEST_F(FileTest, rare_files_show_what_they_mean) {
     std::uint64_t sum;
     std::vector<std::string> rests;
   } rows[] = {
-      {"a.bmp", "'BM z12 ", 0x4601D11CB830EFE9, kBitmaps},
+      {"a.bmp", "'BM z12 ", 0xFFB0C98DBDF65B1E, kBitmaps},
       {"a.psd", "'8BPS S1 z6 ", 0x58D709EA8F4174D8, kDocuments},
       {"b.psd", "'8BPS S2 z6 ", 0x7879558D1E77522C, {"S1 I1 I1 S8 S1 I0 I0 I0 S0 1"}},
       {"a.gif", "'GIF89a ", 0xD4CA46C013F3F7F7, kFrames},
