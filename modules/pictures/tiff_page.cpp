@@ -87,8 +87,7 @@ TiffPage::Kind KindOf(TIFF* tiff, TiffPage& page) {
       return Kind::kGray;
     case PHOTOMETRIC_PALETTE:
       FindAlpha(tiff, 1, false, page);
-      page.hasPalette =
-          page.samples == 1 ? IsWholeByteOrLess(page.bits) : page.bits == 8 && page.alphaAt != 0;
+      page.hasPalette = IsWholeByteOrLess(page.bits) && (page.samples == 1 || page.alphaAt != 0);
       if (!page.hasPalette) return Kind::kByLibrary;
       return page.samples == 1 ? Kind::kAsStored : Kind::kIndex;
     case PHOTOMETRIC_YCBCR:

@@ -28,7 +28,7 @@ struct TiffPage {
   // How samples become pixels; more samples than are asked for are left out.
   enum class Kind {
     kAsStored,  // rows of 1, 2, 4 or 8 bits: indexes, and gray below 8 bits
-    kIndex,     // of 8 bits, with more samples
+    kIndex,     // of 1, 2, 4 or 8 bits, with more samples
     kGray,
     kRgb,
     kLab,

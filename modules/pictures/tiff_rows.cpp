@@ -51,8 +51,10 @@ void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std
       return storeColors(samples, out,
                          [this](const std::uint8_t* s) { return GrayOf(toneOf(s[0])); });
     case Kind::kIndex:
-      return storeColors(samples, out,
-                         [this](const std::uint8_t* s) { return ColorOf(page_.colors[s[0]]); });
+      // Samples fill a byte as tones do: the highest bits are the index.
+      return storeColors(samples, out, [this](const std::uint8_t* s) {
+        return ColorOf(page_.colors[static_cast<std::size_t>(s[0] >> (8 - page_.bits))]);
+      });
     case Kind::kLab:
       return storeColors(samples, out, [flip = page_.hasIccLab ? 0x80 : 0](const std::uint8_t* s) {
         return ColorOfLab(s[0], static_cast<std::int8_t>(s[1] ^ flip),

@@ -63,6 +63,8 @@ const Row kRows[] = {
     {"-colorspace Lab -compress LZW", "y.tif", 24, "LZW", 20},  // there a and b are half a step off
     {"-depth 32 -define quantum:format=floating-point -compress Zip", "z.tif", 24, "deflate", 1},
     {"-colorspace Gray -depth 16 -define quantum:format=signed", "e.tif", 8, "none", 1},
+    {"-colors 12 -alpha set -channel A -evaluate set 40% +channel -type PaletteAlpha", "s.tif", 32,
+     "none", 1},
     {"-alpha set -channel A -evaluate set 40% +channel -colorspace CMYK", "m.tif", 32, "none", 2},
     {"-alpha set -channel A -evaluate set 40% +channel -colorspace CMYK -compress RLE", "f.psd", 32,
      "RLE", 2},
