@@ -83,4 +83,15 @@ void SetExifShape(std::span<std::uint8_t> block, int width, int height, bool sid
   });
 }
 
+std::vector<std::uint8_t> TagsBehindPlace(std::span<const std::uint8_t> block) {
+  constexpr std::size_t kPlaceBytes = 4;
+  std::size_t place = 0;
+  if (block.size() < kPlaceBytes) return {};
+  for (const std::uint8_t byte : block.first(kPlaceBytes)) place = place << 8 | byte;
+  block = block.subspan(kPlaceBytes);
+  if (place > block.size()) return {};
+  block = block.subspan(place);
+  return {block.begin(), block.end()};
+}
+
 }  // namespace modules

@@ -16,6 +16,10 @@ void ReadExif(std::span<const std::uint8_t> block, Picture& picture);
 // the resolutions change places. Tags that are not there stay away.
 void SetExifShape(std::span<std::uint8_t> block, int width, int height, bool sidesSwapped);
 
+// The tags in a block as HEIF and JPEG XL hold it: their place comes first, counted from behind
+// itself. Empty when that lies outside.
+std::vector<std::uint8_t> TagsBehindPlace(std::span<const std::uint8_t> block);
+
 }  // namespace modules
 
 #endif  // MODULES_PICTURES_EXIF_H

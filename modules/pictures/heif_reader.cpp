@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "pictures/codecs.h"
+#include "pictures/exif.h"
 #include "pictures/loaded_library.h"
 #include "pictures/whole_reader.h"
 
@@ -29,6 +30,16 @@ struct Decoding {
   ORVO_LIBRARY_CALL(heif_image_get_height);
   ORVO_LIBRARY_CALL(heif_image_get_plane_readonly);
   ORVO_LIBRARY_CALL(heif_image_release);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_number_of_metadata_blocks);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_list_of_metadata_block_IDs);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_metadata_type);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_metadata_content_type);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_metadata_size);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_metadata);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_raw_color_profile_size);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_raw_color_profile);
+  ORVO_LIBRARY_CALL(heif_image_handle_get_nclx_color_profile);
+  ORVO_LIBRARY_CALL(heif_nclx_color_profile_free);
 };
 const Decoding& TheDecoding() {
   static const Decoding decoding;
@@ -93,7 +104,56 @@ class HeifReader : public WholeReader {
     endStep();
   }
 
+  // What cannot be read is left out.
+  [[nodiscard]] Attachments attachments() const override {
+    const Decoding& calls = TheDecoding();
+    Attachments found;
+    for (const heif_item_id id : blocks()) {
+      const std::string_view type = calls.heif_image_handle_get_metadata_type(item_.get(), id);
+      const std::string_view content =
+          calls.heif_image_handle_get_metadata_content_type(item_.get(), id);
+      if (type == "Exif" && found.exif.empty()) found.exif = TagsBehindPlace(block(id));
+      if (type == "mime" && content == "application/rdf+xml" && found.xmp.empty()) {
+        const std::vector<std::uint8_t> packet = block(id);
+        found.xmp.assign(packet.begin(), packet.end());
+      }
+    }
+    takeColors(found);
+    return found;
+  }
+
  private:
+  [[nodiscard]] std::vector<heif_item_id> blocks() const {
+    const Decoding& calls = TheDecoding();
+    std::vector<heif_item_id> ids(static_cast<std::size_t>(
+        calls.heif_image_handle_get_number_of_metadata_blocks(item_.get(), nullptr)));
+    (void)calls.heif_image_handle_get_list_of_metadata_block_IDs(item_.get(), nullptr, ids.data(),
+                                                                 static_cast<int>(ids.size()));
+    return ids;
+  }
+
+  [[nodiscard]] std::vector<std::uint8_t> block(heif_item_id id) const {
+    const Decoding& calls = TheDecoding();
+    std::vector<std::uint8_t> bytes(calls.heif_image_handle_get_metadata_size(item_.get(), id));
+    const heif_error error = calls.heif_image_handle_get_metadata(item_.get(), id, bytes.data());
+    return error.code == heif_error_Ok ? bytes : std::vector<std::uint8_t>();
+  }
+
+  void takeColors(Attachments& found) const {
+    const Decoding& calls = TheDecoding();
+    found.profile.resize(calls.heif_image_handle_get_raw_color_profile_size(item_.get()));
+    if (!found.profile.empty()) {
+      (void)calls.heif_image_handle_get_raw_color_profile(item_.get(), found.profile.data());
+      return;
+    }
+    heif_color_profile_nclx* codes = nullptr;
+    (void)calls.heif_image_handle_get_nclx_color_profile(item_.get(), &codes);
+    if (codes == nullptr) return;
+    found.primaries = codes->color_primaries;
+    found.transfer = codes->transfer_characteristics;
+    calls.heif_nclx_color_profile_free(codes);
+  }
+
   void copyRows(const heif_image& image) {
     int stride = 0;
     const Decoding& calls = TheDecoding();

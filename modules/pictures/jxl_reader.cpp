@@ -5,6 +5,7 @@
 #include <array>
 
 #include "pictures/codecs.h"
+#include "pictures/exif.h"
 #include "pictures/loaded_library.h"
 #include "pictures/whole_reader.h"
 
@@ -20,6 +21,14 @@ struct Decoding {
   ORVO_LIBRARY_CALL(JxlDecoderProcessInput);
   ORVO_LIBRARY_CALL(JxlDecoderGetBasicInfo);
   ORVO_LIBRARY_CALL(JxlDecoderSetImageOutBuffer);
+  ORVO_LIBRARY_CALL(JxlDecoderCloseInput);
+  ORVO_LIBRARY_CALL(JxlDecoderSetDecompressBoxes);
+  ORVO_LIBRARY_CALL(JxlDecoderGetBoxType);
+  ORVO_LIBRARY_CALL(JxlDecoderSetBoxBuffer);
+  ORVO_LIBRARY_CALL(JxlDecoderReleaseBoxBuffer);
+  ORVO_LIBRARY_CALL(JxlDecoderGetColorAsEncodedProfile);
+  ORVO_LIBRARY_CALL(JxlDecoderGetICCProfileSize);
+  ORVO_LIBRARY_CALL(JxlDecoderGetColorAsICCProfile);
 };
 const Decoding& TheDecoding() {
   static const Decoding decoding;
@@ -28,6 +37,104 @@ const Decoding& TheDecoding() {
 
 struct DecoderEnd {
   void operator()(JxlDecoder* decoder) const { TheDecoding().JxlDecoderDestroy(decoder); }
+};
+
+using DecoderHandle = std::unique_ptr<JxlDecoder, DecoderEnd>;
+
+// Goes through a file once more for what stands beside the picture. What cannot be read is left
+// out.
+class Boxes {
+ public:
+  explicit Boxes(const std::vector<std::uint8_t>& file)
+      : decoder_(TheDecoding().JxlDecoderCreate(nullptr)) {
+    const Decoding& calls = TheDecoding();
+    Require(decoder_, kModuleNoMemory);
+    (void)calls.JxlDecoderSubscribeEvents(decoder_.get(), JXL_DEC_COLOR_ENCODING | JXL_DEC_BOX);
+    (void)calls.JxlDecoderSetDecompressBoxes(decoder_.get(), JXL_TRUE);
+    (void)calls.JxlDecoderSetInput(decoder_.get(), file.data(), file.size());
+    calls.JxlDecoderCloseInput(decoder_.get());
+  }
+
+  Attachments found() {
+    for (;;) {
+      const JxlDecoderStatus status = TheDecoding().JxlDecoderProcessInput(decoder_.get());
+      if (status == JXL_DEC_BOX_NEED_MORE_OUTPUT) {
+        if (!grow()) return std::move(found_);
+        continue;
+      }
+      endBox();
+      if (status == JXL_DEC_COLOR_ENCODING) {
+        takeProfile();
+      } else if (status == JXL_DEC_BOX) {
+        beginBox();
+      } else {
+        return std::move(found_);
+      }
+    }
+  }
+
+ private:
+  static constexpr std::size_t kPart = std::size_t{1} << 16;
+  static constexpr std::size_t kMost = std::size_t{1} << 26;
+  static constexpr JxlPixelFormat kPixels{3, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 0};
+  using BoxName = std::array<char, 4>;
+  static constexpr BoxName kTags{'E', 'x', 'i', 'f'};
+  static constexpr BoxName kPacket{'x', 'm', 'l', ' '};
+
+  void beginBox() {
+    (void)TheDecoding().JxlDecoderGetBoxType(decoder_.get(), name_.data(), JXL_TRUE);
+    if (name_ == kTags || name_ == kPacket) (void)grow();
+  }
+  // Room for the next part of the box.
+  bool grow() {
+    const Decoding& calls = TheDecoding();
+    const std::size_t left = box_.empty() ? 0 : calls.JxlDecoderReleaseBoxBuffer(decoder_.get());
+    const std::size_t filled = box_.size() - left;
+    if (filled > kMost) return false;
+    box_.resize(filled + kPart);
+    return calls.JxlDecoderSetBoxBuffer(decoder_.get(), &box_[filled], kPart) == JXL_DEC_SUCCESS;
+  }
+  void endBox() {
+    if (box_.empty()) return;
+    box_.resize(box_.size() - TheDecoding().JxlDecoderReleaseBoxBuffer(decoder_.get()));
+    if (name_ == kPacket) {
+      found_.xmp.assign(box_.begin(), box_.end());
+    } else {
+      found_.exif = TagsBehindPlace(box_);
+    }
+    box_.clear();
+  }
+  // Whether the library has a code for the colours and would only spell it out.
+  [[nodiscard]] bool isCodedSrgb() const {
+    JxlColorEncoding colors{};
+    return TheDecoding().JxlDecoderGetColorAsEncodedProfile(decoder_.get(), &kPixels,
+                                                            JXL_COLOR_PROFILE_TARGET_DATA,
+                                                            &colors) == JXL_DEC_SUCCESS &&
+           colors.transfer_function == JXL_TRANSFER_FUNCTION_SRGB &&
+           colors.white_point == JXL_WHITE_POINT_D65 &&
+           (colors.color_space == JXL_COLOR_SPACE_GRAY || colors.primaries == JXL_PRIMARIES_SRGB);
+  }
+  // Of the pixels as they are given, which is not always that of the source.
+  void takeProfile() {
+    const Decoding& calls = TheDecoding();
+    if (isCodedSrgb()) return;
+    std::size_t bytes = 0;
+    if (calls.JxlDecoderGetICCProfileSize(decoder_.get(), &kPixels, JXL_COLOR_PROFILE_TARGET_DATA,
+                                          &bytes) != JXL_DEC_SUCCESS) {
+      return;
+    }
+    found_.profile.resize(bytes);
+    if (calls.JxlDecoderGetColorAsICCProfile(decoder_.get(), &kPixels,
+                                             JXL_COLOR_PROFILE_TARGET_DATA, found_.profile.data(),
+                                             bytes) != JXL_DEC_SUCCESS) {
+      found_.profile.clear();
+    }
+  }
+
+  DecoderHandle decoder_;
+  BoxName name_{};
+  std::vector<std::uint8_t> box_;
+  Attachments found_;
 };
 
 class JxlReader : public WholeReader {
@@ -67,12 +174,14 @@ class JxlReader : public WholeReader {
     endStep();
   }
 
+  [[nodiscard]] Attachments attachments() const override { return Boxes(file_).found(); }
+
  private:
   static void check(JxlDecoderStatus status, JxlDecoderStatus wanted) {
     Require(status == wanted, kFileFormatDamaged);
   }
 
-  std::unique_ptr<JxlDecoder, DecoderEnd> decoder_;
+  DecoderHandle decoder_;
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "common/guard.h"
@@ -63,6 +64,16 @@ struct CodedStretch {
   std::uint64_t bytes = 0;
 };
 
+// What stands beside a picture in the file, as far as the library behind its reader tells it.
+struct Attachments {
+  std::vector<std::uint8_t> exif;  // begins with its byte order
+  std::string xmp;
+  std::vector<std::uint8_t> profile;  // of the colours
+  // Of the colours where there is no profile: code points of video, 2 tells nothing.
+  int primaries = 2;
+  int transfer = 2;
+};
+
 // Reads one file, in this order: goTo, start, then each row once. Failures throw, as a rule a
 // ModuleError.
 class PictureReader {
@@ -79,6 +90,9 @@ class PictureReader {
   [[nodiscard]] const Picture& picture() const { return picture_; }
   // Counts the pages. No row can be read afterwards.
   virtual int pageCount() { return 1; }
+  // Gives the inks of a picture that has them in the file, not their mixture; to be said before
+  // start.
+  virtual void keepInks() {}
   // Lets the picture shrink as long as it stays at least this large as stored.
   virtual void shrinkTo(int /*width*/, int /*height*/) {}
 
@@ -90,6 +104,7 @@ class PictureReader {
   // Whether the rows read hold none that was made up for want of sound data.
   [[nodiscard]] virtual bool isWhole() const { return true; }
   [[nodiscard]] virtual std::optional<CodedStretch> codedStretch() const { return std::nullopt; }
+  [[nodiscard]] virtual Attachments attachments() const { return {}; }
 
  protected:
   virtual bool readHeader(int page) = 0;

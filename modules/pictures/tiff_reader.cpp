@@ -40,6 +40,13 @@ class TiffReader : public PictureReader {
     return true;
   }
 
+  void keepInks() override {
+    if (page_.kind != Kind::kCmyk) return;
+    page_.picture.hasInks = true;
+    page_.picture.samples = page_.alphaAt != 0 ? 5 : 4;
+    picture_ = page_.picture;
+  }
+
   int pageCount() override {
     const int pages = number_ + FollowPages(tiff_.get());
     tiff_.reset();

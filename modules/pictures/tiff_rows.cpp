@@ -61,6 +61,7 @@ void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std
                           static_cast<std::int8_t>(s[2] ^ flip));
       });
     case Kind::kCmyk:
+      if (page_.picture.hasInks) return storeInks(samples, out);
       return storeColors(samples, out, [](const std::uint8_t* s) {
         const auto mixed = [white = 255 - s[3]](std::uint8_t ink) {
           return static_cast<std::uint8_t>(((255 - ink) * white + 127) / 255);
@@ -81,6 +82,15 @@ void TiffRows::storeTones(std::span<const std::uint8_t> samples, std::uint8_t* o
     return;
   }
   for (std::size_t i = 0; i < samples.size(); i += step) *out++ = toneOf(samples[i]);
+}
+
+void TiffRows::storeInks(std::span<const std::uint8_t> samples, std::uint8_t* out) const {
+  constexpr std::size_t kInks = 4;
+  const auto step = static_cast<std::size_t>(page_.samples);
+  for (; !samples.empty(); samples = samples.subspan(step)) {
+    out = std::copy_n(samples.begin(), kInks, out);
+    if (page_.alphaAt != 0) *out++ = samples[page_.alphaAt];
+  }
 }
 
 template <class ColorOf>

@@ -25,6 +25,7 @@ class TiffRows {
                               std::vector<std::uint8_t>& out) const;
   const std::uint8_t* samplesOf(const std::uint8_t* const* planes, std::size_t count);
   void storeTones(std::span<const std::uint8_t> samples, std::uint8_t* out) const;
+  void storeInks(std::span<const std::uint8_t> samples, std::uint8_t* out) const;
   // With the opacity behind each colour where the page has it. colorOf takes a pixel's samples.
   template <class ColorOf>
   void storeColors(std::span<const std::uint8_t> samples, std::uint8_t* out,
