@@ -17,10 +17,8 @@ std::string CannotHold(std::string_view kind) {
 void Carried::fitProfile(std::string_view colors) {
   if (profile.empty()) return;
   const std::string own = ColorsOfProfile(profile);
-  if (own == colors) return;
-  lose("the color profile", own.empty()
-                                ? "it is damaged"
-                                : "it is for " + own + " and the result is " + std::string(colors));
+  if (own == colors || own.empty()) return;  // a damaged one stays as it was
+  lose("the color profile", "it is for " + own + " and the result is " + std::string(colors));
   profile.clear();
 }
 
@@ -30,7 +28,9 @@ void Carried::loseSegments(std::string_view kind) {
     const int number = segment.marker - kJpegApp0;
     if (!told.insert(number).second) continue;
     // Of the first kind only what did not fit into one XMP segment is carried as it was.
-    lose(number == 1 ? "the extended XMP data" : "the JPEG segment APP" + std::to_string(number),
+    lose(number == 1          ? "the extended XMP data"
+         : IsProfile(segment) ? "the damaged color profile"
+                              : "the JPEG segment APP" + std::to_string(number),
          CannotHold(kind));
   }
   segments.clear();

@@ -44,10 +44,13 @@ struct Carried {
 };
 
 // Each reads all that a file of its kind holds; throws MetadataFault when that cannot be followed.
+void ReadAttachedMetadata(const std::string& path, Carried& carried);
+void ReadGifMetadata(const std::string& path, Carried& carried);
 void ReadJpegMetadata(const std::string& path, Carried& carried);
 void ReadPngMetadata(const std::string& path, Carried& carried);
 void ReadPhotoshopMetadata(const std::string& path, Carried& carried);
 void ReadTiffMetadata(const std::string& path, int page, Carried& carried);
+void ReadWebpMetadata(const std::string& path, Carried& carried);
 
 // Each gives all to a finished file that its kind can hold, and tells what it cannot; throws
 // MetadataFault when the file cannot be written anew.
@@ -55,6 +58,7 @@ void WriteJpegMetadata(const std::string& path, Carried& carried);
 void WritePngMetadata(const std::string& path, Carried& carried);
 void WritePhotoshopMetadata(const std::string& path, Carried& carried);
 void WriteTiffMetadata(const std::string& path, int page, Carried& carried);
+void WriteWebpMetadata(const std::string& path, Carried& carried);
 
 }  // namespace client
 

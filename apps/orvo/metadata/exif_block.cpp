@@ -103,6 +103,32 @@ void DropPreview(Block& block, std::size_t directory) {
   }
 }
 
+std::size_t CameraOf(const Block& block) {
+  return block.whole(block.get(kFirstAt, 4), kTagExif);
+}
+
+// Which rule of cameras' files the colours keep: "R98" is sRGB, "R03" Adobe RGB.
+constexpr std::uint16_t kTagRule = 1;
+constexpr std::size_t kRuleBytes = 3;
+constexpr std::string_view kSrgbRule = "R98";
+constexpr std::string_view kAdobeRule = "R03";
+
+// Where the rule's name lies in the block.
+std::optional<std::size_t> FindRule(const Block& block, std::size_t camera) {
+  const auto at = block.find(block.whole(camera, kTagInterop), kTagRule);
+  return at ? std::optional(*at + kFieldAt) : std::nullopt;
+}
+
+void TellSrgb(Block& block, std::size_t camera) {
+  constexpr int kSrgb = 1;
+  block.setWhole(camera, kTagColorSpace, kSrgb);
+  const auto rule = FindRule(block, camera);
+  if (!rule) return;
+  for (std::size_t i = 0; i < kRuleBytes; ++i) {
+    block.put(*rule + i, static_cast<std::uint8_t>(kSrgbRule[i]), 1);
+  }
+}
+
 }  // namespace
 
 bool WipePreview(Bytes& exif) {
@@ -118,6 +144,13 @@ int OrientationOf(View exif) {
   const Block block(bytes);
   const std::uint64_t held = block.whole(block.get(kFirstAt, 4), kTagOrientation);
   return held >= 1 && held <= 8 ? static_cast<int>(held) : 1;
+}
+
+bool TellsAdobeRgb(View exif) {
+  Bytes bytes(exif.begin(), exif.end());
+  const Block block(bytes);
+  const auto rule = FindRule(block, CameraOf(block));
+  return rule && TextOf(View(bytes).subspan(*rule, kRuleBytes)) == kAdobeRule;
 }
 
 bool BringUpToDate(Bytes& exif, const PictureFacts& facts) {
@@ -137,9 +170,10 @@ bool BringUpToDate(Bytes& exif, const PictureFacts& facts) {
   } else if (onItsSide) {
     block.swap(main, kTagXResolution, kTagYResolution);
   }
-  const std::size_t camera = block.whole(main, kTagExif);
+  const std::size_t camera = CameraOf(block);
   block.setWhole(camera, kTagExifWidth, facts.width);
   block.setWhole(camera, kTagExifHeight, facts.height);
+  if (facts.inSrgb) TellSrgb(block, camera);
   DropPreview(block, main);
   return true;
 }

@@ -16,6 +16,7 @@ struct PictureFacts {
   // 0 leaves what the tags say.
   double xDotsPerInch = 0;
   double yDotsPerInch = 0;
+  bool inSrgb = false;  // the pixels became sRGB
 };
 
 // The picture is upright now; the preview, which shows it as it was, is wiped out. False when the
@@ -27,6 +28,9 @@ bool WipePreview(Bytes& exif);
 
 // How the camera was held, 1 to 8, before that is brought up to date.
 int OrientationOf(View exif);
+
+// Whether the camera's numbers are Adobe RGB, which it tells without a profile.
+bool TellsAdobeRgb(View exif);
 
 // The block's directories, and a block of directories.
 TagDirectory TagsOf(View exif, ByteOrder& order);

@@ -96,10 +96,9 @@ void ReadJpegMetadata(const std::string& path, Carried& carried) {
   }
   carried.photoshop = ReadPhotoshop(photoshop);
   carried.profile = JoinProfile(head);
-  if (carried.profile.empty() &&
-      std::any_of(head.segments.begin(), head.segments.end(), IsProfile)) {
-    carried.lose("the color profile", "it is damaged");
-  }
+  if (!carried.profile.empty()) return;
+  // A profile with a piece missing stays as it was.
+  std::ranges::copy_if(head.segments, std::back_inserter(carried.segments), IsProfile);
 }
 
 void WriteJpegMetadata(const std::string& path, Carried& carried) {

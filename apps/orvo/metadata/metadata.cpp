@@ -7,21 +7,25 @@
 
 #include "carried.h"
 #include "exif_block.h"
+#include "icc_profile.h"
+#include "made_profile.h"
 #include "xmp_packet.h"
 
 namespace client {
 namespace {
 
-enum class Kind { kJpeg, kPng, kPhotoshop, kTiff, kOther };
+enum class Kind { kJpeg, kPng, kPhotoshop, kTiff, kWebp, kGif, kOther };
 
 Kind KindOf(const std::string& path) {
-  constexpr std::uint64_t kMarkBytes = 4;
+  constexpr std::uint64_t kMarkBytes = 12;
   FileReader file(path);
   const Bytes mark = file.read(std::min(kMarkBytes, file.size()));
   if (StartsWith(mark, "\xFF\xD8\xFF")) return Kind::kJpeg;
   if (StartsWith(mark, "\x89PNG")) return Kind::kPng;
   if (StartsWith(mark, "8BPS")) return Kind::kPhotoshop;
   if (StartsWith(mark, "II") || StartsWith(mark, "MM")) return Kind::kTiff;
+  if (StartsWith(mark, "GIF8")) return Kind::kGif;
+  if (StartsWith(mark, "RIFF") && TextOf(mark).ends_with("WEBP")) return Kind::kWebp;
   return Kind::kOther;
 }
 
@@ -48,12 +52,45 @@ void Read(const MetadataRequest& request, Carried& carried) {
         return ReadPhotoshopMetadata(request.source, carried);
       case Kind::kTiff:
         return ReadTiffMetadata(request.source, request.page, carried);
+      case Kind::kWebp:
+        return ReadWebpMetadata(request.source, carried);
+      case Kind::kGif:
+        return ReadGifMetadata(request.source, carried);
       case Kind::kOther:
-        return;
+        return ReadAttachedMetadata(request.source, carried);
     }
   } catch (const MetadataFault& fault) {
     carried.lose("the metadata", fault.what());
   }
+}
+
+// A PNG file's ways to tell colours without a profile.
+bool TellsColors(const PngChunk& chunk) {
+  return chunk.type == "gAMA" || chunk.type == "cHRM" || chunk.type == "sRGB" ||
+         chunk.type == "cICP" || chunk.type == "iCCP";
+}
+
+void DropColors(Carried& carried) {
+  carried.profile.clear();
+  std::erase_if(carried.chunks, TellsColors);
+}
+
+// One is made of what only some files can tell.
+Bytes ProfileIn(const Carried& carried) {
+  if (!carried.profile.empty()) return carried.profile;
+  for (const PngChunk& chunk : carried.chunks) {
+    if (chunk.type == "cICP" && chunk.data.size() > 1) {
+      return ProfileOfCodes(chunk.data[0], chunk.data[1]);
+    }
+  }
+  return TellsAdobeRgb(carried.exif) ? AdobeRgbProfile() : Bytes();
+}
+
+// A damaged profile stays as it was, but goes nowhere else.
+void DropDamagedProfile(Carried& carried) {
+  if (carried.profile.empty() || !ColorsOfProfile(carried.profile).empty()) return;
+  carried.lose("the color profile", "it is damaged");
+  carried.profile.clear();
 }
 
 void TakeOff(Strip strip, Carried& carried) {
@@ -62,24 +99,13 @@ void TakeOff(Strip strip, Carried& carried) {
   if (strip == Strip::kAllButProfile) {
     rest.profile = std::move(carried.profile);
     for (PngChunk& chunk : carried.chunks) {
-      const bool tellsColors = chunk.type == "gAMA" || chunk.type == "cHRM" ||
-                               chunk.type == "sRGB" || chunk.type == "cICP";
-      if (tellsColors) rest.chunks.push_back(std::move(chunk));
+      if (TellsColors(chunk)) rest.chunks.push_back(std::move(chunk));
     }
   }
   rest.density = std::move(carried.density);
   rest.resolution = std::move(carried.resolution);
   rest.resolutionOrder = carried.resolutionOrder;
   carried = std::move(rest);
-}
-
-void DropColors(Carried& carried) {
-  if (!carried.profile.empty()) carried.lose("the color profile", "the colors became others");
-  carried.profile.clear();
-  std::erase_if(carried.chunks, [](const PngChunk& chunk) {
-    return chunk.type == "gAMA" || chunk.type == "cHRM" || chunk.type == "sRGB" ||
-           chunk.type == "cICP";
-  });
 }
 
 // The result is upright: what its source says across is said down.
@@ -102,7 +128,7 @@ void DropResolution(Carried& carried) {
 }
 
 void BringAllUpToDate(const MetadataRequest& request, Carried& carried) {
-  PictureFacts facts{.width = request.width, .height = request.height};
+  PictureFacts facts{.width = request.width, .height = request.height, .inSrgb = request.inSrgb};
   if (request.newResolution) {
     DropResolution(carried);
     facts.xDotsPerInch = request.xDotsPerInch;
@@ -132,6 +158,9 @@ void Write(const MetadataRequest& request, Carried& carried) {
       return WritePhotoshopMetadata(request.result, carried);
     case Kind::kTiff:
       return WriteTiffMetadata(request.result, request.resultPage, carried);
+    case Kind::kWebp:
+      return WriteWebpMetadata(request.result, carried);
+    case Kind::kGif:
     case Kind::kOther:
       return carried.loseAll(NameOfKind(request.result));
   }
@@ -142,11 +171,27 @@ void Write(const MetadataRequest& request, Carried& carried) {
 std::vector<std::string> KeepMetadata(const MetadataRequest& request) {
   Carried carried;
   Read(request, carried);
-  if (request.colorsChanged) DropColors(carried);
+  const bool isOtherKind = KindOf(request.source) != KindOf(request.result);
+  if (isOtherKind) DropDamagedProfile(carried);
+  if (request.inSrgb) {
+    DropColors(carried);
+  } else if (request.colorsChanged) {
+    if (!carried.profile.empty()) carried.lose("the color profile", "the colors became others");
+    DropColors(carried);
+  } else if (isOtherKind || request.strip == Strip::kAllButProfile) {
+    carried.profile = ProfileIn(carried);
+  }
   BringAllUpToDate(request, carried);
   TakeOff(request.strip, carried);
+  if (request.inSrgb) carried.lose("the color profile", "the colors are brought to sRGB");
   Write(request, carried);
   return carried.lost;
+}
+
+std::vector<std::uint8_t> ReadColorProfile(const std::string& path, int page) {
+  Carried carried;
+  Read({.source = path, .page = page}, carried);
+  return ProfileIn(carried);
 }
 
 }  // namespace client

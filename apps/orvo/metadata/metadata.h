@@ -23,6 +23,8 @@ struct MetadataRequest {
   int height = 0;  // of the result as shown, in pixels
   // Colours became others, so that the profile no longer explains them.
   bool colorsChanged = false;
+  // Its pixels were brought to sRGB, so that nothing has to explain them.
+  bool inSrgb = false;
   // The picture was resampled, or turned with unlike resolutions across and down: what the file
   // says is the result's own, told here too; 0 when it has none.
   bool newResolution = false;
@@ -33,6 +35,10 @@ struct MetadataRequest {
 // Tells what could not be kept, in words, a line each: "the EXIF data: PCX cannot hold it". Throws
 // MetadataFault when the result could not be written anew; then it is as it was.
 std::vector<std::string> KeepMetadata(const MetadataRequest& request);
+
+// What explains the colours of a file's page where they are not sRGB, or may not be: its profile,
+// or one for what it tells otherwise. Empty when it tells nothing.
+std::vector<std::uint8_t> ReadColorProfile(const std::string& path, int page);
 
 // Wipes out the preview of a JPEG file whose picture was changed where it lies; nothing else
 // changes. Throws MetadataFault when the file could not be written anew.

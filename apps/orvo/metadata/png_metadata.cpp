@@ -13,7 +13,7 @@ constexpr std::string_view kProfile = "iCCP";
 constexpr std::string_view kJpegExifMark{"Exif\0\0", 6};
 
 using Types = std::set<std::string_view>;
-const Types kColors{"gAMA", "cHRM", "sRGB", "cICP"};
+const Types kColors{"gAMA", "cHRM", "sRGB", "cICP", kProfile};
 const Types kSingle{"gAMA", "cHRM", "sRGB", "cICP", "pHYs", "tIME", "oFFs", "sCAL", "pCAL", "sTER"};
 // These tell of pixels and palette as they were.
 const Types kOfPixels{"tRNS", "bKGD", "hIST", "sBIT", "sPLT"};
@@ -53,7 +53,7 @@ void Take(const PngChunk& chunk, std::size_t& room, Carried& carried) {
   if (isNeeded || kOfPixels.contains(chunk.type)) return;
   if (chunk.type == kProfile) {
     carried.profile = ReadPngProfile(chunk, room);
-    if (carried.profile.empty()) carried.lose("the color profile", "it is damaged");
+    if (carried.profile.empty()) carried.chunks.push_back(chunk);  // a damaged one stays as it was
   } else if (chunk.type == kExif) {
     carried.exif = chunk.data;
   } else if (const auto text = ReadPngText(chunk, room)) {

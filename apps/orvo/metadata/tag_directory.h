@@ -33,6 +33,7 @@ enum TagId : std::uint16_t {
   kTagGps = 34853,
   kTagLayers = 37724,
   kTagMakerNote = 37500,
+  kTagColorSpace = 40961,
   kTagExifWidth = 40962,
   kTagExifHeight = 40963,
   kTagInterop = 40965,

@@ -84,6 +84,7 @@ bool BringUpToDate(std::string& xmp, const PictureFacts& facts) {
   for (const std::string& exif : PrefixesOf(xmp, kExifNames)) {
     SetValue(xmp, exif + ":PixelXDimension", width);
     SetValue(xmp, exif + ":PixelYDimension", height);
+    if (facts.inSrgb) SetValue(xmp, exif + ":ColorSpace", "1");
   }
   for (const std::string& previews : PrefixesOf(xmp, kXmpNames)) {
     DropElement(xmp, previews + ":Thumbnails");
