@@ -6,6 +6,7 @@
 #include "picture.h"
 #include "progress.h"
 #include "saving.h"
+#include "source_colors.h"
 
 namespace client {
 namespace {
@@ -23,6 +24,7 @@ std::string DepthHint(const Operation& operation, DibHandle picture) {
 int Load(Job& job) {
   BeginStep(job.source, "loading");
   const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  if (code == ORVO_OK) TakeInksByProfile(job);
   job.loaded = ShapeOf(job.image.get());
   if (code != ORVO_OK || !(IsSameKind(job) || HasOpacity(job.image.get()))) return code;
   job.before = Copied(job.image.get());

@@ -5,6 +5,7 @@
 #include "operations.h"
 #include "progress.h"
 #include "saving.h"
+#include "source_colors.h"
 #include "tone_table.h"
 
 namespace client {
@@ -23,12 +24,14 @@ int Invert(Job& job) {
 }
 
 int Gray(Job& job) {
+  BringToSrgbBeforeGray(job);
   if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
   return job.toolkit.ConvertToGrayScaleResInPlace(job.image.address(), ReportProgress);
 }
 
 int Depth(Job& job) {
   const int bits = std::stoi(job.parameters.text("bits"));
+  if (bits == 1) BringToSrgbBeforeGray(job);
   if (bits < 32) {
     if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
   }

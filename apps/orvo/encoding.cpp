@@ -67,6 +67,7 @@ std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
                        .width = after.width,
                        .height = after.height,
                        .colorsChanged = after.colors == "gray" && before.colors != "gray",
+                       .inSrgb = passage.inSrgb,
                        .newResolution = after.xDotsPerInch != before.xDotsPerInch ||
                                         after.yDotsPerInch != before.yDotsPerInch,
                        .xDotsPerInch = static_cast<double>(after.xDotsPerInch),
@@ -101,7 +102,7 @@ int Encode(Job& job, const std::string& path) {
   const int code = SaveAs(kind, job, path);
   const auto shape = ShapeOf(job.image.get());
   if (code != ORVO_OK || !shape || !job.loaded) return code;
-  return Complete(job, path, {job.page, *job.loaded, *shape});
+  return Complete(job, path, {job.page, *job.loaded, *shape, job.inSrgb});
 }
 
 }  // namespace client

@@ -18,6 +18,7 @@ struct Passage {
   int page;  // of the source
   Shape before;
   Shape after;
+  bool inSrgb = false;  // it was brought there
 };
 
 // Gives a page of a finished file what the source holds beside the picture, and tells what cannot

@@ -12,6 +12,7 @@
 #include "picture.h"
 #include "progress.h"
 #include "saving.h"
+#include "source_colors.h"
 
 namespace client {
 namespace {
@@ -74,9 +75,12 @@ int Resolution(Job& job) {
 
 int Thumbnail(Job& job) {
   if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
-  return job.toolkit.CreateThumbnailFromFile(job.source.c_str(), job.image.receive(),
-                                             job.parameters.whole("size", 0),
-                                             job.parameters.whole("size", 1));
+  const int code = job.toolkit.CreateThumbnailFromFile(job.source.c_str(), job.image.receive(),
+                                                       job.parameters.whole("size", 0),
+                                                       job.parameters.whole("size", 1));
+  // Nothing that the file holds beside the picture goes with it.
+  if (code == ORVO_OK) BringToSrgb(job);
+  return code;
 }
 
 // The conversion of whole files keeps what a loaded picture would not, such as that a file tells no
@@ -84,7 +88,8 @@ int Thumbnail(Job& job) {
 bool GoesByFile(const Job& job, const ORVOIMAGEFILEINFO& info) {
   const std::string kind = KindOfName(job.target);
   return kind == "pdf" ||
-         (!IsSameKind(job) && kind != "tiff" && (info.bitsPerPixel != 32 || HoldsOpacity(kind)));
+         (!IsSameKind(job) && kind != "tiff" && (info.bitsPerPixel != 32 || HoldsOpacity(kind)) &&
+          !job.inSrgb && !NeedsSrgb(job));
 }
 
 int ConvertByFile(Job& job, const ORVOIMAGEFILEINFO& info) {
@@ -105,6 +110,7 @@ int Convert(Job& job) {
     job.written = true;
     return DoPages(job, [] { return ORVO_OK; });
   }
+  if (!MayStayAsItIs(job) && !IsDocument(job.target)) TakeInksByProfile(job);
   ORVOIMAGEFILEINFO info{};
   (void)job.toolkit.ImageFileInfo(job.source.c_str(), &info);
   if (GoesByFile(job, info)) {
@@ -117,9 +123,12 @@ int Convert(Job& job) {
       return code;
     }
   }
-  const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  if (!job.image) {
+    const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+    if (code != ORVO_OK) return code;
+  }
   job.loaded = ShapeOf(job.image.get());
-  if (code != ORVO_OK || !MayStayAsItIs(job)) return code;
+  if (!MayStayAsItIs(job)) return ORVO_OK;
   job.written = true;
   return KeepAsItIs(job);
 }

@@ -36,6 +36,7 @@ struct Job {
   // possible.
   std::function<Outcome(const std::string& path)> withoutLoss = {};
   std::optional<Shape> loaded = {};  // what the picture was before the work
+  bool inSrgb = false;               // the picture was brought there from other colours
   std::string lossesTold = {};
   int page = 1;                      // of the source, that it came from
   std::optional<bool> changed = {};  // whether the target shows anything new

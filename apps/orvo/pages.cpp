@@ -12,6 +12,7 @@
 #include "progress.h"
 #include "replacement.h"
 #include "saving.h"
+#include "source_colors.h"
 #include "tiff_pages.h"
 
 namespace client {
@@ -53,6 +54,8 @@ class Walk {
     int code = source_.load(page, job_.image);
     if (code == ORVO_OK) {
       job_.page = page;
+      job_.inSrgb = false;
+      TakeInksByProfile(job_);
       job_.loaded = ShapeOf(job_.image.get());
       job_.before = Copied(job_.image.get());
       code = job_.before ? work_() : ORVO_ERR_NO_MEMORY;
@@ -64,8 +67,9 @@ class Walk {
     }
     const bool changed = !AreTheSame(job_.before.get(), job_.image.get());
     changed_ = changed_ || changed;
+    if (changed || !MayStayAsItIs(job_)) BringToSrgbIfNeeded(job_);
     const auto after = ShapeOf(job_.image.get());
-    if (after && job_.loaded) passages_.push_back({page, *job_.loaded, *after});
+    if (after && job_.loaded) passages_.push_back({page, *job_.loaded, *after, job_.inSrgb});
     Report entry = Report::Fields{{"page", page}};
     entry.take(job_.report);
     job_.report = {};

@@ -3,8 +3,11 @@
 
 #include "changes.h"
 #include "marks.h"
+#include "messages.h"
 #include "operations.h"
 #include "picture.h"
+#include "picture_colors.h"
+#include "source_colors.h"
 
 namespace client {
 namespace {
@@ -129,12 +132,40 @@ int Report(Job& job, const Correction& correction) {
   return SaveMarked(job, FramesRound(changed), kGreen, job.parameters.text("mark"));
 }
 
+int Correct(Job& job, const Shape& shape, Correction& correction) {
+  return job.parameters.has("at") ? CorrectAtPoints(job, shape, correction)
+                                  : CorrectAll(job, correction);
+}
+
+// How red a pupil is, is measured in sRGB. A picture in other colours is corrected there; its own
+// pixels change only where that changed any, and keep to their profile.
+int CorrectInSrgb(Job& job, const Shape& shape, Correction& correction) {
+  const std::vector<std::uint8_t> profile = OtherColorsOf(job);
+  if (profile.empty()) return Correct(job, shape, correction);
+  orvo::OwnedDib own = Copied(job.image.get());
+  if (!own) return ORVO_ERR_NO_MEMORY;
+  if (!BringToSrgb(job.image.get(), profile)) {
+    TellWarning(job.source, "its color profile is damaged, red is measured without it");
+    return Correct(job, shape, correction);
+  }
+  int code = Correct(job, shape, correction);
+  orvo::OwnedDib corrected;
+  if (code == ORVO_OK && correction.picture) {
+    corrected = Copied(own.get());
+    if (!BringChangesBack(job.image.get(), correction.picture.get(), profile, corrected.get())) {
+      code = ORVO_ERR_NO_MEMORY;
+    }
+  }
+  correction.picture = std::move(corrected);
+  job.image = std::move(own);
+  return code;
+}
+
 int RedEye(Job& job) {
   const auto shape = ShapeOf(job.image.get());
   if (!shape) return ORVO_ERR_NO_BITMAP;
   Correction correction;
-  int code = job.parameters.has("at") ? CorrectAtPoints(job, *shape, correction)
-                                      : CorrectAll(job, correction);
+  int code = CorrectInSrgb(job, *shape, correction);
   // No other depth would help a picture without colours.
   if (code == ORVO_ERR_BAD_DEPTH && (shape->bits == 1 || shape->colors == "gray")) {
     job.hint = "the picture is " + std::to_string(shape->bits) + "-bit " +

@@ -10,6 +10,7 @@
 #include "progress.h"
 #include "replacement.h"
 #include "sample_depth.h"
+#include "source_colors.h"
 #include "tiff_pages.h"
 
 namespace client {
@@ -91,6 +92,7 @@ int MindSampleBits(Job& job) {
 
 int SavePicture(Job& job) {
   if (const int code = MindSampleBits(job); code != ORVO_OK) return code;
+  BringToSrgbIfNeeded(job);
   if (!HoldsOpacity(KindOfName(job.target))) {
     if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
   }
