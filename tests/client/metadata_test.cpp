@@ -2,6 +2,7 @@
 #include "metadata.h"
 
 #include <gtest/gtest.h>
+#include <libheif/heif.h>
 #include <stdlib.h>
 
 #include <algorithm>
@@ -128,6 +129,20 @@ Text Psd(const Text& resources) {
          Number(resources.size(), 4) + resources + "rest";
 }
 
+Text Riff(const Text& chunks) {
+  return "RIFF" + Number(chunks.size() + 4, 4, ByteOrder::kLittle) + "WEBP" + chunks;
+}
+Text RiffChunk(const Text& type, const Text& data) {
+  return type + Number(data.size(), 4, ByteOrder::kLittle) + data + Text(data.size() % 2, '\0');
+}
+// 30 by 40 pixels, with loss; `features` and what else a richer file has stand round them.
+Text Webp(const Text& before = {}, const Text& behind = {}) {
+  return Riff(before + RiffChunk("VP8 ", Text{"\0\0\0\x9D\1\x2A\x1E\0\x28\0.", 11}) + behind);
+}
+Text Features(int flags) {
+  return RiffChunk("VP8X", Text(1, static_cast<char>(flags)) + Text{"\0\0\0\x1D\0\0\x27\0\0", 9});
+}
+
 // Two pages, of which the second tells all, unless it is plain.
 Text Tiff(ByteOrder order = ByteOrder::kLittle, bool isPlain = false) {
   constexpr std::size_t kPageAt = 200;
@@ -224,6 +239,7 @@ class MetadataTest : public ::testing::Test {
     if (kind == "jpeg") ReadJpegMetadata("result.bmp", found);
     if (kind == "png") ReadPngMetadata("result.bmp", found);
     if (kind == "psd") ReadPhotoshopMetadata("result.bmp", found);
+    if (kind == "webp") ReadWebpMetadata("result.bmp", found);
     if (kind == "tiff") ReadTiffMetadata("result.bmp", 2, found);
     return found;
   }
@@ -411,6 +427,119 @@ TEST_F(MetadataTest, WhatIsLostIsTold) {
   }
   EXPECT_EQ(keep(RichJpeg(), Jpeg(""), {.colorsChanged = true}),
             Lines{"the color profile: the colors became others"});
+}
+
+TEST_F(MetadataTest, WebpHoldsItRoundThePicture) {
+  const Text profile = RiffChunk("ICCP", Profile("RGB ", 201));
+  const Text exif = RiffChunk("EXIF", Exif());
+  const Text source = Webp(Features(0x2C) + profile, exif + RiffChunk("XMP ", kXmp));
+  EXPECT_EQ(keep(source, Jpeg("")), Lines{});
+  ExpectUpToDate(carried("jpeg").exif);
+  EXPECT_EQ(carried("jpeg").xmp, kXmpAfter);
+  EXPECT_EQ(TextOf(carried("jpeg").profile), Profile("RGB ", 201));
+
+  // Lossless pixels tell their size, and opacity, in bits.
+  const Text lossless = RiffChunk("VP8L", Text{"\x2F\x1D\xC0\x09\x10", 5});
+  for (const auto& [result, flags, picture] :
+       {std::tuple{Webp(), 0x2C, Webp().substr(12)}, std::tuple{Riff(lossless), 0x3C, lossless},
+        std::tuple{Webp(Features(0x10)), 0x3C, Webp().substr(12)}}) {
+    EXPECT_EQ(keep(source, result), Lines{});
+    const Text after = bytes("result.bmp");
+    ExpectUpToDate(carried("webp").exif);
+    const Text block(TextOf(carried("webp").exif));
+    EXPECT_EQ(after, Riff(Features(flags) + profile + picture + RiffChunk("EXIF", block) +
+                          RiffChunk("XMP ", kXmpAfter)));
+  }
+  EXPECT_EQ(keep(RichJpeg(), Webp()), Lines{"the IPTC data: WebP cannot hold it"});
+}
+
+TEST_F(MetadataTest, GifBringsItsWords) {
+  const Text trail = [] {
+    Text bytes = "\1";
+    for (int length = 255; length >= 0; --length) bytes += static_cast<char>(length);
+    return bytes + '\0';
+  }();
+  const Text picture = Text{"\x2C\0\0\0\0\1\0\1\0\x80", 10} + "palett" + Text{"\2\3lzw\0", 6};
+  const Text gif = Text{"GIF89a\1\0\1\0\x80\0\0", 13} + "palett" + picture + "!\xFE\3one\3two" +
+                   Text(1, '\0') + "!\xFF\x0BXMP DataXMP" + kXmp + trail + ";";
+  keep(gif, Jpeg(""));
+  EXPECT_EQ(carried("jpeg").comments, Lines{"onetwo"});
+  EXPECT_EQ(carried("jpeg").xmp, kXmpAfter);
+}
+
+// Eight by eight pixels of one red in P3.
+Text JpegXl(const Text& exif, const Text& xmp) {
+  const auto box = [](const Text& type, const Text& data) {
+    return Number(data.size() + 8, 4) + type + data;
+  };
+  const Text picture{
+      "\xFF\x0A\x41\x40\x40\xE5\xDE\x2A\x82\x08\x02\x01\0\x5C\0\x4B\x18\x8B\x15\xC2\x49\x02"
+      "\xE6\x05\x22\0\xD8\xFF\xFE\xD0\0\0\0\0\0\0\0\0",
+      38};
+  return box("JXL ", "\r\n\x87\n") + box("ftyp", Text{"jxl \0\0\0\0jxl ", 12}) +
+         box("jxlc", picture) + box("Exif", Text{"\0\0\0\2??", 6} + exif) + box("xml ", xmp);
+}
+void WriteHeic(const char* path, const Text& exif, const Text& xmp, const Text& profile) {
+  heif_context* const file = heif_context_alloc();
+  heif_encoder* encoder = nullptr;
+  heif_image* image = nullptr;
+  heif_image_handle* item = nullptr;
+  (void)heif_context_get_encoder_for_format(file, heif_compression_HEVC, &encoder);
+  (void)heif_image_create(16, 16, heif_colorspace_RGB, heif_chroma_interleaved_RGB, &image);
+  (void)heif_image_add_plane(image, heif_channel_interleaved, 16, 16, 8);
+  (void)heif_image_set_raw_color_profile(image, "prof", profile.data(), profile.size());
+  (void)heif_context_encode_image(file, image, encoder, nullptr, &item);
+  (void)heif_context_add_exif_metadata(file, item, exif.data(), static_cast<int>(exif.size()));
+  (void)heif_context_add_XMP_metadata(file, item, xmp.data(), static_cast<int>(xmp.size()));
+  EXPECT_EQ(heif_context_write_to_file(file, path).code, heif_error_Ok);
+  heif_image_handle_release(item);
+  heif_image_release(image);
+  heif_encoder_release(encoder);
+  heif_context_free(file);
+}
+
+TEST_F(MetadataTest, PicturesOfPhonesBringCameraAndColors) {
+  write("phone", JpegXl(Exif(), kXmp));
+  WriteHeic("phone.heic", Exif(), kXmp, Profile("RGB "));
+  for (const char* const phone : {"phone", "phone.heic"}) {
+    SCOPED_TRACE(phone);
+    EXPECT_EQ(keep(bytes(phone), Png("")), Lines{});
+    ExpectUpToDate(carried("png").exif);
+    EXPECT_EQ(carried("png").xmp, kXmpAfter);
+    EXPECT_TRUE(Has(Text(TextOf(carried("png").profile)), "RGB "));
+  }
+  EXPECT_EQ(TextOf(carried("png").profile), Profile("RGB "));
+}
+
+TEST_F(MetadataTest, ColorsThatBecameSrgbAreToldSo) {
+  constexpr auto kOrder = ByteOrder::kBig;
+  const Text exif =
+      Header(kOrder) + Directory({{34665, 4, 1, Number(26, 4)}}, 8, 0, kOrder) +
+      Directory({{40961, 3, 1, Number(65535, 2)}, {40965, 4, 1, Number(56, 4)}}, 26, 0, kOrder) +
+      Directory({{1, 2, 4, Text{"R03\0", 4}}}, 56, 0, kOrder);
+  const Text adobe = Jpeg(Segment(0xE1, Text{"Exif\0\0", 6} + exif));
+  write("source", adobe);
+  const auto profile = ReadColorProfile("source", 1);
+  EXPECT_TRUE(Has(Text(TextOf(profile)), "RGB XYZ "));
+  EXPECT_EQ(keep(adobe, Png("")), Lines{});
+  EXPECT_EQ(carried("png").profile, profile);
+  EXPECT_EQ(TextOf(carried("png").exif), exif);
+  EXPECT_EQ(keep(adobe, Png(""), {.inSrgb = true}),
+            Lines{"the color profile: the colors are brought to sRGB"});
+  EXPECT_TRUE(carried("png").profile.empty());
+  Text srgb = exif;
+  srgb.replace(36, 2, Number(1, 2)).replace(66, 3, "R98");
+  EXPECT_EQ(TextOf(carried("png").exif), srgb);
+}
+
+TEST_F(MetadataTest, DamagedProfilesStayAtHome) {
+  const Text half = Segment(0xE2, Text{"ICC_PROFILE\0\1\2", 14} + "half");
+  EXPECT_EQ(keep(Jpeg(half), Jpeg("")), Lines{});
+  EXPECT_EQ(bytes("result.bmp"), Jpeg(half));
+  EXPECT_EQ(keep(Jpeg(half), Png("")), Lines{"the damaged color profile: PNG cannot hold it"});
+  const Text bad = Chunk("iCCP", "bad");
+  EXPECT_EQ(keep(Png(bad), Png("")), Lines{});
+  EXPECT_EQ(bytes("result.bmp"), Png(bad));
 }
 
 TEST_F(MetadataTest, StrippingLeavesTheProfileOrNothing) {
