@@ -35,7 +35,7 @@ class MixingReader : public modules::PictureReader {
     picture_.samples = picture_.hasAlpha ? 4 : 3;
   }
 
-  bool goTo(int /*page*/) override { return true; }
+  bool readHeader(int /*page*/) override { return true; }
   void start() override { inks_.start(); }
 
   void readRow(std::uint8_t* row) override {
