@@ -1,9 +1,14 @@
 #include "pictures/png_tags.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdint>
 #include <optional>
+#include <sstream>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,8 +22,9 @@ constexpr long kMarkBytes = 8;
 constexpr std::size_t kStartBytes = 8;
 constexpr long kSumBytes = 4;
 
+constexpr std::uint32_t kMostBytes = std::uint32_t{1} << 20;  // tags take some kilobytes
+
 std::vector<std::uint8_t> ReadData(std::FILE* file, std::uint32_t length) {
-  constexpr std::uint32_t kMostBytes = std::uint32_t{1} << 20;  // tags take some kilobytes
   std::vector<std::uint8_t> data(std::min(length, kMostBytes));
   data.resize(std::fread(data.data(), 1, data.size(), file));
   return data;
@@ -35,6 +41,43 @@ std::optional<int> OrientationOfPacket(std::string_view text) {
   if (digit == std::string_view::npos || text[digit] < '1' || text[digit] > '8')
     return std::nullopt;
   return text[digit] - '0';
+}
+
+// The text of a chunk with this keyword; of a long or damaged one the beginning.
+std::string TextUnder(std::string_view keyword, std::span<const std::uint8_t> data,
+                      bool isDeflated) {
+  const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+  const std::size_t start = keyword.size() + (isDeflated ? 2 : 1);  // a zero, and the method
+  if (!text.starts_with(keyword) || text.size() <= start || text[keyword.size()] != 0) return {};
+  if (!isDeflated) return std::string(text.substr(start));
+  std::string inflated(kMostBytes, '\0');
+  uLongf bytes = kMostBytes;
+  (void)uncompress(reinterpret_cast<Bytef*>(inflated.data()), &bytes, &data[start],
+                   static_cast<uLong>(data.size() - start));
+  inflated.resize(bytes);
+  return inflated;
+}
+
+// Of camera tags in hexadecimal digits, behind their kind and their length: the form of programs
+// that know no chunk for them.
+std::optional<int> OrientationOfDigits(const std::string& text) {
+  constexpr std::string_view kMark("Exif\0\0", 6);
+  std::istringstream words(text);
+  std::string word;
+  words >> word >> word;
+  std::string block;
+  while (words >> word) {
+    for (const char* digit = word.data(); digit + 1 < word.data() + word.size(); digit += 2) {
+      std::uint8_t byte = 0;
+      if (std::from_chars(digit, digit + 2, byte, 16).ptr != digit + 2) return std::nullopt;
+      block.push_back(static_cast<char>(byte));
+    }
+  }
+  if (block.starts_with(kMark)) block.erase(0, kMark.size());
+  if (block.empty()) return std::nullopt;
+  Picture tags;
+  ReadExif({reinterpret_cast<const std::uint8_t*>(block.data()), block.size()}, tags);
+  return tags.orientation;
 }
 
 }  // namespace
@@ -57,6 +100,11 @@ int ReadPngOrientation(std::FILE* file) {
     if (name == "iTXt" && !found) {
       const std::vector<std::uint8_t> data = ReadData(file, length);
       found = OrientationOfPacket({reinterpret_cast<const char*>(data.data()), data.size()});
+    }
+    if (name == "zTXt" || name == "tEXt") {
+      const std::string text =
+          TextUnder("Raw profile type exif", ReadData(file, length), name == "zTXt");
+      if (const auto orientation = OrientationOfDigits(text)) found = orientation;
     }
     if (name == "IEND") break;
     at += static_cast<long>(kStartBytes + length) + kSumBytes;

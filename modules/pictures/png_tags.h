@@ -6,8 +6,8 @@
 
 namespace modules {
 
-// The orientation by the camera's tags or, when there are none, by those of an editor, wherever in
-// the file they stand. Leaves the file where it was.
+// The orientation by the camera's tags, in a chunk of their own or in a text, or, when there are
+// none, by those of an editor, wherever in the file they stand. Leaves the file where it was.
 int ReadPngOrientation(std::FILE* file);
 
 }  // namespace modules

@@ -53,10 +53,10 @@ inline Bytes WithExif(Bytes jpeg, const std::string& block) {
   return jpeg;
 }
 
-// The same of a PNG, at its very end; nobody looks at the check sum there.
-inline Bytes WithTags(Bytes png, const std::string& block) {
+// A PNG with a chunk, its name first, at its very end; nobody looks at the check sum there.
+inline Bytes WithChunk(Bytes png, const std::string& words) {
   constexpr std::ptrdiff_t kEndBytes = 12;
-  Bytes chunk = Of("I0 'eXIf " + block + " I0");
+  Bytes chunk = Of("I0 " + words + " I0");
   chunk[3] = static_cast<std::uint8_t>(chunk.size() - kEndBytes);
   png.insert(png.end() - kEndBytes, chunk.begin(), chunk.end());
   return png;
