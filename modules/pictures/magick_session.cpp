@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include <orvo/file_limits.h>
+
 #include "pictures/library_calls.h"
 
 namespace modules {
@@ -41,14 +43,16 @@ MagickPassFail OnAccess(const ConfirmAccessMode /*mode*/, const char* /*path*/,
   return MagickFail;
 }
 
-// The library counts 10 bytes for each pixel. Images beyond these bounds fail before any of it is
-// taken; below them memory decides.
+// Images beyond these bounds fail before any of their memory is taken.
 void SetLimits() {
-  constexpr magick_int64_t kMostPixels = 150'000'000;
-  constexpr magick_int64_t kMostSide = 0xFFFF;
-  (void)Magick().SetMagickResourceLimit(PixelsResource, kMostPixels);
-  (void)Magick().SetMagickResourceLimit(WidthResource, kMostSide);
-  (void)Magick().SetMagickResourceLimit(HeightResource, kMostSide);
+  constexpr std::uint64_t kPixelBytes = 10;  // that the library takes
+  constexpr std::uint64_t kMostSide = 0xFFFF;
+  const OrvoFileLimits& limits = *OrvoLimitFiles(nullptr);
+  const std::uint64_t pixels = std::min(limits.pixels, limits.memory / kPixelBytes);
+  const auto side = static_cast<magick_int64_t>(std::min(limits.side, kMostSide));
+  (void)Magick().SetMagickResourceLimit(PixelsResource, static_cast<magick_int64_t>(pixels));
+  (void)Magick().SetMagickResourceLimit(WidthResource, side);
+  (void)Magick().SetMagickResourceLimit(HeightResource, side);
   (void)Magick().SetMagickResourceLimit(MapResource, 0);
   (void)Magick().SetMagickResourceLimit(DiskResource, 0);
   // Reports of progress have to come from the thread that asked for the work.
