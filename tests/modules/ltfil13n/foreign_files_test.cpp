@@ -128,4 +128,26 @@ TEST_F(FileTest, pictures_of_phones_are_read) {
   }
 }
 
+// The canvas beside the first frame is clear.
+TEST_F(FileTest, moving_pictures_begin_with_a_frame_anywhere) {
+  run("convert -size 5x3 xc:#102030 -define webp:lossless=true a.webp");
+  const Bytes still = read("a.webp");
+  const Bytes frame(still.begin() + 12, still.end());
+  Bytes moving = rig::Of("'RIFF i" + std::to_string(4 + 18 + 14 + 24 + frame.size()) +
+                         " 'WEBPVP8X i10 12 0 0 0 8 0 0 7 0 0 'ANIM i6 z6 'ANMF i" +
+                         std::to_string(16 + frame.size()) +
+                         " 1 0 0 2 0 0 4 0 0 2 0 0 64 0 0 0");  // from column 2 and row 4 on
+  moving.insert(moving.end(), frame.begin(), frame.end());
+  const OwnedDib loaded = load("b.webp", moving);
+  ASSERT_EQ(code_, kModuleSuccess);
+  const rig::Locked image(loaded.get());
+  for (int y = 0; y < 8; ++y) {
+    for (int x = 0; x < 9; ++x) {
+      const bool inside = x >= 2 && x < 7 && y >= 4 && y < 7;
+      const std::uint8_t* const pixel = image.row(7 - y) + 4 * x;
+      EXPECT_EQ(Bytes(pixel, pixel + 4), inside ? (Bytes{0x30, 0x20, 0x10, 255}) : Bytes(4, 0));
+    }
+  }
+}
+
 }  // namespace
