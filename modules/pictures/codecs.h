@@ -2,6 +2,7 @@
 #ifndef MODULES_PICTURES_CODECS_H
 #define MODULES_PICTURES_CODECS_H
 
+#include <optional>
 #include <span>
 
 #include "pictures/picture.h"
@@ -18,6 +19,8 @@ struct SaveRequest {
   int quality;       // 1..100, for the formats that know it
   bool appendPage;   // the file at path holds earlier pages: add one
   Report report;
+  // As zlib counts, 0 to 9; found by looking at the picture when it is not told.
+  std::optional<int> pngLevel = {};
 };
 
 bool IsBmp(Head head);
