@@ -1,5 +1,6 @@
 #include "encoding.h"
 
+#include "compression.h"
 #include "file_kind.h"
 #include "jpeg_patch.h"
 #include "jpeg_source.h"
@@ -43,13 +44,16 @@ int SaveAsJpeg(const Job& job, const std::string& path) {
 
 int SaveAsTiff(const Job& job, const std::string& path) {
   TiffTarget target(path, orvo::LockedImage(job.image.get()).size());
-  const int code = target.add(job.image.get(), CompressionFor(job.source));
+  const int code = target.add(job.image.get(), TiffCodingFor(job, CompressionFor(job.source)));
   return code == ORVO_OK ? target.finish() : code;
 }
 
-int SaveAs(const std::string& kind, const Job& job, const std::string& path) {
+int SaveAs(const std::string& kind, Job& job, const std::string& path) {
+  if (const int code = MindCompression(job); code != ORVO_OK) return code;
   if (kind == "jpeg") return SaveAsJpeg(job, path);
   if (kind == "tiff") return SaveAsTiff(job, path);
+  if (kind == "png") return SaveAsPng(job, path);
+  if (kind == "webp") return SaveAsWebp(job, path);
   return job.toolkit.SaveFile(job.image.get(), path.c_str(), 0, job.quality);
 }
 

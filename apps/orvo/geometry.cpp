@@ -84,12 +84,15 @@ int Thumbnail(Job& job) {
 }
 
 // The conversion of whole files keeps what a loaded picture would not, such as that a file tells no
-// resolution. It knows no compression of TIFF files and lays nothing on a background.
+// resolution. It knows no compression and no WebP, and lays nothing on a background.
 bool GoesByFile(const Job& job, const ORVOIMAGEFILEINFO& info) {
   const std::string kind = KindOfName(job.target);
-  return kind == "pdf" ||
-         (!IsSameKind(job) && kind != "tiff" && (info.bitsPerPixel != 32 || HoldsOpacity(kind)) &&
-          !job.inSrgb && !NeedsSrgb(job));
+  if (job.parameters.has("compression") || (kind == "png" && job.parameters.has("png-level"))) {
+    return false;
+  }
+  return kind == "pdf" || (!IsSameKind(job) && kind != "webp" && kind != "tiff" &&
+                           (info.bitsPerPixel != 32 || HoldsOpacity(kind)) && !job.inSrgb &&
+                           !NeedsSrgb(job));
 }
 
 int ConvertByFile(Job& job, const ORVOIMAGEFILEINFO& info) {

@@ -21,7 +21,7 @@ std::uint8_t Mixed(int color, int ground, int opacity) {
 }  // namespace
 
 bool HoldsOpacity(std::string_view kind) {
-  constexpr std::string_view kKinds[] = {"png", "tiff", "tga"};
+  constexpr std::string_view kKinds[] = {"png", "tiff", "tga", "webp"};
   return std::ranges::find(kKinds, kind) != std::end(kKinds);
 }
 

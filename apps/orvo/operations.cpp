@@ -1,5 +1,7 @@
 #include "operations.h"
 
+#include "compression.h"
+
 namespace client {
 namespace {
 
@@ -21,7 +23,20 @@ constexpr Option kCommonOptions[] = {
      .meaning =
          "extension, and so format, of output files in a folder: that of -o, else the input's own",
      .kind = ValueKind::kText},
-    {.name = "quality", .meaning = "of JPEG files, 100 best", .least = 1, .most = 100},
+    {.name = "quality",
+     .meaning = "of JPEG and lossy WebP files, 100 best",
+     .least = 1,
+     .most = 100},
+    {.name = "compression",
+     .meaning =
+         "of TIFF files, that of a TIFF source or deflate unless given; of WebP files, lossy "
+         "but for few colors",
+     .kind = ValueKind::kChoice,
+     .choices = kCompressions},
+    {.name = "png-level",
+     .meaning = "of PNG files, 9 smallest and slowest; found by a look at the picture unless given",
+     .least = 0,
+     .most = 9},
     {.name = "pages",
      .meaning = "those of a TIFF file that are taken, such as 1,3-5 or 2-; all unless given",
      .kind = ValueKind::kText},

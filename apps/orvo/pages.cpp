@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <set>
 
+#include "compression.h"
 #include "encoding.h"
 #include "file_kind.h"
 #include "metadata.h"
@@ -120,7 +121,10 @@ int WritePages(Job& job, Walk& walk, const std::string& path) {
   for (const int page : walk.pages()) {
     if (code == ORVO_OK) code = walk.step(page);
     if (code == ORVO_OK) code = MindSampleBits(job);
-    if (code == ORVO_OK) code = target.add(job.image.get(), walk.compression());
+    if (code == ORVO_OK) code = MindCompression(job);
+    if (code == ORVO_OK) {
+      code = target.add(job.image.get(), TiffCodingFor(job, walk.compression()));
+    }
   }
   if (code == ORVO_OK) code = target.finish();
   return code == ORVO_OK ? TakeAllMetadata(job, walk, path) : code;

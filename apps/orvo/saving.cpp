@@ -32,7 +32,8 @@ bool IsSameKind(const Job& job) {
 }
 
 bool MayStayAsItIs(const Job& job) {
-  constexpr std::string_view kAskForWriting[] = {"quality", "background", "pages", "strip"};
+  constexpr std::string_view kAskForWriting[] = {"quality", "background",  "pages",
+                                                 "strip",   "compression", "png-level"};
   return IsSameKind(job) && std::ranges::none_of(kAskForWriting, [&job](std::string_view option) {
            return job.parameters.has(option);
          });

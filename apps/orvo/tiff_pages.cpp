@@ -2,44 +2,15 @@
 
 #include <string_view>
 
-#include <orvo/result_codes.h>
-
 #include "file_kind.h"
+#include "module_calls.h"
 #include "pictures/loading.h"
-#include "progress.h"
 
 namespace client {
-namespace {
-
-bool Go(int percent) {
-  return ReportProgress(percent, nullptr) != ORVO_ERR_CANCELLED;
-}
-
-// Runs what may throw a module's code; the toolkit's code for it.
-template <class Work>
-int Done(const Work& work) {
-  const int code = modules::Guarded([&] {
-    work();
-    return kModuleSuccess;
-  });
-  switch (code) {
-    case kModuleSuccess:
-      return ORVO_OK;
-    case kModuleAborted:
-      return ORVO_ERR_CANCELLED;
-    case kModuleNoMemory:
-      return ORVO_ERR_NO_MEMORY;
-    default:
-      return ORVO_ERR_FILE_IO;
-  }
-}
-
-}  // namespace
-
 int PageCount(const std::string& path) {
   if (KindOfFile(path) != "tiff") return 1;
   int pages = 1;
-  (void)Done([&] {
+  (void)ModuleCall([&] {
     const modules::ReaderHandle reader = modules::OpenTiff(path.c_str(), nullptr);
     if (reader->goTo(1)) pages = reader->pageCount();
   });
@@ -47,14 +18,15 @@ int PageCount(const std::string& path) {
 }
 
 bool BreaksOff(const std::string& path, int pages) {
-  return Done([&] { (void)modules::OpenTiff(path.c_str(), nullptr)->goTo(pages + 1); }) != ORVO_OK;
+  return ModuleCall([&] { (void)modules::OpenTiff(path.c_str(), nullptr)->goTo(pages + 1); }) !=
+         ORVO_OK;
 }
 
 TiffSource::TiffSource(std::string path)
-    : path_(std::move(path)), reader_(modules::OpenTiff(path_.c_str(), Go)) {}
+    : path_(std::move(path)), reader_(modules::OpenTiff(path_.c_str(), ReportPercent)) {}
 
 int TiffSource::load(int page, orvo::OwnedDib& picture) {
-  return Done([&] {
+  return ModuleCall([&] {
     modules::Require(reader_->goTo(page), kModuleReadFailed);
     picture = modules::LoadPicture(*reader_);
   });
@@ -63,7 +35,7 @@ int TiffSource::load(int page, orvo::OwnedDib& picture) {
 std::uint16_t CompressionFor(const std::string& path) {
   std::uint16_t compression = COMPRESSION_ADOBE_DEFLATE;
   if (KindOfFile(path) == "tiff") {
-    (void)Done([&] {
+    (void)ModuleCall([&] {
       TiffSource source(path);
       if (source.goTo(1)) compression = source.compression();
     });
@@ -79,8 +51,8 @@ std::uint16_t TiffSource::compression() const {
   return COMPRESSION_ADOBE_DEFLATE;
 }
 
-int TiffTarget::add(DibHandle picture, std::uint16_t compression) {
-  return Done([&] {
+int TiffTarget::add(DibHandle picture, const modules::TiffCoding& coding) {
+  return ModuleCall([&] {
     using Form = modules::TiffWriter::Form;
     constexpr std::uint64_t kMostPlainBytes = std::uint64_t{7} << 29;
     if (!writer_) {
@@ -89,12 +61,12 @@ int TiffTarget::add(DibHandle picture, std::uint16_t compression) {
     }
     const modules::LockedDib image(picture);
     modules::Require(image, kModuleNoBitmap);
-    writer_->add(image, compression, Go);
+    writer_->add(image, coding, ReportPercent);
   });
 }
 
 int TiffTarget::finish() {
-  return Done([&] { writer_->finish(); });
+  return ModuleCall([&] { writer_->finish(); });
 }
 
 }  // namespace client

@@ -46,7 +46,7 @@ class TiffTarget {
       : path_(std::move(path)), expectedBytes_(expectedBytes) {}
 
   // Result codes of the toolkit.
-  int add(DibHandle picture, std::uint16_t compression);
+  int add(DibHandle picture, const modules::TiffCoding& coding);
   int finish();
 
  private:

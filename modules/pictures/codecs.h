@@ -14,13 +14,14 @@ using Head = std::span<const std::uint8_t>;
 constexpr std::size_t kHeadBytes = 512;
 
 struct SaveRequest {
-  const char* path;  // where a file may stand already; after a failure it is of no use
-  int format;        // a FileFormat
-  int quality;       // 1..100, for the formats that know it
-  bool appendPage;   // the file at path holds earlier pages: add one
-  Report report;
+  const char* path = nullptr;  // where a file may stand already; after a failure it is of no use
+  int format = 0;              // a FileFormat
+  int quality = 0;             // 1..100, for the formats that know it
+  bool appendPage = false;     // the file at path holds earlier pages: add one
+  Report report = nullptr;
   // As zlib counts, 0 to 9; found by looking at the picture when it is not told.
   std::optional<int> pngLevel = {};
+  bool lossless = false;  // of WebP
 };
 
 bool IsBmp(Head head);
@@ -48,6 +49,9 @@ void SavePsd(const SaveRequest& request, const LockedDib& image);
 // Of a moving picture the first frame.
 bool IsWebp(Head head);
 ReaderHandle OpenWebp(const char* path, Report report);
+// Refuses pictures that are wider or higher.
+inline constexpr int kMostWebpPixels = 16383;
+void SaveWebp(const SaveRequest& request, const LockedDib& image);
 bool IsJxl(Head head);
 ReaderHandle OpenJxl(const char* path, Report report);
 // HEIC and AVIF.

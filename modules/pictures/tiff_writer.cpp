@@ -12,6 +12,8 @@ namespace modules {
 namespace {
 
 constexpr std::uint32_t kStripBytes = 1U << 17;
+// JPEG codes blocks of so many rows.
+constexpr std::uint32_t kBlockRows = 8;
 
 // What the file says about its samples.
 struct RowForm {
@@ -20,6 +22,7 @@ struct RowForm {
   std::uint16_t photometric;
   std::uint16_t compression;
   bool flips;  // rows are written with all bits turned round
+  int quality;
   std::uint32_t rowsPerStrip;
 };
 
@@ -30,7 +33,11 @@ std::uint16_t PhotometricOf(const Pixels& image) {
   return isInverse ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_PALETTE;
 }
 
-RowForm FormFor(const Pixels& image, std::uint16_t compression) {
+bool IsBlackAndWhite(const Pixels& image) {
+  return image.depth == 1 && PhotometricOf(image) != PHOTOMETRIC_PALETTE;
+}
+
+RowForm FormFor(const Pixels& image, const TiffCoding& coding) {
   constexpr int kMostSampleBits = 8;
   RowForm form{};
   form.bits = std::min(image.depth, kMostSampleBits);
@@ -42,15 +49,20 @@ RowForm FormFor(const Pixels& image, std::uint16_t compression) {
       8;
   form.rowsPerStrip = static_cast<std::uint32_t>(
       std::clamp<std::size_t>(kStripBytes / rowBytes, 1, static_cast<std::size_t>(image.height)));
-  form.compression = compression;
-  if (compression != COMPRESSION_NONE && image.depth == 1 &&
-      form.photometric != PHOTOMETRIC_PALETTE) {
+  form.compression = coding.compression;
+  const bool fax = coding.mayFax && form.compression != COMPRESSION_NONE && IsBlackAndWhite(image);
+  if (fax || form.compression == COMPRESSION_CCITTFAX4) {
     // The fax code expects white paper as 0, and readers of it one strip.
     form.compression = COMPRESSION_CCITTFAX4;
     form.flips = form.photometric == PHOTOMETRIC_MINISBLACK;
     form.photometric = PHOTOMETRIC_MINISWHITE;
     form.rowsPerStrip = static_cast<std::uint32_t>(image.height);
+  } else if (form.compression == COMPRESSION_JPEG) {
+    form.quality = coding.quality;
+    form.rowsPerStrip = (form.rowsPerStrip + kBlockRows - 1) / kBlockRows * kBlockRows;
+    if (form.samples == 3) form.photometric = PHOTOMETRIC_YCBCR;
   }
+  Require(Takes(form.compression, image), kFileFormatNotWritten);
   return form;
 }
 
@@ -108,6 +120,13 @@ void SetTags(TIFF* tiff, const LockedDib& image, const RowForm& form) {
       form.compression == COMPRESSION_LZW || form.compression == COMPRESSION_ADOBE_DEFLATE;
   if (takesDifferences && areTones) {
     set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+  }
+  if (form.compression == COMPRESSION_JPEG) {
+    set(TIFFTAG_JPEGQUALITY, form.quality);
+    if (form.samples == 3) {
+      set(TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+      set(TIFFTAG_YCBCRSUBSAMPLING, 1, 1);
+    }
   }
   SetResolution(tiff, image.header());
 }
@@ -174,10 +193,16 @@ TiffWriter::TiffWriter(const char* path, Form form)
   Require(tiff_, kModuleFileNotOpened);
 }
 
-void TiffWriter::add(const LockedDib& image, std::uint16_t compression, Report report,
+bool Takes(std::uint16_t compression, const Pixels& image) {
+  if (compression == COMPRESSION_CCITTFAX4) return IsBlackAndWhite(image);
+  if (compression != COMPRESSION_JPEG) return true;
+  return image.depth > 8 ? !HasAlpha(image) : image.depth == 8 && HasGrayRamp(image);
+}
+
+void TiffWriter::add(const LockedDib& image, const TiffCoding& coding, Report report,
                      const MoreTags& moreTags) {
   TIFF* const tiff = tiff_.get();
-  const RowForm form = FormFor(*image, compression);
+  const RowForm form = FormFor(*image, coding);
   SetTags(tiff, image, form);
   if (moreTags) moreTags(tiff);
   std::vector<std::uint8_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)));
@@ -205,8 +230,9 @@ void SaveTiff(const SaveRequest& request, const LockedDib& image) {
   TiffWriter writer(request.path, request.appendPage        ? TiffWriter::Form::kAppended
                                   : bytes > kMostPlainBytes ? TiffWriter::Form::kBig
                                                             : TiffWriter::Form::kPlain);
-  writer.add(image, request.format == kFormatTiffCompressed ? COMPRESSION_LZW : COMPRESSION_NONE,
-             request.report);
+  const bool compresses = request.format == kFormatTiffCompressed;
+  const std::uint16_t compression = compresses ? COMPRESSION_LZW : COMPRESSION_NONE;
+  writer.add(image, {.compression = compression}, request.report);
   writer.finish();
 }
 

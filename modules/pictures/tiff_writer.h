@@ -10,6 +10,17 @@
 
 namespace modules {
 
+// How the rows of a page are coded.
+struct TiffCoding {
+  std::uint16_t compression = COMPRESSION_NONE;
+  bool mayFax = true;  // 1 bit in black and white is coded in group 4 wherever there is compression
+  int quality = 90;    // of JPEG, 1 to 100
+};
+
+// Whether a compression takes such pictures: group 4 black and white, JPEG tones and colours
+// without opacity, the others all.
+bool Takes(std::uint16_t compression, const Pixels& image);
+
 class TiffWriter {
  public:
   enum class Form : std::uint8_t {
@@ -23,9 +34,8 @@ class TiffWriter {
   // Makes the file, or opens it at its end.
   TiffWriter(const char* path, Form form);
 
-  // compression: COMPRESSION_NONE, or another without loss for 4 bits and up; 1 bit in black and
-  // white is then coded in group 4. Failures throw, as a rule a ModuleError.
-  void add(const LockedDib& image, std::uint16_t compression, Report report,
+  // Refuses what the compression does not take. Failures throw, as a rule a ModuleError.
+  void add(const LockedDib& image, const TiffCoding& coding, Report report,
            const MoreTags& moreTags = {});
   // Ends the file, and throws if any of it was not written.
   void finish();
