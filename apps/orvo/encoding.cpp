@@ -6,6 +6,7 @@
 #include "jpeg_source.h"
 #include "messages.h"
 #include "metadata.h"
+#include "saving.h"
 #include "tiff_pages.h"
 
 namespace client {
@@ -103,6 +104,7 @@ int Encode(Job& job, const std::string& path) {
     job.hint = "it cannot be done without loss";
     return ORVO_ERR_NOT_SUPPORTED;
   }
+  if (const int code = MindFurtherPictures(job); code != ORVO_OK) return code;
   const int code = SaveAs(kind, job, path);
   const auto shape = ShapeOf(job.image.get());
   if (code != ORVO_OK || !shape || !job.loaded) return code;

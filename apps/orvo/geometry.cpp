@@ -118,6 +118,7 @@ int Convert(Job& job) {
   (void)job.toolkit.ImageFileInfo(job.source.c_str(), &info);
   if (GoesByFile(job, info)) {
     if (const int code = MindSampleBits(job); code != ORVO_OK) return code;
+    if (const int code = MindFurtherPictures(job); code != ORVO_OK) return code;
     const int code = ConvertByFile(job, info);
     job.written = code == ORVO_OK;
     job.hint.clear();  // the source may be to blame as well as the target

@@ -48,7 +48,8 @@ constexpr Option kCommonOptions[] = {
      .fewest = 3,
      .atMost = 3},
     {.name = "allow-loss",
-     .meaning = "with --in-place: write also what keeps 8 of a file's 16 bits a sample",
+     .meaning = "with --in-place: write also what keeps 8 of a file's 16 bits a sample, or one of "
+                "its pictures, frames or layers",
      .kind = ValueKind::kFlag},
     {.name = "strip",
      .meaning = "leave out what a file holds beside the picture and its color profile; --strip=all "

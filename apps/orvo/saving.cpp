@@ -5,6 +5,7 @@
 
 #include "encoding.h"
 #include "file_kind.h"
+#include "further_pictures.h"
 #include "messages.h"
 #include "opacity.h"
 #include "progress.h"
@@ -17,7 +18,7 @@ namespace client {
 
 int MindOtherPages(Job& job) {
   const int pages = PageCount(job.source);
-  if (pages == 1) return ORVO_OK;
+  if (pages == 1) return MindFurtherPictures(job);
   const std::string count = std::to_string(pages) + " pages";
   if (job.parameters.has("in-place")) {
     job.hint = "the file has " + count + ", and only the first would stay";
@@ -88,6 +89,20 @@ int MindSampleBits(Job& job) {
     return ORVO_ERR_NOT_SUPPORTED;
   }
   TellWarning(job.source, fact + "are rounded to 8");
+  return ORVO_OK;
+}
+
+int MindFurtherPictures(Job& job) {
+  const FurtherPictures further = FurtherPicturesOf(job.source);
+  if (further.count == 0 || job.parameters.has("allow-loss")) return ORVO_OK;
+  const std::string count = std::to_string(further.count) + (further.merged ? " " : " further ") +
+                            std::string(further.what) + (further.count == 1 ? "" : "s");
+  if (job.parameters.has("in-place")) {
+    job.hint = "its " + count + " would be lost; --allow-loss does it";
+    return ORVO_ERR_NOT_SUPPORTED;
+  }
+  TellWarning(job.source, "its " + count + (further.count == 1 ? " is " : " are ") +
+                              (further.merged ? "merged into one picture" : "left out"));
   return ORVO_OK;
 }
 

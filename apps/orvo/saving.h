@@ -33,6 +33,10 @@ int LayOnBackground(Job& job);
 // Says that samples of more than 8 bits are rounded; refused in place unless the user allows it.
 int MindSampleBits(Job& job);
 
+// Says how many further pictures, frames or layers of the source do not come along; refused in
+// place unless the user allows it.
+int MindFurtherPictures(Job& job);
+
 // Saves the picture as the target.
 int SavePicture(Job& job);
 
