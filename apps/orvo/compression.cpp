@@ -86,6 +86,14 @@ modules::TiffCoding TiffCodingFor(const Job& job, std::uint16_t usual) {
   return coding;
 }
 
+int SaveAsNewJpeg(const Job& job, const std::string& path) {
+  constexpr int kDefaultQuality = 90;
+  return SaveBy(modules::SaveJpeg, job,
+                {.path = path.c_str(),
+                 .quality = job.quality > 0 ? job.quality : kDefaultQuality,
+                 .report = ReportPercent});
+}
+
 int SaveAsPng(const Job& job, const std::string& path) {
   modules::SaveRequest request{.path = path.c_str(), .report = ReportPercent};
   if (job.parameters.has("png-level")) request.pngLevel = job.parameters.whole("png-level");

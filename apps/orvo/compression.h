@@ -21,6 +21,7 @@ int MindCompression(Job& job);
 modules::TiffCoding TiffCodingFor(const Job& job, std::uint16_t usual);
 
 // Write job.image. Result codes of the toolkit.
+int SaveAsNewJpeg(const Job& job, const std::string& path);
 int SaveAsPng(const Job& job, const std::string& path);
 // Keeps every pixel where the option, a source of that kind that does, or a picture of few colours
 // asks for it.

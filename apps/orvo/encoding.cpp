@@ -40,7 +40,7 @@ int SaveAsJpeg(const Job& job, const std::string& path) {
       if (code != ORVO_ERR_BAD_DEPTH) return code;
     }
   }
-  return job.toolkit.SaveFile(job.image.get(), path.c_str(), 0, job.quality);
+  return SaveAsNewJpeg(job, path);
 }
 
 int SaveAsTiff(const Job& job, const std::string& path) {

@@ -1,5 +1,6 @@
 // Commands that change nothing: they report.
 #include "completion.h"
+#include "format_list.h"
 #include "operations.h"
 #include "picture.h"
 #include "tiff_pages.h"
@@ -25,23 +26,6 @@ int Info(Job& job) {
   const auto shape = ShapeOf(job.image.get());
   if (!shape) return ORVO_ERR_NO_BITMAP;
   job.report.set("picture", Described(*shape));
-  return ORVO_OK;
-}
-
-int Formats(Job& job) {
-  std::uint32_t bytes = 0;
-  job.toolkit.GetFileExtensions(nullptr, nullptr, &bytes);
-  std::string names(bytes, '\0');
-  int count = 0;
-  const int code = job.toolkit.GetFileExtensions(&count, names.data(), &bytes);
-  if (code != ORVO_OK) return code;
-  Report::List list;
-  const char* name = names.c_str();
-  for (int i = 0; i < count; ++i) {
-    list.emplace_back(name);
-    name += std::string_view(name).size() + 1;
-  }
-  job.report.set("extensions", std::move(list));
   return ORVO_OK;
 }
 
@@ -83,9 +67,9 @@ constexpr Operation kRows[] = {
      .subject = Subject::kFiles,
      .loads = false},
     {.name = "formats",
-     .summary = "List the extensions of files that can be read",
-     .example = "",
-     .run = Formats,
+     .summary = "List the kinds of files that are read and written",
+     .example = "--json",
+     .run = ListFormats,
      .subject = Subject::kToolkit},
     {.name = "version",
      .summary = "Tell the version of the toolkit and its imaging modules",

@@ -38,6 +38,7 @@ struct Job {
   std::optional<Shape> loaded = {};  // what the picture was before the work
   bool inSrgb = false;               // the picture was brought there from other colours
   std::string lossesTold = {};
+  bool furtherTold = false;  // that the source holds further pictures
   int page = 1;                      // of the source, that it came from
   std::optional<bool> changed = {};  // whether the target shows anything new
   std::string found = {};            // what there is to say when nothing changed

@@ -93,8 +93,9 @@ int MindSampleBits(Job& job) {
 }
 
 int MindFurtherPictures(Job& job) {
+  if (job.furtherTold || job.parameters.has("allow-loss")) return ORVO_OK;
   const FurtherPictures further = FurtherPicturesOf(job.source);
-  if (further.count == 0 || job.parameters.has("allow-loss")) return ORVO_OK;
+  if (further.count == 0) return ORVO_OK;
   const std::string count = std::to_string(further.count) + (further.merged ? " " : " further ") +
                             std::string(further.what) + (further.count == 1 ? "" : "s");
   if (job.parameters.has("in-place")) {
@@ -103,6 +104,7 @@ int MindFurtherPictures(Job& job) {
   }
   TellWarning(job.source, "its " + count + (further.count == 1 ? " is " : " are ") +
                               (further.merged ? "merged into one picture" : "left out"));
+  job.furtherTold = true;
   return ORVO_OK;
 }
 

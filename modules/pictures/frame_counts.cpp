@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "pictures/file_handle.h"
+#include "pictures/libraries.h"
 #include "pictures/loaded_library.h"
 
 #if defined(ORVO_HAVE_HEIF)
@@ -29,7 +30,7 @@ int CountIn(const char* path, const Count& count) {
 #if defined(ORVO_HAVE_HEIF)
 int HeifPictures(const std::vector<std::uint8_t>& file) {
   static const struct {
-    LoadedLibrary library{"libheif.so.1"};
+    LoadedLibrary library{kHeifLibrary};
     ORVO_LIBRARY_CALL(heif_context_alloc);
     ORVO_LIBRARY_CALL(heif_context_free);
     ORVO_LIBRARY_CALL(heif_context_read_from_memory_without_copy);
@@ -47,7 +48,7 @@ int HeifPictures(const std::vector<std::uint8_t>& file) {
 #if defined(ORVO_HAVE_JXL)
 int JxlFrames(const std::vector<std::uint8_t>& file) {
   static const struct {
-    LoadedLibrary library{"libjxl.so." ORVO_JXL_SERIES};
+    LoadedLibrary library{kJxlLibrary};
     ORVO_LIBRARY_CALL(JxlDecoderCreate);
     ORVO_LIBRARY_CALL(JxlDecoderDestroy);
     ORVO_LIBRARY_CALL(JxlDecoderSubscribeEvents);

@@ -7,6 +7,7 @@
 
 #include "pictures/codecs.h"
 #include "pictures/exif.h"
+#include "pictures/libraries.h"
 #include "pictures/loaded_library.h"
 #include "pictures/whole_reader.h"
 
@@ -14,7 +15,7 @@ namespace modules {
 namespace {
 
 struct Decoding {
-  LoadedLibrary library{"libheif.so.1"};
+  LoadedLibrary library{kHeifLibrary};
   ORVO_LIBRARY_CALL(heif_context_alloc);
   ORVO_LIBRARY_CALL(heif_context_free);
   ORVO_LIBRARY_CALL(heif_context_read_from_memory_without_copy);

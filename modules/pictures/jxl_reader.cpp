@@ -6,6 +6,7 @@
 
 #include "pictures/codecs.h"
 #include "pictures/exif.h"
+#include "pictures/libraries.h"
 #include "pictures/loaded_library.h"
 #include "pictures/whole_reader.h"
 
@@ -13,7 +14,7 @@ namespace modules {
 namespace {
 
 struct Decoding {
-  LoadedLibrary library{"libjxl.so." ORVO_JXL_SERIES};
+  LoadedLibrary library{kJxlLibrary};
   ORVO_LIBRARY_CALL(JxlDecoderCreate);
   ORVO_LIBRARY_CALL(JxlDecoderDestroy);
   ORVO_LIBRARY_CALL(JxlDecoderSubscribeEvents);

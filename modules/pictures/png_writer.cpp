@@ -96,9 +96,12 @@ class PngWriter {
   // Bytes that a sample of the rows takes.
   std::size_t measure(const Setting& setting) {
     constexpr int kBands = 4;
-    constexpr int kPart = 32;  // of the rows, one is tried
-    const int rows = std::max(image_.height / (kPart * kBands), 1);
-    const int bands = std::min(kBands, image_.height);
+    constexpr int kPart = 32;  // of the rows, one is tried, and more of small pictures
+    constexpr int kLeastBytes = 1 << 14;
+    const int leastRows = kLeastBytes / static_cast<int>(image_.rowBytes()) + 1;
+    const int tried = std::clamp(std::max(image_.height / kPart, leastRows), 1, image_.height);
+    const int bands = std::min(kBands, tried);
+    const int rows = tried / bands;
     std::size_t bytes = 0;
     const auto count = [](png_structp png, png_bytep, std::size_t size) {
       *static_cast<std::size_t*>(png_get_io_ptr(png)) += size;
@@ -106,8 +109,8 @@ class PngWriter {
     png_set_write_fn(png_, &bytes, count, nullptr);
     begin(setting, bands * rows, nullptr);
     for (int band = 0; band < bands; ++band) {
-      const int middle = image_.height * (2 * band + 1) / (2 * bands);
-      for (int row = 0; row < rows; ++row) writeRow(middle - row);
+      const int first = (image_.height - rows) * (band + 1) / (bands + 1);
+      for (int row = rows - 1; row >= 0; --row) writeRow(first + row);
     }
     run([this] { png_write_end(png_, nullptr); });
     return bytes;

@@ -6,6 +6,7 @@
 
 #include "pictures/codecs.h"
 #include "pictures/exif.h"
+#include "pictures/libraries.h"
 #include "pictures/loaded_library.h"
 #include "pictures/whole_reader.h"
 
@@ -13,13 +14,13 @@ namespace modules {
 namespace {
 
 struct Decoding {
-  LoadedLibrary library{"libwebp.so.7"};
+  LoadedLibrary library{kWebpLibrary};
   ORVO_LIBRARY_CALL(WebPINewRGB);
   ORVO_LIBRARY_CALL(WebPIUpdate);
   ORVO_LIBRARY_CALL(WebPIDelete);
 };
 struct Parts {
-  LoadedLibrary library{"libwebpdemux.so.2"};
+  LoadedLibrary library{kWebpPartsLibrary};
   ORVO_LIBRARY_CALL(WebPDemuxInternal);
   ORVO_LIBRARY_CALL(WebPDemuxDelete);
   ORVO_LIBRARY_CALL(WebPDemuxGetI);

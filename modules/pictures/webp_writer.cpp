@@ -6,13 +6,14 @@
 #include "common/color_rows.h"
 #include "pictures/codecs.h"
 #include "pictures/file_handle.h"
+#include "pictures/libraries.h"
 #include "pictures/loaded_library.h"
 
 namespace modules {
 namespace {
 
 struct Encoding {
-  LoadedLibrary library{"libwebp.so.7"};
+  LoadedLibrary library{kWebpLibrary};
   ORVO_LIBRARY_CALL(WebPConfigInitInternal);
   ORVO_LIBRARY_CALL(WebPPictureInitInternal);
   ORVO_LIBRARY_CALL(WebPPictureAlloc);

@@ -17,6 +17,7 @@ TEST_F(RefusalsTest, WhatCannotBeDoneIsToldAndTouchesNothing) {
   save("face.bmp", Portrait());
   save("page.bmp", pictures::Noise(16, 8, 1, 3));
   save("four.bmp", pictures::Noise(16, 8, 4, 3));
+  save("wide.bmp", pictures::Noise(16384, 1, 1, 3));
   save("gray.bmp", pictures::Noise(12, 5, 8, 4));
   save("palette.bmp", pictures::NoiseInColor(12, 5, 8, 4));
   fs::create_directory("sub");
