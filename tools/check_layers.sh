@@ -26,7 +26,8 @@ modules/pictures: modules/common platform
 modules/ltkrn13n: modules/common contract platform
 modules/ltimg13n: modules/common contract
 modules/ltfil13n: modules/pictures modules/common contract platform
-modules/pdflib: modules/pictures contract platform
+modules/documents: modules/pictures
+modules/pdflib: modules/documents modules/pictures contract platform
 apps/orvo: table dib platform modules/pictures modules/common
 examples: table dib
 '
@@ -50,7 +51,7 @@ function room_of(path) {
 function target_of(from, form, header) {
   if (form == "<") return substr(header, 1, 5) == "orvo/" ? header_room[substr(header, 6)] : ""
   if (header !~ /\//) return from
-  if (header ~ /^(common|pictures|ltkrn13n|ltimg13n|ltfil13n|pdflib)\//) header = "modules/" header
+  if (header ~ /^(common|pictures|documents|ltkrn13n|ltimg13n|ltfil13n|pdflib)\//) header = "modules/" header
   else if (header !~ /^modules\//) header = "src/" header
   return room_of(header)
 }

@@ -1,31 +1,14 @@
-// A PDF document in the making.
+// A PDF document in the making, as the entry points make it.
 #ifndef MODULES_PDFLIB_DOCUMENT_H
 #define MODULES_PDFLIB_DOCUMENT_H
 
-#include <filesystem>
 #include <map>
-#include <memory>
 #include <optional>
-#include <qpdf/QPDF.hh>
-#include <qpdf/QPDFObjectHandle.hh>
-#include <string>
 #include <string_view>
 
 #include "binding/module_contract.h"
-#include "pdflib/picture_coding.h"
-#include "pdflib/spool.h"
-
-namespace modules {
-
-// A page that is being drawn. Measures in points.
-struct OpenPage {
-  double width = 0;
-  double height = 0;
-  std::string content;
-  QPDFObjectHandle images = QPDFObjectHandle::newDictionary();  // by their names
-};
-
-}  // namespace modules
+#include "documents/document_file.h"
+#include "documents/picture_coding.h"
 
 // Throws when the disk or memory gives out; the entry points turn that into their answers.
 struct PdfDocument {
@@ -55,7 +38,7 @@ struct PdfDocument {
   // From now on close() leaves no file: what it would write lacks a part.
   void spoil() { spoiled_ = true; }
   // A page that fails behind others looks to the caller like the end of the file.
-  void spoilUnlessEmpty() { spoiled_ = spoiled_ || pageCount_ > 0; }
+  void spoilUnlessEmpty() { spoiled_ = spoiled_ || (file_ && file_->pageCount() > 0); }
   // Writes the document in one step. A spoiled one, and one without pages, leaves no file.
   void close();
 
@@ -65,18 +48,14 @@ struct PdfDocument {
     QPDFObjectHandle object;
   };
 
-  void write(const std::filesystem::path& path);
-
   std::filesystem::path target_;
   bool targetIsNew_ = false;
   bool spoiled_ = false;
-  std::shared_ptr<modules::Spool> spool_;
-  QPDF pdf_;
+  std::optional<modules::DocumentFile> file_;
   modules::PictureFiles sources_;
   std::map<int, Image> images_;
   int lastImage_ = -1;
   std::optional<modules::OpenPage> page_;
-  int pageCount_ = 0;
 };
 
 #endif  // MODULES_PDFLIB_DOCUMENT_H

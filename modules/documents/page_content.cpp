@@ -1,4 +1,4 @@
-#include "pdflib/page_content.h"
+#include "documents/page_content.h"
 
 #include <array>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Group 4 coding. The TIFF library has the encoder: it writes a file of one strip beside the spool,
 // of which the document takes the strip alone.
-#include "pdflib/picture_coding.h"
+#include "documents/picture_coding.h"
 #include "pictures/temporary_file.h"
 #include "pictures/tiff_page.h"
 

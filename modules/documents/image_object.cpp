@@ -1,4 +1,4 @@
-#include "pdflib/image_object.h"
+#include "documents/image_object.h"
 
 namespace modules {
 namespace {

@@ -1,4 +1,4 @@
-#include "pdflib/picture_coding.h"
+#include "documents/picture_coding.h"
 
 #include <algorithm>
 #include <qpdf/Pl_Flate.hh>

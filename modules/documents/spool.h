@@ -1,7 +1,7 @@
 // Where coded pictures wait until the document is written. A document may have any number of pages;
 // in memory there is never more than the one at work.
-#ifndef MODULES_PDFLIB_SPOOL_H
-#define MODULES_PDFLIB_SPOOL_H
+#ifndef MODULES_DOCUMENTS_SPOOL_H
+#define MODULES_DOCUMENTS_SPOOL_H
 
 #include <cstdint>
 #include <fstream>
@@ -44,4 +44,4 @@ class Spool {
 
 }  // namespace modules
 
-#endif  // MODULES_PDFLIB_SPOOL_H
+#endif  // MODULES_DOCUMENTS_SPOOL_H

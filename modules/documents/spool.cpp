@@ -1,4 +1,4 @@
-#include "pdflib/spool.h"
+#include "documents/spool.h"
 
 #include <algorithm>
 #include <vector>

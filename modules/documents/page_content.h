@@ -1,6 +1,6 @@
 // The drawing instructions of one page, and the measures of what is drawn.
-#ifndef MODULES_PDFLIB_PAGE_CONTENT_H
-#define MODULES_PDFLIB_PAGE_CONTENT_H
+#ifndef MODULES_DOCUMENTS_PAGE_CONTENT_H
+#define MODULES_DOCUMENTS_PAGE_CONTENT_H
 
 #include <string>
 
@@ -30,4 +30,4 @@ std::string PlaceContent(const std::string& name, const Picture& picture, double
 
 }  // namespace modules
 
-#endif  // MODULES_PDFLIB_PAGE_CONTENT_H
+#endif  // MODULES_DOCUMENTS_PAGE_CONTENT_H

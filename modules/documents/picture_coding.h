@@ -1,12 +1,12 @@
 // Pictures out of files, coded as a document holds them.
-#ifndef MODULES_PDFLIB_PICTURE_CODING_H
-#define MODULES_PDFLIB_PICTURE_CODING_H
+#ifndef MODULES_DOCUMENTS_PICTURE_CODING_H
+#define MODULES_DOCUMENTS_PICTURE_CODING_H
 
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "pdflib/spool.h"
+#include "documents/spool.h"
 #include "pictures/picture.h"
 
 namespace modules {
@@ -66,4 +66,4 @@ constexpr std::uint8_t OnWhite(std::uint8_t tone, std::uint8_t alpha) {
 
 }  // namespace modules
 
-#endif  // MODULES_PDFLIB_PICTURE_CODING_H
+#endif  // MODULES_DOCUMENTS_PICTURE_CODING_H

@@ -1,12 +1,12 @@
 // Coded pictures as objects of a PDF document.
-#ifndef MODULES_PDFLIB_IMAGE_OBJECT_H
-#define MODULES_PDFLIB_IMAGE_OBJECT_H
+#ifndef MODULES_DOCUMENTS_IMAGE_OBJECT_H
+#define MODULES_DOCUMENTS_IMAGE_OBJECT_H
 
 #include <memory>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 
-#include "pdflib/picture_coding.h"
+#include "documents/picture_coding.h"
 
 namespace modules {
 
@@ -16,4 +16,4 @@ QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
 
 }  // namespace modules
 
-#endif  // MODULES_PDFLIB_IMAGE_OBJECT_H
+#endif  // MODULES_DOCUMENTS_IMAGE_OBJECT_H
