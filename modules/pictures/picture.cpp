@@ -50,6 +50,14 @@ void RequireMemory(std::uint64_t bytes) {
   Require(bytes <= OrvoLimitFiles(nullptr)->memory, kModuleNoMemory);
 }
 
+std::optional<CodedParts> PictureReader::codedParts() {
+  const auto stretch = codedStretch();
+  if (!stretch) return std::nullopt;
+  return CodedParts{.coding = stretch->coding,
+                    .bits = picture_.bits,
+                    .stretches = {{stretch->start, stretch->bytes}}};
+}
+
 std::int32_t PixelsPerMetreOf(double dots, double metres) {
   const double value = std::round(dots / metres);
   return value > 0 && value <= orvo::kMostResolution ? static_cast<std::int32_t>(value) : 0;

@@ -30,6 +30,7 @@ struct Picture {
   std::vector<RGBQUAD> palette = {};  // of the indexes; with alpha, that is the fourth byte
   bool bottomUp = false;              // the lowest row comes first
   int orientation = kUpright;
+  int narrowedFrom = 0;  // bits of a sample in the file, when the rows have fewer; else 0
   // 0 when the file does not tell.
   std::int32_t xPixelsPerMetre = 0;
   std::int32_t yPixelsPerMetre = 0;
@@ -52,6 +53,7 @@ struct Picture {
 enum class Coding : std::uint8_t {
   kFlate,
   kFlateDifferences,  // each component as the difference from its left neighbour
+  kFlateFilters,      // rows that each begin with the number of their filter, as PNG has them
   kFax,               // group 4, highest bit first; coded black is bit 1
   kJpeg,
   kJpegOfRgb,  // the components are red, green and blue themselves
@@ -72,6 +74,19 @@ struct Attachments {
   // Of the colours where there is no profile: code points of video, 2 tells nothing.
   int primaries = 2;
   int transfer = 2;
+};
+
+// What documents can hold as it is, though it lies in several stretches, or needs something before
+// it.
+struct CodedParts {
+  Coding coding{};
+  int bits = 8;  // of a component
+  std::vector<std::uint8_t> head = {};
+  struct Stretch {
+    std::uint64_t start = 0;  // in bytes, as is the length
+    std::uint64_t bytes = 0;
+  };
+  std::vector<Stretch> stretches = {};
 };
 
 // Reads one file, in this order: goTo, start, then each row once. Failures throw, as a rule a
@@ -105,6 +120,8 @@ class PictureReader {
   [[nodiscard]] virtual bool isWhole() const { return true; }
   [[nodiscard]] virtual std::optional<CodedStretch> codedStretch() const { return std::nullopt; }
   [[nodiscard]] virtual Attachments attachments() const { return {}; }
+  // The same for more kinds of data. Asked for before the rows are read.
+  [[nodiscard]] virtual std::optional<CodedParts> codedParts();
 
  protected:
   virtual bool readHeader(int page) = 0;

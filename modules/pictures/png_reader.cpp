@@ -57,6 +57,17 @@ class PngReader : public PictureReader {
     endStep();
   }
 
+  // One row after the other, without opacity beside the pixels.
+  [[nodiscard]] std::optional<CodedParts> codedParts() override {
+    const bool hasRows = png_get_interlace_type(png_, info_) == PNG_INTERLACE_NONE;
+    if (!hasRows || (picture_.hasAlpha && picture_.palette.empty())) return std::nullopt;
+    CodedParts parts{
+        .coding = Coding::kFlateFilters, .bits = bits_, .stretches = FindPngPixels(file_.get())};
+    const auto& last = parts.stretches.back();
+    if (last.start + last.bytes > FileSize(path_)) return std::nullopt;
+    return parts;
+  }
+
  private:
   template <class Calls>
   void run(const Calls& calls) {
@@ -78,7 +89,9 @@ class PngReader : public PictureReader {
     } else if (picture_.hasAlpha || !picture_.isGray) {
       picture_.samples = picture_.hasAlpha ? 4 : 3;
     }
-    if (picture_.samples == 1) picture_.bits = png_get_bit_depth(png_, info_);
+    bits_ = png_get_bit_depth(png_, info_);
+    if (picture_.samples == 1) picture_.bits = bits_;
+    if (bits_ > picture_.bits) picture_.narrowedFrom = bits_;
     takeResolution();
     picture_.orientation = ReadPngOrientation(file_.get());
   }
@@ -136,6 +149,7 @@ class PngReader : public PictureReader {
   png_structp png_;
   png_infop info_;
   FileHandle file_;
+  int bits_ = 8;                          // of a sample in the file
   std::vector<std::uint8_t> interlaced_;  // all rows, for interlaced files only
   std::size_t rowBytes_ = 0;
   std::size_t nextRow_ = 0;

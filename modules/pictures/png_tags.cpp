@@ -80,22 +80,34 @@ std::optional<int> OrientationOfDigits(const std::string& text) {
   return tags.orientation;
 }
 
-}  // namespace
-
-int ReadPngOrientation(std::FILE* file) {
+// Calls visit(name, length) for each chunk until it answers false; the file then stands at the
+// chunk's data. Leaves the file where it was.
+template <class Visit>
+void ForEachChunk(std::FILE* file, const Visit& visit) {
   const long before = std::ftell(file);
-  std::optional<int> found;
   std::array<std::uint8_t, kStartBytes> start{};
   for (long at = kMarkBytes; std::fseek(file, at, SEEK_SET) == 0 &&
                              std::fread(start.data(), 1, start.size(), file) == start.size();) {
     const std::uint32_t length = std::uint32_t{start[0]} << 24 | std::uint32_t{start[1]} << 16 |
                                  std::uint32_t{start[2]} << 8 | start[3];
     const std::string_view name(reinterpret_cast<const char*>(&start[4]), 4);
+    if (!visit(name, length) || name == "IEND") break;
+    at += static_cast<long>(kStartBytes + length) + kSumBytes;
+  }
+  std::clearerr(file);
+  (void)std::fseek(file, before, SEEK_SET);
+}
+
+}  // namespace
+
+int ReadPngOrientation(std::FILE* file) {
+  std::optional<int> found;
+  ForEachChunk(file, [&](std::string_view name, std::uint32_t length) {
     if (name == "eXIf") {
       Picture tags;
       ReadExif(ReadData(file, length), tags);
       found = tags.orientation;
-      break;
+      return false;
     }
     if (name == "iTXt" && !found) {
       const std::vector<std::uint8_t> data = ReadData(file, length);
@@ -106,12 +118,18 @@ int ReadPngOrientation(std::FILE* file) {
           TextUnder("Raw profile type exif", ReadData(file, length), name == "zTXt");
       if (const auto orientation = OrientationOfDigits(text)) found = orientation;
     }
-    if (name == "IEND") break;
-    at += static_cast<long>(kStartBytes + length) + kSumBytes;
-  }
-  std::clearerr(file);
-  (void)std::fseek(file, before, SEEK_SET);
+    return true;
+  });
   return found.value_or(kUpright);
+}
+
+std::vector<CodedParts::Stretch> FindPngPixels(std::FILE* file) {
+  std::vector<CodedParts::Stretch> found;
+  ForEachChunk(file, [&](std::string_view name, std::uint32_t length) {
+    if (name == "IDAT") found.push_back({static_cast<std::uint64_t>(std::ftell(file)), length});
+    return true;
+  });
+  return found;
 }
 
 }  // namespace modules

@@ -161,6 +161,7 @@ void DescribeRows(TiffPage& page) {
     picture.reversed = page.whiteIsZero;
   } else {
     picture.samples = picture.hasAlpha ? 4 : picture.isGray ? 1 : 3;
+    if (page.bits > picture.bits) picture.narrowedFrom = page.bits;
   }
 }
 

@@ -89,7 +89,40 @@ class TiffReader : public PictureReader {
                         .bytes = TIFFGetStrileByteCount(tiff, 0)};
   }
 
+  // One strip that is a JPEG file, but for tables that several would share.
+  [[nodiscard]] std::optional<CodedParts> codedParts() override {
+    TIFF* const tiff = tiff_.get();
+    const bool isPlain = page_.compression == COMPRESSION_JPEG && page_.bits == 8 &&
+                         !page_.planar && TIFFIsTiled(tiff) == 0 && TIFFNumberOfStrips(tiff) == 1;
+    const bool isTones = page_.kind == Kind::kGray && page_.samples == 1 && !page_.whiteIsZero;
+    const bool isColors = page_.kind == Kind::kRgb && page_.samples == 3;
+    if (!isPlain || !(isTones || isColors)) {
+      return PictureReader::codedParts();
+    }
+    std::uint16_t photometric = PHOTOMETRIC_YCBCR;
+    (void)TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric);
+    CodedParts parts{
+        .coding = photometric == PHOTOMETRIC_RGB ? Coding::kJpegOfRgb : Coding::kJpeg,
+        .stretches = {{TIFFGetStrileOffset(tiff, 0), TIFFGetStrileByteCount(tiff, 0)}}};
+    joinTables(parts);
+    return parts;
+  }
+
  private:
+  // The tables come between the mark at the begin of the strip's data and what follows it; they end
+  // with a mark of their own.
+  void joinTables(CodedParts& parts) const {
+    constexpr std::uint32_t kMarkBytes = 2;
+    const std::uint8_t* tables = nullptr;
+    std::uint32_t bytes = 0;
+    if (TIFFGetField(tiff_.get(), TIFFTAG_JPEGTABLES, &bytes, &tables) == 0) return;
+    CodedParts::Stretch& strip = parts.stretches.front();
+    if (bytes < 2 * kMarkBytes || strip.bytes < kMarkBytes) return;
+    parts.head.assign(tables, tables + (bytes - kMarkBytes));
+    strip.start += kMarkBytes;
+    strip.bytes -= kMarkBytes;
+  }
+
   // Entries have 16 bits a colour; some writers store bytes there.
   void takePalette(std::vector<RGBQUAD>& palette) const {
     std::uint16_t* red = nullptr;
