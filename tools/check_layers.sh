@@ -26,9 +26,9 @@ modules/pictures: modules/common platform
 modules/ltkrn13n: modules/common contract platform
 modules/ltimg13n: modules/common contract
 modules/ltfil13n: modules/pictures modules/common contract platform
-modules/documents: modules/pictures
+modules/documents: modules/pictures modules/common contract
 modules/pdflib: modules/documents modules/pictures contract platform
-apps/orvo: table dib platform modules/pictures modules/common
+apps/orvo: table dib platform modules/documents modules/pictures modules/common
 examples: table dib
 '
 

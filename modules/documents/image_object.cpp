@@ -5,25 +5,29 @@ namespace {
 
 using Object = QPDFObjectHandle;
 
-Object PaletteOf(const Picture& picture) {
-  std::string colors;
-  for (const RGBQUAD& entry : picture.palette) {
-    const std::uint8_t alpha = picture.hasAlpha ? entry.rgbReserved : std::uint8_t{255};
-    for (const std::uint8_t tone : {entry.rgbRed, entry.rgbGreen, entry.rgbBlue}) {
-      colors.push_back(static_cast<char>(OnWhite(tone, alpha)));
-    }
+Object BaseColorsOf(const CodedPicture& coded, Object profile) {
+  if (!profile.isNull()) {
+    return Object::newArray(std::vector<Object>{Object::newName("/ICCBased"), profile});
   }
-  const auto last = static_cast<long long>(picture.palette.size()) - 1;
-  return Object::newArray(std::vector<Object>{Object::newName("/Indexed"),
-                                              Object::newName("/DeviceRGB"),
-                                              Object::newInteger(last), Object::newString(colors)});
+  const int components = coded.colorComponents();
+  return Object::newName(components == 1   ? "/DeviceGray"
+                         : components == 3 ? "/DeviceRGB"
+                                           : "/DeviceCMYK");
 }
 
-Object ColorSpaceOf(const CodedPicture& coded) {
-  if (!coded.picture.palette.empty()) return PaletteOf(coded.picture);
-  return Object::newName(coded.components == 1   ? "/DeviceGray"
-                         : coded.components == 3 ? "/DeviceRGB"
-                                                 : "/DeviceCMYK");
+Object ColorSpaceOf(const CodedPicture& coded, Object profile) {
+  Object base = BaseColorsOf(coded, profile);
+  const std::vector<RGBQUAD>& palette = coded.picture.palette;
+  if (palette.empty()) return base;
+  std::string colors;
+  for (const RGBQUAD& entry : palette) {
+    for (const std::uint8_t tone : {entry.rgbRed, entry.rgbGreen, entry.rgbBlue}) {
+      colors.push_back(static_cast<char>(tone));
+    }
+  }
+  const auto last = static_cast<long long>(palette.size()) - 1;
+  return Object::newArray(std::vector<Object>{Object::newName("/Indexed"), base,
+                                              Object::newInteger(last), Object::newString(colors)});
 }
 
 const char* FilterOf(Coding coding) {
@@ -45,6 +49,9 @@ Object ParametersOf(const CodedPicture& coded) {
     case Coding::kFlateDifferences:
       return Object::parse("<< /Predictor 2 /Colors " + std::to_string(coded.components) + columns +
                            " >>");
+    case Coding::kFlateFilters:
+      return Object::parse("<< /Predictor 15 /Colors " + std::to_string(coded.components) +
+                           " /BitsPerComponent " + std::to_string(coded.bits) + columns + " >>");
     case Coding::kFax:
       // Group 4. The bits come out as they were in the file; which of them is black, /Decode tells.
       return Object::parse("<< /K -1 /BlackIs1 true /Rows " + std::to_string(coded.picture.height) +
@@ -58,25 +65,34 @@ Object ParametersOf(const CodedPicture& coded) {
 
 }  // namespace
 
-QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
-                                 const std::shared_ptr<Spool>& spool) {
-  const Picture& picture = coded.picture;
-  Object image = Object::newStream(&pdf);
-  image.replaceDict(Object::parse("<< /Type /XObject /Subtype /Image /Width " +
-                                  std::to_string(picture.width) + " /Height " +
-                                  std::to_string(picture.height) + " /BitsPerComponent " +
-                                  std::to_string(picture.bits) + " >>"));
-  image.replaceStreamData(
-      [spool, range = coded.data](Pipeline* pipeline) {
-        spool->copy(range, *pipeline);
+QPDFObjectHandle MakeStream(QPDF& pdf, const std::shared_ptr<Spool>& spool, Spool::Range data,
+                            const QPDFObjectHandle& filter, const QPDFObjectHandle& parameters) {
+  Object stream = Object::newStream(&pdf);
+  stream.replaceStreamData(
+      [spool, data](Pipeline* pipeline) {
+        spool->copy(data, *pipeline);
         pipeline->finish();
       },
-      Object::newName(FilterOf(coded.coding)), ParametersOf(coded));
-  image.getDict().replaceKey("/ColorSpace", ColorSpaceOf(coded));
+      filter, parameters);
+  return stream;
+}
+
+QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
+                                 const std::shared_ptr<Spool>& spool, QPDFObjectHandle profile) {
+  const Picture& picture = coded.picture;
+  Object image = MakeStream(pdf, spool, coded.data, Object::newName(FilterOf(coded.coding)),
+                            ParametersOf(coded));
+  Object dictionary = image.getDict();
+  dictionary.replaceKey("/Type", Object::newName("/XObject"));
+  dictionary.replaceKey("/Subtype", Object::newName("/Image"));
+  dictionary.replaceKey("/Width", Object::newInteger(picture.width));
+  dictionary.replaceKey("/Height", Object::newInteger(picture.height));
+  dictionary.replaceKey("/BitsPerComponent", Object::newInteger(coded.bits));
+  dictionary.replaceKey("/ColorSpace", ColorSpaceOf(coded, profile));
   if (picture.reversed) {
     std::string ranges;
     for (int i = 0; i < coded.components; ++i) ranges += " 1 0";
-    image.getDict().replaceKey("/Decode", Object::parse("[" + ranges + " ]"));
+    dictionary.replaceKey("/Decode", Object::parse("[" + ranges + " ]"));
   }
   return image;
 }

@@ -10,9 +10,15 @@
 
 namespace modules {
 
-// The image object; its bytes leave the spool when the document is written.
+// A stream whose bytes leave the spool when the document is written.
+QPDFObjectHandle MakeStream(QPDF& pdf, const std::shared_ptr<Spool>& spool, Spool::Range data,
+                            const QPDFObjectHandle& filter = QPDFObjectHandle::newNull(),
+                            const QPDFObjectHandle& parameters = QPDFObjectHandle::newNull());
+
+// profile: a stream that explains the colours; null for none.
 QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
-                                 const std::shared_ptr<Spool>& spool);
+                                 const std::shared_ptr<Spool>& spool,
+                                 QPDFObjectHandle profile = QPDFObjectHandle::newNull());
 
 }  // namespace modules
 

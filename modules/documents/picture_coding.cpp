@@ -14,6 +14,22 @@ int ComponentsOf(const Picture& picture) {
   return picture.isGray ? 1 : 3;
 }
 
+// A tone as it shows on the ground; alpha 0 is clear, 255 covers.
+std::uint8_t OnGround(std::uint8_t tone, std::uint8_t alpha, std::uint8_t ground) {
+  return static_cast<std::uint8_t>((tone * alpha + ground * (255 - alpha) + 127) / 255);
+}
+
+void LayPaletteOn(const RGBQUAD& ground, CodedPicture& coded) {
+  if (!coded.picture.hasAlpha) return;
+  for (RGBQUAD& entry : coded.picture.palette) {
+    const std::uint8_t alpha = entry.rgbReserved;
+    coded.showsGround = coded.showsGround || alpha < 255;
+    entry = {OnGround(entry.rgbBlue, alpha, ground.rgbBlue),
+             OnGround(entry.rgbGreen, alpha, ground.rgbGreen),
+             OnGround(entry.rgbRed, alpha, ground.rgbRed), 255};
+  }
+}
+
 // Photographs shrink by a third more as differences; palette indexes and few bits would grow.
 bool GainsByDifferences(const Picture& picture) {
   return picture.bits == 8 && picture.palette.empty();
@@ -42,8 +58,11 @@ Spool::Range Deflate(DocumentRows& rows, bool differences, Spool& spool) {
 
 }  // namespace
 
-DocumentRows::DocumentRows(PictureReader& reader)
-    : reader_(reader), picture_(reader.picture()), components_(ComponentsOf(picture_)) {}
+DocumentRows::DocumentRows(PictureReader& reader, const RGBQUAD& ground)
+    : reader_(reader),
+      picture_(reader.picture()),
+      ground_(ground),
+      components_(ComponentsOf(picture_)) {}
 
 std::vector<std::uint8_t>& DocumentRows::next() {
   row_.resize(picture_.rowBytes());
@@ -58,8 +77,10 @@ void DocumentRows::convert() {
   for (std::size_t x = 0; x < static_cast<std::size_t>(picture_.width); ++x) {
     const std::uint8_t* const from = row_.data() + step * x;
     const std::uint8_t alpha = step == 4 ? from[3] : 255;
-    const std::uint8_t tones[] = {OnWhite(from[2], alpha), OnWhite(from[1], alpha),
-                                  OnWhite(from[0], alpha)};
+    showsGround_ = showsGround_ || alpha < 255;
+    const std::uint8_t tones[] = {OnGround(from[2], alpha, ground_.rgbRed),
+                                  OnGround(from[1], alpha, ground_.rgbGreen),
+                                  OnGround(from[0], alpha, ground_.rgbBlue)};
     out = std::copy_n(tones, components_, out);
   }
   row_.resize(static_cast<std::size_t>(out - row_.data()));
@@ -67,17 +88,38 @@ void DocumentRows::convert() {
 
 namespace {
 
-// What is passed through is decoded all the same: damage is met here and not in the document.
-CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& spool) {
+std::optional<CodedParts> PartsOf(PictureReader& reader, const CodingRules& rules) {
+  if (!rules.takesParts && !reader.codedStretch()) return std::nullopt;
+  auto parts = reader.codedParts();
+  if (!parts) return parts;
+  // Deflated black and white is smaller in group 4.
+  if (parts->coding == Coding::kFlateFilters && parts->bits == 1) return std::nullopt;
+  Require(std::ranges::any_of(parts->stretches, [](const auto& part) { return part.bytes > 0; }),
+          kFileFormatDamaged);
+  return parts;
+}
+
+Spool::Range TakeParts(const CodedParts& parts, const std::string& path, Spool& spool) {
+  const std::uint64_t start = spool.size();
+  spool.append(parts.head.data(), parts.head.size());
+  for (const auto& stretch : parts.stretches) (void)spool.take(path, stretch.start, stretch.bytes);
+  return spool.rangeSince(start);
+}
+
+}  // namespace
+
+CodedPicture CodePicture(PictureReader& reader, const std::string& path, const CodingRules& rules,
+                         Spool& spool) {
   reader.start();
   const Picture& picture = reader.picture();
-  DocumentRows rows(reader);
-  CodedPicture coded{.picture = picture, .components = rows.components()};
-  if (const auto stretch = reader.codedStretch()) {
-    Require(stretch->bytes > 0, kFileFormatDamaged);
+  DocumentRows rows(reader, rules.ground);
+  CodedPicture coded{.picture = picture, .bits = picture.bits, .components = rows.components()};
+  if (const auto parts = PartsOf(reader, rules)) {
     for (int y = 0; y < rows.height(); ++y) (void)rows.next();
-    coded.coding = stretch->coding;
-    coded.data = spool.take(path, stretch->start, stretch->bytes);
+    coded.coding = parts->coding;
+    coded.bits = parts->bits;
+    coded.data = TakeParts(*parts, path, spool);
+    coded.isFromFile = true;
   } else if (picture.bits == 1) {
     coded.coding = Coding::kFax;
     coded.data = EncodeFax(rows, spool);
@@ -87,8 +129,12 @@ CodedPicture CodePicture(PictureReader& reader, const std::string& path, Spool& 
     coded.data = Deflate(rows, differences, spool);
   }
   Require(reader.isWhole(), kFileFormatDamaged);
+  coded.showsGround = rows.showsGround();
+  LayPaletteOn(rules.ground, coded);
   return coded;
 }
+
+namespace {
 
 struct Type {
   std::string_view name;
@@ -101,7 +147,7 @@ constexpr Type kTypes[] = {
 }  // namespace
 
 std::optional<CodedPicture> PictureFiles::take(std::string_view type, const std::string& path,
-                                               int page, Spool& spool) {
+                                               int page, Spool& spool, const CodingRules& rules) {
   const auto* const kind = std::ranges::find(kTypes, type, &Type::name);
   Require(kind != std::end(kTypes), kFileFormatNotRead);
   Require(!kind->hasPages || page >= 1, kModuleBadParameter);
@@ -109,10 +155,10 @@ std::optional<CodedPicture> PictureFiles::take(std::string_view type, const std:
     reader_.reset();
     path_ = path;
     hasPages_ = kind->hasPages;
-    reader_ = kind->open(path_.c_str(), nullptr);
+    reader_ = kind->open(path_.c_str(), report_);
   }
   if (!reader_->goTo(kind->hasPages ? page : 1)) return std::nullopt;
-  return CodePicture(*reader_, path_, spool);
+  return CodePicture(*reader_, path_, rules, spool);
 }
 
 }  // namespace modules
