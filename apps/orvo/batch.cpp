@@ -55,6 +55,7 @@ class Session {
     Job job{.toolkit = toolkit_,
             .parameters = request_.parameters,
             .furtherTargets = furtherTargets_,
+            .document = document_ ? &document_->pages() : nullptr,
             .source = task.source,
             .target = task.target,
             .quality = quality_};
@@ -73,26 +74,28 @@ class Session {
     TellFailure(job.source.empty() ? request_.operation->name : job.source, code, job.hint);
   }
 
-  // Ends a document: makes it of its pages unless one of them is missing.
-  void complete(const Plan& plan) {
-    Job job{.toolkit = toolkit_,
-            .parameters = request_.parameters,
-            .furtherTargets = furtherTargets_,
-            .source = plan.tasks.front().target,
-            .target = request_.parameters.text("output")};
-    if (done_ < plan.tasks.size()) {
-      TellWarning(job.target, "not written, since pages are missing");
-    } else {
-      BeginStep(job.target, std::string(request_.operation->name));
-      const int code = request_.operation->finish(job);
-      ClearProgress();
-      if (code != ORVO_OK) {
-        incomplete_ = true;
-        TellFailure(job.target, code, "the document could not be written");
-      }
+  // Of a command that makes one document of all files. False when nothing can be written there.
+  bool beginDocument() {
+    const std::string& target = request_.parameters.text("output");
+    document_.emplace(request_.parameters);
+    if (*document_) return true;
+    TellFailure(target, ORVO_ERR_FILE_OPEN, "the document could not be written");
+    return false;
+  }
+
+  // Ends the document unless one of its pages is missing.
+  void completeDocument(std::size_t planned) {
+    const std::string& target = request_.parameters.text("output");
+    if (done_ < planned) {
+      TellWarning(target, "not written, since pages are missing");
+      return;
     }
-    std::error_code ignored;
-    std::filesystem::remove(job.source, ignored);
+    BeginStep(target, "writing");
+    const int code = document_->finish();
+    ClearProgress();
+    if (code == ORVO_OK) return;
+    incomplete_ = true;
+    TellFailure(target, code, "the document could not be written");
   }
 
   ExitStatus finish(std::size_t planned) {
@@ -122,6 +125,7 @@ class Session {
   COrvoInstance& toolkit_;
   const Request& request_;
   FurtherTargets furtherTargets_;
+  std::optional<CallDocument> document_;
   bool json_;
   int quality_;
   Report::List entries_;
@@ -179,11 +183,13 @@ ExitStatus Run(COrvoInstance& toolkit, const Request& request) {
   }
   SetLimits(request.parameters);
   Session session(toolkit, request);
+  const bool makesDocument = request.operation->subject == Subject::kDocument;
+  if (makesDocument && !session.beginDocument()) return kSomeFailed;
   for (const Task& task : plan.tasks) {
     if (Interrupted()) break;
     session.work(task);
   }
-  if (request.operation->finish != nullptr) session.complete(plan);
+  if (makesDocument) session.completeDocument(plan.tasks.size());
   if (!SyncNewResults()) Tell("warning: the results may not have reached the disk");
   return session.finish(plan.tasks.size());
 }

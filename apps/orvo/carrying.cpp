@@ -55,10 +55,7 @@ int Save(Job& job) {
 
 int CarryPicture(const Operation& operation, Job& job) {
   int code = ORVO_OK;
-  if (operation.subject == Subject::kDocument) code = MindOtherPages(job);
-  if (code == ORVO_OK && operation.loads && operation.subject != Subject::kToolkit) {
-    code = Load(job);
-  }
+  if (operation.loads && operation.subject != Subject::kToolkit) code = Load(job);
   if (code == ORVO_OK) code = Work(operation, job);
   const bool saves = operation.subject == Subject::kPictures && !job.target.empty() && !job.written;
   return code == ORVO_OK && saves ? Save(job) : code;

@@ -1,66 +1,82 @@
 #include "document.h"
 
-#include <random>
-
-#include "operations.h"
-#include "progress.h"
+#include "pages.h"
 #include "saving.h"
 
 namespace client {
 namespace {
 
-namespace fs = std::filesystem;
-
-// The flag of SaveFile that adds a page to a TIFF file.
-constexpr int kAppendPage = 1;
-
-int AddPage(Job& job) {
-  const int code = job.toolkit.SaveFile(job.image.get(), job.target.c_str(), kAppendPage, 0);
-  job.target = job.parameters.text("output");
-  return code;
+int AddAllPages(Job& job) {
+  job.staysAsItIs = true;
+  return DoPages(job, [] { return ORVO_OK; });
 }
 
-int WriteDocument(Job& job) {
-  return WriteTarget(job, [&job](const std::string& path) {
-    return job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), 0, ReportProgress);
-  });
+int AddSource(Job& job) {
+  if (HasPages(job)) return AddAllPages(job);
+  if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
+  const int code = job.document->addPage(job, 1);
+  job.document->tellLosses(job);
+  return code;
 }
 
 std::string CheckDocument(const Parameters& parameters) {
   return IsDocument(parameters.text("output")) ? "" : "the name of --output has to end in .pdf";
 }
 
-constexpr Option kOptions[] = {{.name = "output",
-                                .meaning = "the document, ending in .pdf; replaced if it exists",
-                                .kind = ValueKind::kFile,
-                                .required = true,
-                                .shortName = 'o'}};
+constexpr Option kOptions[] = {
+    {.name = "output",
+     .meaning = "the document, ending in .pdf; replaced if it exists",
+     .kind = ValueKind::kFile,
+     .required = true,
+     .shortName = 'o'},
+    {.name = "title",
+     .meaning = "what the document is called; the name of its file "
+                "unless given",
+     .kind = ValueKind::kText},
+    {.name = "author", .meaning = "who has written the document", .kind = ValueKind::kText}};
 
 constexpr Operation kRows[] = {
     {.name = "pdf",
-     .summary = "Put several pictures into one PDF document, a page each",
+     .summary = "Put pictures into one PDF document, a page each, with their data as they are",
      .example = "scan1.jpg scan2.png -o book.pdf",
-     .run = AddPage,
+     .run = AddSource,
      .options = kOptions,
      .subject = Subject::kDocument,
-     .check = CheckDocument,
-     .finish = WriteDocument}};
+     .loads = false,
+     .check = CheckDocument}};
+
+std::string TextOr(const Parameters& parameters, std::string_view name, std::string fallback) {
+  return parameters.has(name) ? parameters.text(name) : std::move(fallback);
+}
 
 }  // namespace
-
-bool IsDocument(const std::string& path) {
-  const std::string extension = fs::path(path).extension().string();
-  return _mbsicmp(reinterpret_cast<const unsigned char*>(extension.c_str()),
-                  reinterpret_cast<const unsigned char*>(".pdf")) == 0;
-}
 
 Plan PlanDocument(const std::vector<std::string>& inputs, const Parameters& parameters) {
   const std::string& target = parameters.text("output");
   Plan plan;
   plan.problem = FurtherTargets(inputs).claim(target);
-  const std::string pages = target + "." + std::to_string(std::random_device{}()) + ".tif";
-  for (const std::string& input : inputs) plan.tasks.push_back({input, pages});
+  for (const std::string& input : inputs) plan.tasks.push_back({input, target});
   return plan;
+}
+
+CallDocument::CallDocument(const Parameters& parameters)
+    : result_(parameters.text("output")),
+      pages_(result_.path(), TextOr(parameters, "title", TitleOf(parameters.text("output"))),
+             TextOr(parameters, "author", {})) {}
+
+int CallDocument::finish() {
+  const int code = pages_.finish();
+  return code != ORVO_OK || result_.commit() ? code : ORVO_ERR_FILE_IO;
+}
+
+int ConvertToDocument(Job& job) {
+  if (HasPages(job)) return AddAllPages(job);
+  return WriteTarget(job, [&job](const std::string& path) {
+    DocumentTarget document(path, TitleOf(job.target));
+    const int code = document.addPage(job, 1);
+    document.tellLosses(job);
+    return code == ORVO_OK ? document.finish() : code;
+  });
 }
 
 std::span<const Operation> DocumentOperations() {

@@ -1,11 +1,11 @@
 #include "encoding.h"
 
 #include "compression.h"
+#include "document_target.h"
 #include "file_kind.h"
 #include "jpeg_patch.h"
 #include "jpeg_source.h"
 #include "messages.h"
-#include "metadata.h"
 #include "saving.h"
 #include "tiff_pages.h"
 
@@ -60,23 +60,27 @@ int SaveAs(const std::string& kind, Job& job, const std::string& path) {
 
 }  // namespace
 
-std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
-                                      const std::string& path, int resultPage) {
+MetadataRequest RequestFor(const Job& job, const Passage& passage) {
   const Shape& before = passage.before;
   const Shape& after = passage.after;
-  return KeepMetadata({.source = job.source,
-                       .page = passage.page,
-                       .result = path,
-                       .resultPage = resultPage,
-                       .strip = StripOf(job),
-                       .width = after.width,
-                       .height = after.height,
-                       .colorsChanged = after.colors == "gray" && before.colors != "gray",
-                       .inSrgb = passage.inSrgb,
-                       .newResolution = after.xDotsPerInch != before.xDotsPerInch ||
-                                        after.yDotsPerInch != before.yDotsPerInch,
-                       .xDotsPerInch = static_cast<double>(after.xDotsPerInch),
-                       .yDotsPerInch = static_cast<double>(after.yDotsPerInch)});
+  return {.source = job.source,
+          .page = passage.page,
+          .strip = StripOf(job),
+          .width = after.width,
+          .height = after.height,
+          .colorsChanged = after.colors == "gray" && before.colors != "gray",
+          .newResolution = after.xDotsPerInch != before.xDotsPerInch ||
+                           after.yDotsPerInch != before.yDotsPerInch,
+          .xDotsPerInch = static_cast<double>(after.xDotsPerInch),
+          .yDotsPerInch = static_cast<double>(after.yDotsPerInch)};
+}
+
+std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
+                                      const std::string& path, int resultPage) {
+  MetadataRequest request = RequestFor(job, passage);
+  request.result = path;
+  request.resultPage = resultPage;
+  return KeepMetadata(request);
 }
 
 void TellLosses(Job& job, const std::vector<std::string>& losses) {
@@ -105,6 +109,7 @@ int Encode(Job& job, const std::string& path) {
     return ORVO_ERR_NOT_SUPPORTED;
   }
   if (const int code = MindFurtherPictures(job); code != ORVO_OK) return code;
+  if (kind == "pdf") return SaveAsDocument(job, path);
   const int code = SaveAs(kind, job, path);
   const auto shape = ShapeOf(job.image.get());
   if (code != ORVO_OK || !shape || !job.loaded) return code;

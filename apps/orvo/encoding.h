@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "metadata.h"
 #include "operations.h"
 
 namespace client {
@@ -20,6 +21,9 @@ struct Passage {
   Shape after;
   bool inSrgb = false;  // it was brought there
 };
+
+// What is to be carried over of the source; the result is not named.
+MetadataRequest RequestFor(const Job& job, const Passage& passage);
 
 // Gives a page of a finished file what the source holds beside the picture, and tells what cannot
 // be kept. Throws MetadataFault when the file cannot be written anew.

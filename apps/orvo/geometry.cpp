@@ -90,16 +90,15 @@ bool GoesByFile(const Job& job, const ORVOIMAGEFILEINFO& info) {
   if (job.parameters.has("compression") || (kind == "png" && job.parameters.has("png-level"))) {
     return false;
   }
-  return kind == "pdf" || (!IsSameKind(job) && kind != "webp" && kind != "tiff" &&
-                           (info.bitsPerPixel != 32 || HoldsOpacity(kind)) && !job.inSrgb &&
-                           !NeedsSrgb(job));
+  return !IsSameKind(job) && kind != "webp" && kind != "tiff" &&
+         (info.bitsPerPixel != 32 || HoldsOpacity(kind)) && !job.inSrgb && !NeedsSrgb(job);
 }
 
 int ConvertByFile(Job& job, const ORVOIMAGEFILEINFO& info) {
   const int code = WriteTarget(job, [&](const std::string& path) {
     const int converted =
         job.toolkit.ConvertFile(job.source.c_str(), path.c_str(), job.quality, ReportProgress);
-    if (converted != ORVO_OK || IsDocument(job.target)) return converted;
+    if (converted != ORVO_OK) return converted;
     const Shape shape{info.width, info.height, info.bitsPerPixel, 0, 0, {}};
     return Complete(job, path, {1, shape, shape});
   });
@@ -108,12 +107,15 @@ int ConvertByFile(Job& job, const ORVOIMAGEFILEINFO& info) {
 
 // What is refused as a whole goes through memory, where more is known of what went wrong.
 int Convert(Job& job) {
-  if (HasPages(job) && !MayStayAsItIs(job) &&
-      (job.parameters.has("pages") || !IsDocument(job.target))) {
+  if (IsDocument(job.target)) {
+    job.written = true;
+    return ConvertToDocument(job);
+  }
+  if (HasPages(job) && !MayStayAsItIs(job)) {
     job.written = true;
     return DoPages(job, [] { return ORVO_OK; });
   }
-  if (!MayStayAsItIs(job) && !IsDocument(job.target)) TakeInksByProfile(job);
+  if (!MayStayAsItIs(job)) TakeInksByProfile(job);
   ORVOIMAGEFILEINFO info{};
   (void)job.toolkit.ImageFileInfo(job.source.c_str(), &info);
   if (GoesByFile(job, info)) {

@@ -20,11 +20,14 @@
 
 namespace client {
 
+class DocumentTarget;
+
 // One file on its way through one command, or one question put to the toolkit.
 struct Job {
   COrvoInstance& toolkit;
   const Parameters& parameters;
   FurtherTargets& furtherTargets;  // of the whole call
+  DocumentTarget* document;        // that the whole call makes; null when it makes none
   std::string source;
   std::string target;
   int quality = 0;  // of SaveFile
@@ -32,6 +35,7 @@ struct Job {
   orvo::OwnedDib image = {};   // loaded before and saved after the work, if the row says so
   orvo::OwnedDib before = {};  // as loaded, when it has opacity or may stay
   bool written = false;        // the work has written the target itself
+  bool staysAsItIs = false;    // there is no work: documents take pages as they are in their file
   // What does the same to the source's file without coding its picture anew, where that is
   // possible.
   std::function<Outcome(const std::string& path)> withoutLoss = {};
@@ -68,8 +72,6 @@ struct Operation {
   std::string (*check)(const Parameters& parameters) = nullptr;
   // Of pictures: an option that gives the call a sense without any target.
   std::string_view insteadOfTarget = {};
-  // Of a document: makes it from the file of all pages, once every input is in there.
-  int (*finish)(Job& job) = nullptr;
 };
 
 // The depths that the adjustments of the imaging module take.

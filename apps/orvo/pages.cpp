@@ -6,6 +6,7 @@
 #include <set>
 
 #include "compression.h"
+#include "document_target.h"
 #include "encoding.h"
 #include "file_kind.h"
 #include "metadata.h"
@@ -130,15 +131,40 @@ int WritePages(Job& job, Walk& walk, const std::string& path) {
   return code == ORVO_OK ? TakeAllMetadata(job, walk, path) : code;
 }
 
+// Pages that nothing changed go into the document as they are in their file.
+int AddPages(Job& job, Walk& walk, DocumentTarget& document) {
+  for (const int page : walk.pages()) {
+    bool isAsItWas = job.staysAsItIs;
+    if (isAsItWas) {
+      BeginStep(job.source, "page " + std::to_string(page));
+    } else {
+      if (const int code = walk.step(page); code != ORVO_OK) return code;
+      isAsItWas = AreTheSame(job.before.get(), job.image.get());
+    }
+    int code = isAsItWas ? document.addPage(job, page) : MindSampleBits(job);
+    if (code == ORVO_OK && !isAsItWas) code = document.addPicture(job);
+    if (code != ORVO_OK) {
+      if (job.hint.empty()) job.hint = "page " + std::to_string(page);
+      return code;
+    }
+  }
+  document.tellLosses(job);
+  return ORVO_OK;
+}
+
+int IntoNewDocument(Job& job, Walk& walk) {
+  job.changed = true;
+  if (job.document != nullptr) return AddPages(job, walk, *job.document);
+  return WriteTarget(job, [&](const std::string& path) {
+    DocumentTarget document(path, TitleOf(job.target));
+    const int code = AddPages(job, walk, document);
+    return code == ORVO_OK ? document.finish() : code;
+  });
+}
+
 int IntoOneFile(Job& job, Walk& walk) {
   Replacement result(job.target);
-  const bool isDocument = KindOfName(job.target) == "pdf";
-  const std::string path =
-      isDocument ? fs::path(result.path()).replace_filename("pages.tif").string() : result.path();
-  int code = result ? WritePages(job, walk, path) : ORVO_ERR_FILE_OPEN;
-  if (code == ORVO_OK && isDocument) {
-    code = job.toolkit.ConvertFile(path.c_str(), result.path().c_str(), 0, ReportProgress);
-  }
+  int code = result ? WritePages(job, walk, result.path()) : ORVO_ERR_FILE_OPEN;
   if (code == ORVO_OK && !walk.hasChanged() && MayStayAsItIs(job)) return KeepAsItIs(job);
   if (code == ORVO_OK && !result.commit()) code = ORVO_ERR_FILE_IO;
   if (code != ORVO_OK && job.hint.empty()) job.hint = "while writing " + job.target;
@@ -204,7 +230,9 @@ int DoPages(Job& job, const std::function<int()>& work) {
     return ORVO_ERR_NOT_SUPPORTED;
   }
   const std::string kind = KindOfName(job.target);
-  const int code = kind == "tiff" || kind == "pdf" ? IntoOneFile(job, walk) : IntoFiles(job, walk);
+  const int code = IsDocument(job.target) ? IntoNewDocument(job, walk)
+                   : kind == "tiff"       ? IntoOneFile(job, walk)
+                                          : IntoFiles(job, walk);
   walk.report();
   return code;
 }

@@ -13,7 +13,7 @@ namespace client {
 namespace {
 
 bool HoldsProfile(std::string_view kind) {
-  constexpr std::string_view kKinds[] = {"jpeg", "png", "tiff", "psd", "webp"};
+  constexpr std::string_view kKinds[] = {"jpeg", "png", "tiff", "psd", "webp", "pdf"};
   return std::ranges::find(kKinds, kind) != std::end(kKinds);
 }
 

@@ -40,6 +40,13 @@ std::string NameOfKind(const std::string& path) {
   return name;
 }
 
+// The colours that profiles in documents explain.
+struct Space {
+  std::string_view name;
+  int components;
+};
+constexpr Space kSpaces[] = {{"GRAY", 1}, {"RGB", 3}, {"CMYK", 4}};
+
 // What cannot be read is told and left out; the picture itself could be.
 void Read(const MetadataRequest& request, Carried& carried) {
   try {
@@ -167,6 +174,39 @@ void Write(const MetadataRequest& request, Carried& carried) {
 }
 
 }  // namespace
+
+DocumentMetadata TakeForDocument(const MetadataRequest& request, PictureIs picture) {
+  Carried carried;
+  Read(request, carried);
+  if (picture == PictureIs::kUpright) {
+    if (request.colorsChanged) DropColors(carried);
+    BringAllUpToDate(request, carried);
+  }
+  TakeOff(request.strip, carried);
+  DocumentMetadata taken;
+  taken.profile = std::move(carried.profile);
+  taken.xmp = std::move(carried.xmp);
+  const auto* const space =
+      std::ranges::find(kSpaces, ColorsOfProfile(taken.profile), &Space::name);
+  if (space != std::end(kSpaces)) taken.components = space->components;
+  carried.profile.clear();
+  carried.xmp.clear();
+  std::erase_if(carried.chunks, [](const PngChunk& chunk) {
+    return chunk.type == "gAMA" || chunk.type == "cHRM";  // what shows pictures knows no others
+  });
+  carried.loseAll("PDF");
+  taken.lost = std::move(carried.lost);
+  return taken;
+}
+
+void DocumentMetadata::fitTo(int pictureComponents) {
+  if (components == pictureComponents) return;
+  const auto* const space = std::ranges::find(kSpaces, pictureComponents, &Space::components);
+  Carried carried;
+  carried.profile = profile;
+  carried.fitProfile(space == std::end(kSpaces) ? "of other colors" : space->name);
+  lost.insert(lost.end(), carried.lost.begin(), carried.lost.end());
+}
 
 std::vector<std::string> KeepMetadata(const MetadataRequest& request) {
   Carried carried;

@@ -40,6 +40,21 @@ std::vector<std::string> KeepMetadata(const MetadataRequest& request);
 // or one for what it tells otherwise. Empty when it tells nothing.
 std::vector<std::uint8_t> ReadColorProfile(const std::string& path, int page);
 
+// What goes into a document with a picture.
+struct DocumentMetadata {
+  Bytes profile{};
+  int components = 0;  // of the colours that it explains: 1, 3 or 4; 0 for others, and for none
+  std::string xmp{};
+  std::vector<std::string> lost{};  // as KeepMetadata tells it
+
+  // Tells the profile among what is lost, when it is for other colours than the picture's.
+  void fitTo(int pictureComponents);
+};
+// As it was: turned and coloured as in its file.
+enum class PictureIs { kUpright, kAsItWas };
+// Of the request, what tells of the result counts for upright pictures alone.
+DocumentMetadata TakeForDocument(const MetadataRequest& request, PictureIs picture);
+
 // Wipes out the preview of a JPEG file whose picture was changed where it lies; nothing else
 // changes. Throws MetadataFault when the file could not be written anew.
 void WipeJpegPreview(const std::string& path);
