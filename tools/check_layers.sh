@@ -26,7 +26,7 @@ modules/pictures: modules/common platform
 modules/ltkrn13n: modules/common contract platform
 modules/ltimg13n: modules/common contract
 modules/ltfil13n: modules/pictures modules/common contract platform
-modules/documents: modules/pictures modules/common contract
+modules/documents: modules/pictures modules/common
 modules/pdflib: modules/documents modules/pictures contract platform
 apps/orvo: table dib platform modules/documents modules/pictures modules/common
 examples: table dib

@@ -1,5 +1,6 @@
 #include "carrying.h"
 
+#include "document_target.h"
 #include "messages.h"
 #include "opacity.h"
 #include "pages.h"
@@ -26,7 +27,8 @@ int Load(Job& job) {
   const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
   if (code == ORVO_OK) TakeInksByProfile(job);
   job.loaded = ShapeOf(job.image.get());
-  if (code != ORVO_OK || !(IsSameKind(job) || HasOpacity(job.image.get()))) return code;
+  const bool mayStay = IsSameKind(job) || IsDocument(job.target);
+  if (code != ORVO_OK || !(mayStay || HasOpacity(job.image.get()))) return code;
   job.before = Copied(job.image.get());
   return job.before ? ORVO_OK : ORVO_ERR_NO_MEMORY;
 }

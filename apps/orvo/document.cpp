@@ -14,7 +14,7 @@ int AddAllPages(Job& job) {
 int AddSource(Job& job) {
   if (HasPages(job)) return AddAllPages(job);
   if (const int code = MindOtherPages(job); code != ORVO_OK) return code;
-  const int code = job.document->addPage(job, 1);
+  const int code = job.document->addFirstPage(job);
   job.document->tellLosses(job);
   return code;
 }
@@ -45,8 +45,9 @@ constexpr Operation kRows[] = {
      .loads = false,
      .check = CheckDocument}};
 
-std::string TextOr(const Parameters& parameters, std::string_view name, std::string fallback) {
-  return parameters.has(name) ? parameters.text(name) : std::move(fallback);
+std::string TextOr(const Parameters& parameters, std::string_view name,
+                   const std::string& fallback) {
+  return parameters.has(name) ? parameters.text(name) : fallback;
 }
 
 }  // namespace
@@ -71,12 +72,17 @@ int CallDocument::finish() {
 
 int ConvertToDocument(Job& job) {
   if (HasPages(job)) return AddAllPages(job);
-  return WriteTarget(job, [&job](const std::string& path) {
+  bool isRead = false;
+  const int code = WriteTarget(job, [&](const std::string& path) {
     DocumentTarget document(path, TitleOf(job.target));
-    const int code = document.addPage(job, 1);
+    const int added = document.addFirstPage(job);
     document.tellLosses(job);
-    return code == ORVO_OK ? document.finish() : code;
+    isRead = added == ORVO_OK;
+    return isRead ? document.finish() : added;
   });
+  // The source may be to blame as well as the target.
+  if (!isRead) job.hint.clear();
+  return code;
 }
 
 std::span<const Operation> DocumentOperations() {

@@ -9,6 +9,7 @@
 #include "metadata.h"
 #include "pictures/loaded_library.h"
 #include "progress.h"
+#include "sample_depth.h"
 
 namespace client {
 namespace {
@@ -90,16 +91,9 @@ int DocumentTarget::addPage(Job& job, int page) {
   job.page = page;
   const std::string kind = KindOfFile(job.source);
   const bool leavesOut = kind == kJpeg && job.parameters.has("strip");
-  int code = ORVO_ERR_FILE_IO;
-  if (!leavesOut && std::ranges::find(kKinds, kind) != std::end(kKinds)) code = addFile(job, kind);
-  if (code == ORVO_OK || code == ORVO_ERR_CANCELLED || page > 1) return code;
-  // What reads all kinds knows more of what is wrong, and makes the best of faulty faxes.
-  code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
-  job.loaded = ShapeOf(job.image.get());
-  return code == ORVO_OK ? addPicture(job) : code;
-}
-
-int DocumentTarget::addFile(Job& job, const std::string& kind) {
+  if (leavesOut || std::ranges::find(kKinds, kind) == std::end(kKinds)) {
+    return ORVO_ERR_NOT_SUPPORTED;
+  }
   DocumentMetadata metadata =
       TakeForDocument(RequestFor(job, {job.page, {}, {}}), PictureIs::kAsItWas);
   modules::PageFacts facts;
@@ -119,8 +113,10 @@ int DocumentTarget::addPicture(Job& job) {
       RequestFor(job, {job.page, job.loaded.value_or(*shape), *shape}), PictureIs::kUpright);
   modules::PageFacts facts;
   const int code = maker_->addBitmap(job.image.get(), ExtrasOf(job, metadata), facts);
-  if (code == kModuleSuccess) note(metadata, facts);
-  return ResultOf(code);
+  if (code != kModuleSuccess) return ResultOf(code);
+  if (const int bits = SampleBits(job.source, job.page); bits > 8) facts.narrowedFrom = bits;
+  note(metadata, facts);
+  return ORVO_OK;
 }
 
 void DocumentTarget::note(DocumentMetadata& metadata, const modules::PageFacts& facts) {
@@ -148,9 +144,19 @@ int DocumentTarget::finish() {
   return maker_ ? ResultOf(maker_->write(path_.c_str())) : ORVO_ERR_FAILURE;
 }
 
+int DocumentTarget::addFirstPage(Job& job) {
+  int code = addPage(job, 1);
+  if (code == ORVO_OK || code == ORVO_ERR_CANCELLED || code == ORVO_ERR_NO_VENDOR) return code;
+  code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
+  job.loaded = ShapeOf(job.image.get());
+  return code == ORVO_OK ? addPicture(job) : code;
+}
+
 int SaveAsDocument(Job& job, const std::string& path) {
   DocumentTarget document(path, TitleOf(job.target));
-  const int code = document.addPicture(job);
+  const bool isAsItWas = job.before && AreTheSame(job.before.get(), job.image.get());
+  int code = isAsItWas ? document.addPage(job, job.page) : ORVO_ERR_NOT_SUPPORTED;
+  if (code != ORVO_OK && code != ORVO_ERR_CANCELLED) code = document.addPicture(job);
   document.tellLosses(job);
   return code == ORVO_OK ? document.finish() : code;
 }

@@ -25,8 +25,12 @@ class DocumentTarget {
   // Writes at `path`, once all pages are there; until then they wait in the same folder.
   DocumentTarget(std::string path, std::string title, std::string author = {});
 
-  // Adds a page of the job's source as it is, its data too as far as documents can hold them.
+  // Adds a page of the job's source as it is, its data too as far as documents can hold them. After
+  // a failure the picture may still be added: some kinds of file are read by the toolkit alone, and
+  // it makes the best of faulty faxes.
   int addPage(Job& job, int page);
+  // The same of the first page, one way or the other.
+  int addFirstPage(Job& job);
   // Adds job.image, which came of the source's page job.page, without loss.
   int addPicture(Job& job);
   // Says what could not be kept of the source of the pages since the last call.
@@ -35,7 +39,6 @@ class DocumentTarget {
 
  private:
   int begin();
-  int addFile(Job& job, const std::string& kind);
   void note(DocumentMetadata& metadata, const modules::PageFacts& facts);
 
   std::string path_;
@@ -47,7 +50,7 @@ class DocumentTarget {
   int narrowedFrom_ = 0;
 };
 
-// Makes a document of one picture.
+// Makes a document of job.image, or of the source's page that it still is.
 int SaveAsDocument(Job& job, const std::string& path);
 
 }  // namespace client

@@ -131,19 +131,24 @@ int WritePages(Job& job, Walk& walk, const std::string& path) {
   return code == ORVO_OK ? TakeAllMetadata(job, walk, path) : code;
 }
 
-// Pages that nothing changed go into the document as they are in their file.
+// Pages that nothing changed go into the document as they are in their file, if they can.
+int AddPage(Job& job, Walk& walk, int page, DocumentTarget& document) {
+  if (job.staysAsItIs) {
+    BeginStep(job.source, "page " + std::to_string(page));
+    const int code = document.addPage(job, page);
+    if (code == ORVO_OK || code == ORVO_ERR_CANCELLED) return code;
+  }
+  if (const int code = walk.step(page); code != ORVO_OK) return code;
+  if (!job.staysAsItIs && AreTheSame(job.before.get(), job.image.get()) &&
+      document.addPage(job, page) == ORVO_OK) {
+    return ORVO_OK;
+  }
+  return document.addPicture(job);
+}
+
 int AddPages(Job& job, Walk& walk, DocumentTarget& document) {
   for (const int page : walk.pages()) {
-    bool isAsItWas = job.staysAsItIs;
-    if (isAsItWas) {
-      BeginStep(job.source, "page " + std::to_string(page));
-    } else {
-      if (const int code = walk.step(page); code != ORVO_OK) return code;
-      isAsItWas = AreTheSame(job.before.get(), job.image.get());
-    }
-    int code = isAsItWas ? document.addPage(job, page) : MindSampleBits(job);
-    if (code == ORVO_OK && !isAsItWas) code = document.addPicture(job);
-    if (code != ORVO_OK) {
+    if (const int code = AddPage(job, walk, page, document); code != ORVO_OK) {
       if (job.hint.empty()) job.hint = "page " + std::to_string(page);
       return code;
     }

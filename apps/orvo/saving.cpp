@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "document_target.h"
 #include "encoding.h"
 #include "file_kind.h"
 #include "further_pictures.h"
@@ -109,11 +110,14 @@ int MindFurtherPictures(Job& job) {
 }
 
 int SavePicture(Job& job) {
-  if (const int code = MindSampleBits(job); code != ORVO_OK) return code;
+  // Documents see to both themselves: a page may still be as it is in its file.
+  const bool isDocument = IsDocument(job.target);
+  int code = isDocument ? ORVO_OK : MindSampleBits(job);
   BringToSrgbIfNeeded(job);
-  if (!HoldsOpacity(KindOfName(job.target))) {
-    if (const int code = LayOnBackground(job); code != ORVO_OK) return code;
+  if (code == ORVO_OK && !isDocument && !HoldsOpacity(KindOfName(job.target))) {
+    code = LayOnBackground(job);
   }
+  if (code != ORVO_OK) return code;
   BeginStep(job.source, "saving");
   job.changed = true;
   return WriteTarget(job, [&job](const std::string& path) { return Encode(job, path); });

@@ -12,7 +12,7 @@ class BitmapReader : public PictureReader {
   // Throws when the handle holds no bitmap that can be used.
   explicit BitmapReader(DibHandle bitmap);
 
-  bool goTo(int page) override { return page == 1; }
+  bool readHeader(int page) override { return page == 1; }
   void start() override { nextRow_ = image_->height; }
   // From the top.
   void readRow(std::uint8_t* row) override;
