@@ -44,14 +44,17 @@ const char* FilterOf(Coding coding) {
 
 // What the reader has to know to undo the coding.
 Object ParametersOf(const CodedPicture& coded) {
+  // 8 unless told.
+  const std::string bits =
+      coded.bits == 8 ? "" : " /BitsPerComponent " + std::to_string(coded.bits);
   const std::string columns = " /Columns " + std::to_string(coded.picture.width);
   switch (coded.coding) {
     case Coding::kFlateDifferences:
-      return Object::parse("<< /Predictor 2 /Colors " + std::to_string(coded.components) + columns +
-                           " >>");
+      return Object::parse("<< /Predictor 2 /Colors " + std::to_string(coded.components) + bits +
+                           columns + " >>");
     case Coding::kFlateFilters:
-      return Object::parse("<< /Predictor 15 /Colors " + std::to_string(coded.components) +
-                           " /BitsPerComponent " + std::to_string(coded.bits) + columns + " >>");
+      return Object::parse("<< /Predictor 15 /Colors " + std::to_string(coded.components) + bits +
+                           columns + " >>");
     case Coding::kFax:
       // Group 4. The bits come out as they were in the file; which of them is black, /Decode tells.
       return Object::parse("<< /K -1 /BlackIs1 true /Rows " + std::to_string(coded.picture.height) +

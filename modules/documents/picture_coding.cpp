@@ -30,10 +30,7 @@ void LayPaletteOn(const RGBQUAD& ground, CodedPicture& coded) {
   }
 }
 
-// Photographs shrink by a third more as differences; palette indexes and few bits would grow.
-bool GainsByDifferences(const Picture& picture) {
-  return picture.bits == 8 && picture.palette.empty();
-}
+constexpr int kWide = 16;
 
 void TakeDifferences(std::vector<std::uint8_t>& row, std::size_t components) {
   for (std::size_t i = row.size(); i-- > components;) {
@@ -41,7 +38,15 @@ void TakeDifferences(std::vector<std::uint8_t>& row, std::size_t components) {
   }
 }
 
-Spool::Range Deflate(DocumentRows& rows, bool differences, Spool& spool) {
+// Byte by byte behind the number of that filter, which more programs undo than differences of 16
+// bits.
+void FilterWide(std::vector<std::uint8_t>& row, std::size_t components) {
+  constexpr std::uint8_t kSub = 1;
+  TakeDifferences(row, 2 * components);
+  row.insert(row.begin(), kSub);
+}
+
+Spool::Range Deflate(DocumentRows& rows, Coding coding, Spool& spool) {
   const std::uint64_t start = spool.size();
   Pl_Function pipe("spool", nullptr, [&](const unsigned char* bytes, std::size_t count) {
     spool.append(bytes, count);
@@ -49,7 +54,9 @@ Spool::Range Deflate(DocumentRows& rows, bool differences, Spool& spool) {
   Pl_Flate deflate("deflate", &pipe, Pl_Flate::a_deflate);
   for (int y = 0; y < rows.height(); ++y) {
     std::vector<std::uint8_t>& row = rows.next();
-    if (differences) TakeDifferences(row, static_cast<std::size_t>(rows.components()));
+    const auto components = static_cast<std::size_t>(rows.components());
+    if (coding == Coding::kFlateDifferences) TakeDifferences(row, components);
+    if (coding == Coding::kFlateFilters) FilterWide(row, components);
     deflate.write(row.data(), row.size());
   }
   deflate.finish();
@@ -67,7 +74,7 @@ DocumentRows::DocumentRows(PictureReader& reader, const RGBQUAD& ground)
 std::vector<std::uint8_t>& DocumentRows::next() {
   row_.resize(picture_.rowBytes());
   reader_.readRow(row_.data());
-  if (picture_.samples > 1 && !picture_.hasInks) convert();
+  if (picture_.samples > 1 && picture_.bits == 8 && !picture_.hasInks) convert();
   return row_;
 }
 
@@ -110,6 +117,7 @@ Spool::Range TakeParts(const CodedParts& parts, const std::string& path, Spool& 
 
 CodedPicture CodePicture(PictureReader& reader, const std::string& path, const CodingRules& rules,
                          Spool& spool) {
+  if (rules.takesParts) reader.keepSixteenBits();
   reader.start();
   const Picture& picture = reader.picture();
   DocumentRows rows(reader, rules.ground);
@@ -124,9 +132,13 @@ CodedPicture CodePicture(PictureReader& reader, const std::string& path, const C
     coded.coding = Coding::kFax;
     coded.data = EncodeFax(rows, spool);
   } else {
-    const bool differences = GainsByDifferences(picture);
-    coded.coding = differences ? Coding::kFlateDifferences : Coding::kFlate;
-    coded.data = Deflate(rows, differences, spool);
+    const bool isWide = picture.bits == kWide && rules.takesParts;
+    // Photographs shrink by a third more as differences; palette indexes and few bits would grow.
+    const bool differences = picture.bits == 8 && picture.palette.empty();
+    coded.coding = isWide        ? Coding::kFlateFilters
+                   : differences ? Coding::kFlateDifferences
+                                 : Coding::kFlate;
+    coded.data = Deflate(rows, coded.coding, spool);
   }
   Require(reader.isWhole(), kFileFormatDamaged);
   coded.showsGround = rows.showsGround();

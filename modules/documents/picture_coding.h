@@ -25,7 +25,8 @@ struct CodedPicture {
 };
 
 struct CodingRules {
-  // Takes data as they are wherever a document can hold them, not only in one stretch.
+  // Takes data as they are wherever a document can hold them, not only in one stretch; 16 bits
+  // stay.
   bool takesParts = false;
   // What lies under opacity, which documents are not given. A page is white.
   RGBQUAD ground{255, 255, 255, 0};

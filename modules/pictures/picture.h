@@ -110,6 +110,8 @@ class PictureReader {
   virtual void keepInks() {}
   // Lets the picture shrink as long as it stays at least this large as stored.
   virtual void shrinkTo(int /*width*/, int /*height*/) {}
+  // Lets samples of 16 bits stay so, where that can be: high byte first, colours red first.
+  virtual void keepSixteenBits() {}
 
   // Makes ready for the rows. Refuses pictures that the file is too short to hold.
   virtual void start() = 0;

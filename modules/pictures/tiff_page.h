@@ -45,6 +45,7 @@ struct TiffPage {
   bool whiteIsZero = false;
   bool premultiplied = false;  // colours are multiplied by the alpha
   bool hasPalette = false;
+  bool keepsSixteenBits = false;
   bool hasIccLab = false;            // a and b of Lab count from 128 up
   std::vector<RGBQUAD> colors = {};  // of kIndex
   std::uint16_t format = SAMPLEFORMAT_UINT;

@@ -53,6 +53,18 @@ class TiffReader : public PictureReader {
     return pages;
   }
 
+  void keepSixteenBits() override {
+    constexpr int kWide = 16;
+    const bool isPlain = page_.kind == Kind::kGray || page_.kind == Kind::kRgb;
+    if (!isPlain || page_.bits != kWide || page_.format != SAMPLEFORMAT_UINT || page_.planar ||
+        page_.samples != picture_.samples || page_.alphaAt != 0) {
+      return;
+    }
+    page_.keepsSixteenBits = true;
+    picture_.bits = kWide;
+    picture_.narrowedFrom = 0;
+  }
+
   void start() override {
     const std::uint64_t fileBytes = FileSize(path_);
     const auto layout = orvo::DibLayoutFor(picture_.width, picture_.height, picture_.depth());

@@ -42,6 +42,10 @@ void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std
     std::memcpy(row + start * bits / 8, planes[0], (pixels * bits + 7) / 8);
     return;
   }
+  if (page_.keepsSixteenBits) {
+    const auto samples = static_cast<std::size_t>(page_.samples);
+    return storeWide(planes[0], pixels * samples, row + 2 * start * samples);
+  }
   const std::uint8_t* const from = samplesOf(planes, pixels);
   std::uint8_t* const out = row + start * static_cast<std::size_t>(page_.picture.samples);
   const auto samples = std::span(from, pixels * static_cast<std::size_t>(page_.samples));
@@ -72,6 +76,18 @@ void TiffRows::store(const std::uint8_t* const* planes, int left, int count, std
       return storeColors(samples, out, [](const std::uint8_t* s) {
         return Color{s[2], s[1], s[0]};
       });
+  }
+}
+
+// The library gives them in the order of the machine.
+void TiffRows::storeWide(const std::uint8_t* from, std::size_t count, std::uint8_t* out) const {
+  const unsigned flip = page_.whiteIsZero ? 0xFFFF : 0;
+  for (std::size_t i = 0; i < count; ++i, from += 2, out += 2) {
+    std::uint16_t sample = 0;
+    std::memcpy(&sample, from, sizeof sample);
+    const unsigned tone = sample ^ flip;
+    out[0] = static_cast<std::uint8_t>(tone >> 8);
+    out[1] = static_cast<std::uint8_t>(tone);
   }
 }
 

@@ -24,6 +24,7 @@ class TiffRows {
   const std::uint8_t* bytesOf(const std::uint8_t* packed, std::size_t count, std::size_t sample,
                               std::vector<std::uint8_t>& out) const;
   const std::uint8_t* samplesOf(const std::uint8_t* const* planes, std::size_t count);
+  void storeWide(const std::uint8_t* from, std::size_t count, std::uint8_t* out) const;
   void storeTones(std::span<const std::uint8_t> samples, std::uint8_t* out) const;
   void storeInks(std::span<const std::uint8_t> samples, std::uint8_t* out) const;
   // With the opacity behind each colour where the page has it. colorOf takes a pixel's samples.
