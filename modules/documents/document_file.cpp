@@ -17,6 +17,15 @@ using Object = QPDFObjectHandle;
 constexpr double kMostUnits = 14400;
 constexpr int kDecimals = 4;  // of a page's measures, which come in single precision
 
+class Listener : public QPDFWriter::ProgressReporter {
+ public:
+  explicit Listener(Report report) : report_(report) {}
+  void reportProgress(int percent) override { Require(report_(percent), kModuleAborted); }
+
+ private:
+  Report report_;
+};
+
 }  // namespace
 
 DocumentFile::DocumentFile(const std::filesystem::path& neighbour)
@@ -58,13 +67,14 @@ void DocumentFile::addPage(const OpenPage& page) {
   ++pageCount_;
 }
 
-void DocumentFile::write(const std::filesystem::path& path) {
+void DocumentFile::write(const std::filesystem::path& path, Report report) {
   FileHandle file = OpenFile(path.c_str(), "wb");
   if (!file) throw std::runtime_error("the target cannot be written");
   QPDFWriter writer(pdf_);
   writer.setOutputFile(path.c_str(), file.get(), false);
   writer.setMinimumPDFVersion("1.6");  // which brought larger units
   writer.setStreamDataMode(qpdf_s_preserve);
+  if (report != nullptr) writer.registerProgressReporter(std::make_shared<Listener>(report));
   writer.write();
   if (!CloseWritten(std::move(file))) throw std::runtime_error("the disk is full");
 }

@@ -8,6 +8,7 @@
 #include <qpdf/QPDFObjectHandle.hh>
 #include <string>
 
+#include "common/status.h"
 #include "documents/spool.h"
 
 namespace modules {
@@ -33,7 +34,8 @@ class DocumentFile {
   void setInfo(const std::string& key, const std::string& text);
   void addPage(const OpenPage& page);
   [[nodiscard]] int pageCount() const { return pageCount_; }
-  void write(const std::filesystem::path& path);
+  // The report may stop it.
+  void write(const std::filesystem::path& path, Report report = nullptr);
 
  private:
   std::shared_ptr<Spool> spool_;

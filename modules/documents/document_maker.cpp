@@ -35,7 +35,8 @@ int Done(const Work& work) noexcept {
 
 class Maker : public DocumentMaker {
  public:
-  Maker(const char* neighbour, Report report) : file_(neighbour), sources_(report) {
+  Maker(const char* neighbour, Report report)
+      : report_(report), file_(neighbour), sources_(report) {
     const std::string now = QUtil::qpdf_time_to_pdf_time(QUtil::get_current_qpdf_time());
     file_.setInfo("CreationDate", now);
     file_.setInfo("ModDate", now);
@@ -67,7 +68,7 @@ class Maker : public DocumentMaker {
   }
 
   int write(const char* path) override {
-    return Done([&] { file_.write(path); });
+    return Done([&] { file_.write(path, report_); });
   }
 
  private:
@@ -78,7 +79,7 @@ class Maker : public DocumentMaker {
     const bool isExplained =
         !extras.profile.empty() && extras.profileComponents == facts.components;
     Object image = MakeImageObject(file_.objects(), coded, file_.spool(),
-                                   isExplained ? profileObject(extras) : Object::newNull());
+                                   isExplained ? &profileObject(extras) : nullptr);
     if (!extras.xmp.empty()) image.getDict().replaceKey("/Metadata", metadataObject(extras.xmp));
     const std::string name = "/Im0";
     const Shown shown = ShownOf(picture);
@@ -99,7 +100,7 @@ class Maker : public DocumentMaker {
   }
 
   // Pages share equal profiles.
-  Object profileObject(const PageExtras& extras) {
+  const Object& profileObject(const PageExtras& extras) {
     const auto [place, isNew] = profiles_.try_emplace(std::string(extras.profile));
     Object& object = place->second;
     if (isNew) {
@@ -117,6 +118,7 @@ class Maker : public DocumentMaker {
     return object;
   }
 
+  Report report_;
   DocumentFile file_;
   PictureFiles sources_;
   std::map<std::string, Object> profiles_;

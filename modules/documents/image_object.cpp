@@ -5,9 +5,9 @@ namespace {
 
 using Object = QPDFObjectHandle;
 
-Object BaseColorsOf(const CodedPicture& coded, Object profile) {
-  if (!profile.isNull()) {
-    return Object::newArray(std::vector<Object>{Object::newName("/ICCBased"), profile});
+Object BaseColorsOf(const CodedPicture& coded, const Object* profile) {
+  if (profile != nullptr) {
+    return Object::newArray(std::vector<Object>{Object::newName("/ICCBased"), *profile});
   }
   const int components = coded.colorComponents();
   return Object::newName(components == 1   ? "/DeviceGray"
@@ -15,7 +15,7 @@ Object BaseColorsOf(const CodedPicture& coded, Object profile) {
                                            : "/DeviceCMYK");
 }
 
-Object ColorSpaceOf(const CodedPicture& coded, Object profile) {
+Object ColorSpaceOf(const CodedPicture& coded, const Object* profile) {
   Object base = BaseColorsOf(coded, profile);
   const std::vector<RGBQUAD>& palette = coded.picture.palette;
   if (palette.empty()) return base;
@@ -81,7 +81,8 @@ QPDFObjectHandle MakeStream(QPDF& pdf, const std::shared_ptr<Spool>& spool, Spoo
 }
 
 QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
-                                 const std::shared_ptr<Spool>& spool, QPDFObjectHandle profile) {
+                                 const std::shared_ptr<Spool>& spool,
+                                 const QPDFObjectHandle* profile) {
   const Picture& picture = coded.picture;
   Object image = MakeStream(pdf, spool, coded.data, Object::newName(FilterOf(coded.coding)),
                             ParametersOf(coded));

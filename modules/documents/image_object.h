@@ -18,7 +18,7 @@ QPDFObjectHandle MakeStream(QPDF& pdf, const std::shared_ptr<Spool>& spool, Spoo
 // profile: a stream that explains the colours; null for none.
 QPDFObjectHandle MakeImageObject(QPDF& pdf, const CodedPicture& coded,
                                  const std::shared_ptr<Spool>& spool,
-                                 QPDFObjectHandle profile = QPDFObjectHandle::newNull());
+                                 const QPDFObjectHandle* profile = nullptr);
 
 }  // namespace modules
 
