@@ -532,6 +532,20 @@ TEST_F(MetadataTest, ColorsThatBecameSrgbAreToldSo) {
   EXPECT_EQ(TextOf(carried("png").exif), srgb);
 }
 
+TEST_F(MetadataTest, ColorsOfPngGetAProfileWhereOnlyThatIsKnown) {
+  const Text power = Chunk("gAMA", Number(45455, 4));
+  const Text linear = Chunk("gAMA", Number(100000, 4));
+  for (const auto& [chunks, isOther] : {std::pair{power, false},
+                                        {linear, true},
+                                        {linear + Chunk("sRGB", "s"), false},
+                                        {Chunk("cICP", Text{"\14\15\0\1", 4}), true}}) {
+    EXPECT_EQ(keep(Png(chunks), Jpeg("")), Lines{});
+    EXPECT_EQ(!carried("jpeg").profile.empty(), isOther) << chunks;
+    EXPECT_EQ(keep(Png(chunks), Png("")), Lines{});
+    EXPECT_TRUE(carried("png").profile.empty());
+  }
+}
+
 TEST_F(MetadataTest, DamagedProfilesStayAtHome) {
   const Text half = Segment(0xE2, Text{"ICC_PROFILE\0\1\2", 14} + "half");
   EXPECT_EQ(keep(Jpeg(half), Jpeg("")), Lines{});

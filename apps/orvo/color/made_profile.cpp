@@ -1,26 +1,13 @@
 #include "made_profile.h"
 
-#include <array>
-
 #include "color_library.h"
 
 namespace client {
 namespace {
 
-constexpr cmsCIExyY kDaylight{0.3127, 0.3290, 1};
-
-struct Colors {
-  const char* name;
-  cmsCIExyYTRIPLE primaries;
-};
-constexpr Colors kOfScreens{"RGB of sRGB's primaries",
-                            {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}}};
-constexpr Colors kOfAdobe{"compatible with Adobe RGB (1998)",
-                          {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}}};
-constexpr Colors kOfPhones{"RGB of P3 primaries, D65",
-                           {{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}}};
-constexpr Colors kOfLargeScreens{"RGB of BT.2020's primaries",
-                                 {{0.708, 0.292, 1}, {0.170, 0.797, 1}, {0.131, 0.046, 1}}};
+constexpr Primaries kAdobePrimaries{0.3127, 0.3290, 0.64, 0.33, 0.21, 0.71, 0.15, 0.06};
+constexpr Primaries kPhonePrimaries{0.3127, 0.3290, 0.680, 0.320, 0.265, 0.690, 0.150, 0.060};
+constexpr Primaries kLargePrimaries{0.3127, 0.3290, 0.708, 0.292, 0.170, 0.797, 0.131, 0.046};
 
 // Code points.
 constexpr int kLargeScreens = 9;
@@ -41,44 +28,46 @@ void Name(cmsHPROFILE profile, const char* name) {
   (void)calls.cmsWriteTag(profile, cmsSigProfileDescriptionTag, text.get());
 }
 
-std::vector<std::uint8_t> Profile(const Colors& colors, CurveHandle curve) {
+CurveHandle CurveOf(double gamma) {
+  return gamma == 0 ? SrgbCurve() : CurveHandle(TheColorLibrary().cmsBuildGamma(nullptr, gamma));
+}
+
+std::vector<std::uint8_t> Made(const Primaries& colors, double gamma, const char* name) {
+  if (!HasColorLibrary()) return {};
   const ColorLibrary& calls = TheColorLibrary();
+  const cmsCIExyY white{colors[0], colors[1], 1};
+  const cmsCIExyYTRIPLE corners{
+      {colors[2], colors[3], 1}, {colors[4], colors[5], 1}, {colors[6], colors[7], 1}};
+  const CurveHandle curve = CurveOf(gamma);
   std::array<cmsToneCurve*, 3> curves{curve.get(), curve.get(), curve.get()};
-  const ProfileHandle profile(
-      calls.cmsCreateRGBProfile(&kDaylight, &colors.primaries, curves.data()));
+  const ProfileHandle profile(calls.cmsCreateRGBProfile(&white, &corners, curves.data()));
   cmsUInt32Number bytes = 0;
   if (!profile) return {};
-  Name(profile.get(), colors.name);
+  Name(profile.get(), name);
   if (calls.cmsSaveProfileToMem(profile.get(), nullptr, &bytes) == 0) return {};
   std::vector<std::uint8_t> saved(bytes);
   if (calls.cmsSaveProfileToMem(profile.get(), saved.data(), &bytes) == 0) return {};
   return saved;
 }
 
-CurveHandle Power(double gamma) {
-  return CurveHandle(TheColorLibrary().cmsBuildGamma(nullptr, gamma));
-}
-
 }  // namespace
+
+std::vector<std::uint8_t> ProfileOf(const Primaries& primaries, double gamma) {
+  return Made(primaries, gamma, "RGB of the file's primaries");
+}
 
 std::vector<std::uint8_t> AdobeRgbProfile() {
   constexpr double kGamma = 563.0 / 256;
-  if (!HasColorLibrary()) return {};
-  return Profile(kOfAdobe, Power(kGamma));
+  return Made(kAdobePrimaries, kGamma, "compatible with Adobe RGB (1998)");
 }
 
 std::vector<std::uint8_t> ProfileOfCodes(int primaries, int transfer) {
-  const Colors* const colors = primaries == kPhones         ? &kOfPhones
-                               : primaries == kLargeScreens ? &kOfLargeScreens
-                                                            : &kOfScreens;
-  const bool hasPower = transfer == kGamma22 || transfer == kLinear;
-  const bool isSrgb = colors == &kOfScreens && !hasPower;
-  if (isSrgb || transfer == kHdrByPerception || transfer == kHdrByGamma || !HasColorLibrary()) {
-    return {};
-  }
   // Video's own curves are shown as that of screens.
-  constexpr double kGamma = 2.2;
-  return Profile(*colors, hasPower ? Power(transfer == kLinear ? 1 : kGamma) : SrgbCurve());
+  const double gamma = transfer == kGamma22 ? 2.2 : transfer == kLinear ? 1 : 0;
+  if (transfer == kHdrByPerception || transfer == kHdrByGamma) return {};
+  if (primaries == kPhones) return Made(kPhonePrimaries, gamma, "RGB of P3 primaries, D65");
+  if (primaries == kLargeScreens) return Made(kLargePrimaries, gamma, "RGB of BT.2020 primaries");
+  return gamma == 0 ? std::vector<std::uint8_t>() : ProfileOf(kScreenPrimaries, gamma);
 }
 
 }  // namespace client

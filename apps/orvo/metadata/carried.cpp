@@ -4,6 +4,7 @@
 #include <set>
 
 #include "icc_profile.h"
+#include "told_colors.h"
 
 namespace client {
 namespace {
@@ -37,13 +38,13 @@ void Carried::loseSegments(std::string_view kind) {
 }
 
 void Carried::loseChunks(std::string_view kind) {
-  const bool isStandard = std::any_of(chunks.begin(), chunks.end(),
-                                      [](const PngChunk& chunk) { return chunk.type == "sRGB"; });
+  const bool isStandard = TellsSrgb(*this);
   for (const PngChunk& chunk : chunks) {
     // Texts are carried as such, the resolution comes with the picture, and what is not told about
     // its colours is sRGB.
     static const std::set<std::string_view> kToldElsewhere{"tEXt", "zTXt", "iTXt", "pHYs", "sRGB"};
-    const bool isTone = chunk.type == "gAMA" || chunk.type == "cHRM";
+    const bool isTone =
+        chunk.type == "gAMA" || chunk.type == "cHRM" || (chunk.type == "cICP" && !profile.empty());
     if (kToldElsewhere.contains(chunk.type) || (isTone && (isStandard || !profile.empty())))
       continue;
     lose("the PNG chunk " + chunk.type, CannotHold(kind));

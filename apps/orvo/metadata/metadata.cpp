@@ -8,7 +8,7 @@
 #include "carried.h"
 #include "exif_block.h"
 #include "icc_profile.h"
-#include "made_profile.h"
+#include "told_colors.h"
 #include "xmp_packet.h"
 
 namespace client {
@@ -80,17 +80,6 @@ bool TellsColors(const PngChunk& chunk) {
 void DropColors(Carried& carried) {
   carried.profile.clear();
   std::erase_if(carried.chunks, TellsColors);
-}
-
-// One is made of what only some files can tell.
-Bytes ProfileIn(const Carried& carried) {
-  if (!carried.profile.empty()) return carried.profile;
-  for (const PngChunk& chunk : carried.chunks) {
-    if (chunk.type == "cICP" && chunk.data.size() > 1) {
-      return ProfileOfCodes(chunk.data[0], chunk.data[1]);
-    }
-  }
-  return TellsAdobeRgb(carried.exif) ? AdobeRgbProfile() : Bytes();
 }
 
 // A damaged profile stays as it was, but goes nowhere else.
@@ -218,7 +207,7 @@ std::vector<std::string> KeepMetadata(const MetadataRequest& request) {
   } else if (request.colorsChanged) {
     if (!carried.profile.empty()) carried.lose("the color profile", "the colors became others");
     DropColors(carried);
-  } else if (isOtherKind || request.strip == Strip::kAllButProfile) {
+  } else if (isOtherKind || (request.strip == Strip::kAllButProfile && carried.chunks.empty())) {
     carried.profile = ProfileIn(carried);
   }
   BringAllUpToDate(request, carried);
