@@ -222,6 +222,24 @@ TEST_F(ColorsTest, InksAreMixedAsTheirProfileSays) {
   }
 }
 
+TEST_F(ColorsTest, InksThatAreStoredAsPaperAreTheSame) {
+  const Codes inks{200, 30, 60, 102};
+  const auto number = [](std::size_t value, int bytes) {
+    std::string text;
+    while (bytes-- > 0) text += static_cast<char>(value >> 8 * bytes);
+    return text;
+  };
+  std::string file = "8BPS" + number(1, 2) + number(4, 8) + number(8, 4) + number(8, 4) +
+                     number(8, 2) + number(4, 2) + number(0, 12) + number(0, 2);
+  for (const std::uint8_t ink : inks) file += std::string(64, static_cast<char>(255 - ink));
+  write("inks.psd", file);
+  client::Carried carried;
+  carried.profile = Inks();
+  client::WritePhotoshopMetadata("inks.psd", carried);
+  run("convert inks.psd -o out.png");
+  expectColor("out.png", Road(Inks(), TYPE_CMYK_8)(inks));
+}
+
 TEST_F(ColorsTest, RedEyesAreMeasuredInSrgbAndTheProfileStays) {
   const Bytes profile = Wide();
   const orvo::OwnedDib portrait = Renumbered(Portrait(), profile);
