@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "encoding.h"
 #include "picture.h"
 
 namespace client {
@@ -45,7 +46,11 @@ int SaveInto(Job& job, DibHandle picture, const fs::path& folder, const std::str
   const std::string target = (folder / name).string();
   job.hint = job.furtherTargets.claim(target);
   if (!job.hint.empty()) return ORVO_ERR_FILE_OPEN;
-  const int code = job.toolkit.SaveFile(picture, target.c_str(), 0, job.quality);
+  int code = job.toolkit.SaveFile(picture, target.c_str(), 0, job.quality);
+  const auto shape = ShapeOf(picture);
+  if (code == ORVO_OK && shape) {
+    code = Complete(job, target, {job.page, *shape, *shape, job.inSrgb});
+  }
   if (code == ORVO_OK) {
     job.report.append("written", target);
   } else {

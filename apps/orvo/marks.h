@@ -18,7 +18,8 @@ inline constexpr int kFrameWidth = 3;  // pixels
 inline constexpr RGBQUAD kRed{0, 0, 255, 0};
 inline constexpr RGBQUAD kGreen{0, 255, 0, 0};
 
-// Writes a picture beside the targets of the call and reports its name.
+// Writes a picture beside the targets of the call, with what the source holds beside its own, and
+// reports its name.
 int SaveInto(Job& job, DibHandle picture, const std::filesystem::path& folder,
              const std::string& name);
 

@@ -246,10 +246,11 @@ TEST_F(ColorsTest, RedEyesAreMeasuredInSrgbAndTheProfileStays) {
   save("plain.png", portrait);
   saveWith("wide.png", portrait, profile);
   EXPECT_EQ(report("redeye plain.png -o out.png")["eyes"], 0) << "the numbers show green";
-  for (const char* const words :
-       {"redeye wide.png -o out.png", "redeye --at 161,215,239,215 wide.png -o out.png"}) {
+  for (const char* const words : {"redeye --mark marks wide.png -o out.png",
+                                  "redeye --at 161,215,239,215 wide.png -o out.png"}) {
     const json told = report(words);
     EXPECT_EQ(told["eyes"], 2);
+    EXPECT_EQ(profileOf("marks/wide-marked.png"), profile);
     EXPECT_EQ(profileOf("out.png"), profile);
     const orvo::OwnedDib after = load("out.png");
     for (const auto& [x, y] : kEyes) {

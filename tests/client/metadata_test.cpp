@@ -204,6 +204,22 @@ Text RichPsd() {
              Resource(1058, Exif()) + Resource(1060, kXmp));
 }
 
+Text RichWebp() {
+  return Webp(Features(0x2C) + RiffChunk("ICCP", Profile("RGB ", 201)),
+              RiffChunk("EXIF", Exif()) + RiffChunk("XMP ", kXmp));
+}
+// Of one pixel, with a comment in two pieces.
+Text Gif() {
+  const Text trail = [] {
+    Text bytes = "\1";
+    for (int length = 255; length >= 0; --length) bytes += static_cast<char>(length);
+    return bytes + '\0';
+  }();
+  const Text picture = Text{"\x2C\0\0\0\0\1\0\1\0\x80", 10} + "palett" + Text{"\2\3lzw\0", 6};
+  return Text{"GIF89a\1\0\1\0\x80\0\0", 13} + "palett" + picture + "!\xFE\3one\3two" +
+         Text(1, '\0') + "!\xFF\x0BXMP DataXMP" + kXmp + trail + ";";
+}
+
 // Works in a folder of its own, which is gone after the test.
 class MetadataTest : public ::testing::Test {
  protected:
@@ -431,9 +447,7 @@ TEST_F(MetadataTest, WhatIsLostIsTold) {
 
 TEST_F(MetadataTest, WebpHoldsItRoundThePicture) {
   const Text profile = RiffChunk("ICCP", Profile("RGB ", 201));
-  const Text exif = RiffChunk("EXIF", Exif());
-  const Text source = Webp(Features(0x2C) + profile, exif + RiffChunk("XMP ", kXmp));
-  EXPECT_EQ(keep(source, Jpeg("")), Lines{});
+  EXPECT_EQ(keep(RichWebp(), Jpeg("")), Lines{});
   ExpectUpToDate(carried("jpeg").exif);
   EXPECT_EQ(carried("jpeg").xmp, kXmpAfter);
   EXPECT_EQ(TextOf(carried("jpeg").profile), Profile("RGB ", 201));
@@ -443,7 +457,7 @@ TEST_F(MetadataTest, WebpHoldsItRoundThePicture) {
   for (const auto& [result, flags, picture] :
        {std::tuple{Webp(), 0x2C, Webp().substr(12)}, std::tuple{Riff(lossless), 0x3C, lossless},
         std::tuple{Webp(Features(0x10)), 0x3C, Webp().substr(12)}}) {
-    EXPECT_EQ(keep(source, result), Lines{});
+    EXPECT_EQ(keep(RichWebp(), result), Lines{});
     const Text after = bytes("result.bmp");
     ExpectUpToDate(carried("webp").exif);
     const Text block(TextOf(carried("webp").exif));
@@ -454,15 +468,7 @@ TEST_F(MetadataTest, WebpHoldsItRoundThePicture) {
 }
 
 TEST_F(MetadataTest, GifBringsItsWords) {
-  const Text trail = [] {
-    Text bytes = "\1";
-    for (int length = 255; length >= 0; --length) bytes += static_cast<char>(length);
-    return bytes + '\0';
-  }();
-  const Text picture = Text{"\x2C\0\0\0\0\1\0\1\0\x80", 10} + "palett" + Text{"\2\3lzw\0", 6};
-  const Text gif = Text{"GIF89a\1\0\1\0\x80\0\0", 13} + "palett" + picture + "!\xFE\3one\3two" +
-                   Text(1, '\0') + "!\xFF\x0BXMP DataXMP" + kXmp + trail + ";";
-  keep(gif, Jpeg(""));
+  keep(Gif(), Jpeg(""));
   EXPECT_EQ(carried("jpeg").comments, Lines{"onetwo"});
   EXPECT_EQ(carried("jpeg").xmp, kXmpAfter);
 }
@@ -576,7 +582,9 @@ TEST_F(MetadataTest, LongProfilesGoThroughManySegments) {
 }
 
 TEST_F(MetadataTest, DamagedSourcesHarmNothingAndDamagedResultsStayAsTheyWere) {
-  for (const auto& [kind, whole] : kRich) {
+  auto kinds = kRich;
+  kinds.insert(kinds.end(), {{"webp", RichWebp()}, {"gif", Gif()}, {"jxl", JpegXl(Exif(), kXmp)}});
+  for (const auto& [kind, whole] : kinds) {
     for (std::size_t length = 0; length < whole.size(); length += 13) {
       const Text start = whole.substr(0, length);
       EXPECT_NO_THROW(keep(start, Jpeg(""), {.page = 2})) << kind << length;
