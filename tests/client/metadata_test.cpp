@@ -485,12 +485,12 @@ Text JpegXl(const Text& exif, const Text& xmp) {
   return box("JXL ", "\r\n\x87\n") + box("ftyp", Text{"jxl \0\0\0\0jxl ", 12}) +
          box("jxlc", picture) + box("Exif", Text{"\0\0\0\2??", 6} + exif) + box("xml ", xmp);
 }
-void WriteHeic(const char* path, const Text& exif, const Text& xmp, const Text& profile) {
+void WriteAvif(const char* path, const Text& exif, const Text& xmp, const Text& profile) {
   heif_context* const file = heif_context_alloc();
   heif_encoder* encoder = nullptr;
   heif_image* image = nullptr;
   heif_image_handle* item = nullptr;
-  (void)heif_context_get_encoder_for_format(file, heif_compression_HEVC, &encoder);
+  (void)heif_context_get_encoder_for_format(file, heif_compression_AV1, &encoder);
   (void)heif_image_create(16, 16, heif_colorspace_RGB, heif_chroma_interleaved_RGB, &image);
   (void)heif_image_add_plane(image, heif_channel_interleaved, 16, 16, 8);
   (void)heif_image_set_raw_color_profile(image, "prof", profile.data(), profile.size());
@@ -506,8 +506,8 @@ void WriteHeic(const char* path, const Text& exif, const Text& xmp, const Text& 
 
 TEST_F(MetadataTest, PicturesOfPhonesBringCameraAndColors) {
   write("phone", JpegXl(Exif(), kXmp));
-  WriteHeic("phone.heic", Exif(), kXmp, Profile("RGB "));
-  for (const char* const phone : {"phone", "phone.heic"}) {
+  WriteAvif("phone.avif", Exif(), kXmp, Profile("RGB "));
+  for (const char* const phone : {"phone", "phone.avif"}) {
     SCOPED_TRACE(phone);
     EXPECT_EQ(keep(bytes(phone), Png("")), Lines{});
     ExpectUpToDate(carried("png").exif);
