@@ -4,10 +4,13 @@
 
 #include <string>
 
+#include "tag_directory.h"
+
 namespace client {
 
 // Bits of a sample in the file, when they are more than the toolkit's 8; else 8.
-int SampleBits(const std::string& path, int page);
+// `last`, if any, is where a walk through the pages of a TIFF file goes on from.
+int SampleBits(const std::string& path, int page, PagePlace* last = nullptr);
 
 }  // namespace client
 

@@ -49,7 +49,9 @@ void ReadGifMetadata(const std::string& path, Carried& carried);
 void ReadJpegMetadata(const std::string& path, Carried& carried);
 void ReadPngMetadata(const std::string& path, Carried& carried);
 void ReadPhotoshopMetadata(const std::string& path, Carried& carried);
-void ReadTiffMetadata(const std::string& path, int page, Carried& carried);
+// `last`, if any, is where a walk through the pages goes on from.
+void ReadTiffMetadata(const std::string& path, int page, Carried& carried,
+                      PagePlace* last = nullptr);
 void ReadWebpMetadata(const std::string& path, Carried& carried);
 
 // Each gives all to a finished file that its kind can hold, and tells what it cannot; throws
@@ -57,7 +59,8 @@ void ReadWebpMetadata(const std::string& path, Carried& carried);
 void WriteJpegMetadata(const std::string& path, Carried& carried);
 void WritePngMetadata(const std::string& path, Carried& carried);
 void WritePhotoshopMetadata(const std::string& path, Carried& carried);
-void WriteTiffMetadata(const std::string& path, int page, Carried& carried);
+void WriteTiffMetadata(const std::string& path, int page, Carried& carried,
+                       PagePlace* last = nullptr);
 void WriteWebpMetadata(const std::string& path, Carried& carried);
 
 }  // namespace client

@@ -58,7 +58,7 @@ void Read(const MetadataRequest& request, Carried& carried) {
       case Kind::kPhotoshop:
         return ReadPhotoshopMetadata(request.source, carried);
       case Kind::kTiff:
-        return ReadTiffMetadata(request.source, request.page, carried);
+        return ReadTiffMetadata(request.source, request.page, carried, request.sourcePlace);
       case Kind::kWebp:
         return ReadWebpMetadata(request.source, carried);
       case Kind::kGif:
@@ -153,7 +153,7 @@ void Write(const MetadataRequest& request, Carried& carried) {
     case Kind::kPhotoshop:
       return WritePhotoshopMetadata(request.result, carried);
     case Kind::kTiff:
-      return WriteTiffMetadata(request.result, request.resultPage, carried);
+      return WriteTiffMetadata(request.result, request.resultPage, carried, request.resultPlace);
     case Kind::kWebp:
       return WriteWebpMetadata(request.result, carried);
     case Kind::kGif:

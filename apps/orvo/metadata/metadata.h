@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "file_access.h"
+#include "tag_directory.h"
 
 namespace client {
 
@@ -18,6 +19,9 @@ struct MetadataRequest {
   // Finished, in the format that it is to have. Its pixels are upright.
   std::string result{};
   int resultPage = 1;  // of a TIFF file
+  // Of walks through the pages of TIFF files; null for single pages.
+  PagePlace* sourcePlace = nullptr;
+  PagePlace* resultPlace = nullptr;
   Strip strip = Strip::kNothing;
   int width = 0;   // of the result as shown, in pixels
   int height = 0;  // of the result as shown, in pixels

@@ -208,17 +208,17 @@ std::uint64_t NumberAt(std::istream& file, TagForm form, std::uint64_t at, std::
   return found ? NumberIn(*found, bytes, form.order) : 0;
 }
 
-std::optional<std::uint64_t> FindPage(std::istream& file, TagForm form, int page) {
-  std::uint64_t place = form.firstAt();
-  for (int i = 1; i <= std::min(page, kMostPages); ++i) {
-    const std::uint64_t directory = NumberAt(file, form, place, form.offsetBytes());
+std::optional<std::uint64_t> FindPage(std::istream& file, TagForm form, int page, PagePlace& last) {
+  if (page > kMostPages) return std::nullopt;
+  if (last.page == 0 || page < last.page) last = {1, form.firstAt()};
+  for (;;) {
+    const std::uint64_t directory = NumberAt(file, form, last.at, form.offsetBytes());
     if (directory == 0) return std::nullopt;
-    if (i == page) return place;
+    if (last.page == page) return last.at;
     const std::uint64_t entries = NumberAt(file, form, directory, form.countBytes());
     if (entries > kMostEntries) return std::nullopt;
-    place = directory + form.countBytes() + entries * form.entryBytes();
+    last = {last.page + 1, directory + form.countBytes() + entries * form.entryBytes()};
   }
-  return std::nullopt;
 }
 
 TagDirectory ReadTags(std::istream& file, TagForm form, std::uint64_t at,

@@ -77,8 +77,13 @@ struct TagForm {
 };
 std::optional<TagForm> ReadTagForm(std::istream& file);
 
-// Where a file tells the position of a page's directory; pages count from 1.
-std::optional<std::uint64_t> FindPage(std::istream& file, TagForm form, int page);
+// Where a file tells the position of a page's directory; pages count from 1. A walk goes on from
+// the place that it came to last, which stays right when later pages move.
+struct PagePlace {
+  int page = 0;  // 0 for none yet
+  std::uint64_t at = 0;
+};
+std::optional<std::uint64_t> FindPage(std::istream& file, TagForm form, int page, PagePlace& last);
 // The number in the file at that place; 0 behind its end.
 std::uint64_t NumberAt(std::istream& file, TagForm form, std::uint64_t at, std::size_t bytes);
 

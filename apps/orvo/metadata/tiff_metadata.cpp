@@ -50,10 +50,11 @@ struct Page {
   std::uint64_t at;       // the directory's position
 };
 
-Page OpenPage(std::istream& file, int number) {
+Page OpenPage(std::istream& file, int number, PagePlace* last) {
   const auto form = ReadTagForm(file);
   if (!form) throw MetadataFault("no TIFF file");
-  const auto place = FindPage(file, *form, number);
+  PagePlace first;
+  const auto place = FindPage(file, *form, number, last == nullptr ? first : *last);
   if (!place) throw MetadataFault("the file has no page " + std::to_string(number));
   return {*form, *place, NumberAt(file, *form, *place, form->offsetBytes())};
 }
@@ -164,9 +165,9 @@ void Rehang(std::fstream& file, const std::string& path, const Page& page,
 
 }  // namespace
 
-void ReadTiffMetadata(const std::string& path, int page, Carried& carried) {
+void ReadTiffMetadata(const std::string& path, int page, Carried& carried, PagePlace* last) {
   std::ifstream file(path, std::ios::binary);
-  const Page found = OpenPage(file, page);
+  const Page found = OpenPage(file, page, last);
   bool isWhole = true;
   TagDirectory tags = ReadTags(
       file, found.form, found.at,
@@ -197,9 +198,9 @@ void ReadTiffMetadata(const std::string& path, int page, Carried& carried) {
   if (tellsMore) carried.exif = BlockOf(tags, found.form.order);
 }
 
-void WriteTiffMetadata(const std::string& path, int page, Carried& carried) {
+void WriteTiffMetadata(const std::string& path, int page, Carried& carried, PagePlace* last) {
   std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
-  const Page found = OpenPage(file, page);
+  const Page found = OpenPage(file, page, last);
   bool isWhole = true;
   TagDirectory tags = ReadTags(
       file, found.form, found.at, [](std::uint16_t) { return true; }, isWhole);
