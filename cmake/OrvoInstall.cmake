@@ -15,6 +15,7 @@ if(TARGET orvo_client)
   if(TARGET orvo_documents)
     install(TARGETS orvo_documents LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   endif()
+  install(TARGETS orvo_pages LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
 install(DIRECTORY include/orvo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 

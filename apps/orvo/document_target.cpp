@@ -89,7 +89,7 @@ int DocumentTarget::begin() {
 int DocumentTarget::addPage(Job& job, int page) {
   if (const int code = begin(); code != ORVO_OK) return code;
   job.page = page;
-  const std::string kind = KindOfFile(job.source);
+  const std::string kind = KindOfFile(job.file());
   const bool leavesOut = kind == kJpeg && job.parameters.has("strip");
   if (leavesOut || std::ranges::find(kKinds, kind) == std::end(kKinds)) {
     return ORVO_ERR_NOT_SUPPORTED;
@@ -98,7 +98,7 @@ int DocumentTarget::addPage(Job& job, int page) {
       TakeForDocument(RequestFor(job, {job.page, {}, {}}), PictureIs::kAsItWas);
   modules::PageFacts facts;
   const int code =
-      maker_->addFile(kind, job.source.c_str(), job.page, ExtrasOf(job, metadata), facts);
+      maker_->addFile(kind, job.file().c_str(), job.pageInFile(), ExtrasOf(job, metadata), facts);
   if (code != kModuleSuccess) return ResultOf(code);
   // A JPEG file's data hold all that there is beside its picture.
   if (!(facts.isFromFile && kind == kJpeg)) note(metadata, facts);
@@ -114,7 +114,8 @@ int DocumentTarget::addPicture(Job& job) {
   modules::PageFacts facts;
   const int code = maker_->addBitmap(job.image.get(), ExtrasOf(job, metadata), facts);
   if (code != kModuleSuccess) return ResultOf(code);
-  if (const int bits = SampleBits(job.source, job.page); bits > 8) facts.narrowedFrom = bits;
+  if (const int bits = SampleBits(job.file(), job.pageInFile(), job.placeInFile()); bits > 8)
+    facts.narrowedFrom = bits;
   note(metadata, facts);
   return ORVO_OK;
 }

@@ -23,7 +23,7 @@ bool SaveWithoutLoss(const Job& job, const std::string& path) {
   if (!job.before || job.parameters.has("quality") || job.parameters.has("strip")) return false;
   const Outcome outcome = job.withoutLoss
                               ? job.withoutLoss(path)
-                              : PatchJpeg(job.source, job.before.get(), job.image.get(), path);
+                              : PatchJpeg(job.file(), job.before.get(), job.image.get(), path);
   if (outcome.kind != Outcome::Kind::kDone) return false;
   try {
     WipeJpegPreview(path);
@@ -35,7 +35,7 @@ bool SaveWithoutLoss(const Job& job, const std::string& path) {
 
 int SaveAsJpeg(const Job& job, const std::string& path) {
   if (!job.parameters.has("quality")) {
-    if (const auto manner = MannerOf(job.source)) {
+    if (const auto manner = MannerOf(job.file())) {
       const int code = SaveJpegLike(*manner, job.image.get(), path);
       if (code != ORVO_ERR_BAD_DEPTH) return code;
     }
@@ -60,26 +60,29 @@ int SaveAs(const std::string& kind, Job& job, const std::string& path) {
 
 }  // namespace
 
-MetadataRequest RequestFor(const Job& job, const Passage& passage) {
+MetadataRequest RequestFor(Job& job, const Passage& passage) {
   const Shape& before = passage.before;
   const Shape& after = passage.after;
-  return {.source = job.source,
-          .page = passage.page,
+  return {.source = job.file(),
+          .page = job.pageFile.empty() ? passage.page : 1,
+          .sourcePlace = job.placeInFile(),
           .strip = StripOf(job),
           .width = after.width,
           .height = after.height,
           .colorsChanged = after.colors == "gray" && before.colors != "gray",
+          .inSrgb = passage.inSrgb,
           .newResolution = after.xDotsPerInch != before.xDotsPerInch ||
                            after.yDotsPerInch != before.yDotsPerInch,
           .xDotsPerInch = static_cast<double>(after.xDotsPerInch),
           .yDotsPerInch = static_cast<double>(after.yDotsPerInch)};
 }
 
-std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
-                                      const std::string& path, int resultPage) {
+std::vector<std::string> TakeMetadata(Job& job, const Passage& passage, const std::string& path,
+                                      int resultPage, PagePlace* resultPlace) {
   MetadataRequest request = RequestFor(job, passage);
   request.result = path;
   request.resultPage = resultPage;
+  request.resultPlace = resultPlace;
   return KeepMetadata(request);
 }
 
@@ -102,7 +105,10 @@ int Complete(Job& job, const std::string& path, const Passage& passage) {
 }
 
 int Encode(Job& job, const std::string& path) {
-  const std::string kind = KindOfName(job.target);
+  return EncodeAs(KindOfName(job.target), job, path);
+}
+
+int EncodeAs(const std::string& kind, Job& job, const std::string& path) {
   if (kind == "jpeg" && SaveWithoutLoss(job, path)) return ORVO_OK;
   if (job.parameters.has("perfect")) {
     job.hint = "it cannot be done without loss";

@@ -13,6 +13,8 @@ namespace client {
 // file keeps the quality and the sampling of a JPEG source, and its very blocks where nothing
 // changed; a TIFF file keeps the compression of a TIFF source, and has one without loss otherwise.
 int Encode(Job& job, const std::string& path);
+// The same as a file of another kind than the target's.
+int EncodeAs(const std::string& kind, Job& job, const std::string& path);
 
 // A page on its way through a command.
 struct Passage {
@@ -23,12 +25,12 @@ struct Passage {
 };
 
 // What is to be carried over of the source; the result is not named.
-MetadataRequest RequestFor(const Job& job, const Passage& passage);
+MetadataRequest RequestFor(Job& job, const Passage& passage);
 
 // Gives a page of a finished file what the source holds beside the picture, and tells what cannot
 // be kept. Throws MetadataFault when the file cannot be written anew.
-std::vector<std::string> TakeMetadata(const Job& job, const Passage& passage,
-                                      const std::string& path, int resultPage);
+std::vector<std::string> TakeMetadata(Job& job, const Passage& passage, const std::string& path,
+                                      int resultPage, PagePlace* resultPlace = nullptr);
 
 // The same to the one page of a file, and says what is lost. A result code of the toolkit.
 int Complete(Job& job, const std::string& path, const Passage& passage);

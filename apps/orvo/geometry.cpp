@@ -30,10 +30,11 @@ constexpr int kQuarter = 90;  // degrees
 // end with a whole block, the options say what becomes of it.
 int Rotate(Job& job) {
   const int angle = job.parameters.whole("angle");
-  if (angle % kQuarter == 0 && KindOfFile(job.source) == "jpeg") {
+  job.moved = true;
+  if (angle % kQuarter == 0 && KindOfFile(job.file()) == "jpeg") {
     const OddEdge edge = job.parameters.has("trim-edge") ? OddEdge::kTrim : OddEdge::kKeep;
     job.withoutLoss = [&job, angle, edge](const std::string& path) {
-      return TurnJpeg(job.source, {.quarterTurnsClockwise = angle / kQuarter}, edge, path);
+      return TurnJpeg(job.file(), {.quarterTurnsClockwise = angle / kQuarter}, edge, path);
     };
   }
   return job.toolkit.RotateInPlace(job.image.address(), job.parameters.whole("angle"),
@@ -107,6 +108,10 @@ int ConvertByFile(Job& job, const ORVOIMAGEFILEINFO& info) {
 
 // What is refused as a whole goes through memory, where more is known of what went wrong.
 int Convert(Job& job) {
+  if (KindOfFile(job.source) == "pdf" && MayStayAsItIs(job)) {
+    job.written = true;
+    return KeepAsItIs(job);
+  }
   if (IsDocument(job.target)) {
     job.written = true;
     return ConvertToDocument(job);

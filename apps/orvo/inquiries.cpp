@@ -1,18 +1,38 @@
 // Commands that change nothing: they report.
+#include <algorithm>
+#include <filesystem>
+
 #include "completion.h"
+#include "file_kind.h"
 #include "format_list.h"
 #include "operations.h"
+#include "page_reports.h"
 #include "picture.h"
-#include "tiff_pages.h"
 
 namespace client {
 namespace {
 
+// A document is told by its pages.
+int InfoOfDocument(Job& job) {
+  std::error_code fault;
+  const auto bytes = std::filesystem::file_size(job.source, fault);
+  Report::List pages;
+  if (const int code = DescribePdfPages(job, pages); code != ORVO_OK) return code;
+  job.report.set("file",
+                 Report::Fields{{"bytes_on_disk", fault ? 0 : bytes}, {"pages", pages.size()}});
+  job.report.set("pages", std::move(pages));
+  return ORVO_OK;
+}
+
 int Info(Job& job) {
+  if (KindOfFile(job.source) == "pdf") return InfoOfDocument(job);
   ORVOIMAGEFILEINFO info{};
   if (const int code = job.toolkit.ImageFileInfo(job.source.c_str(), &info); code != ORVO_OK) {
     return code;
   }
+  Report::List pages;
+  if (KindOfFile(job.source) == "tiff") pages = DescribedTiffPages(job.source);
+  const std::size_t count = std::max<std::size_t>(pages.size(), 1);
   job.report.set("file", Report::Fields{{"width", info.width},
                                         {"height", info.height},
                                         {"bits", info.bitsPerPixel},
@@ -20,7 +40,8 @@ int Info(Job& job) {
                                         {"y_dpi", info.yResolution},
                                         {"bytes_on_disk", info.sizeOnDisk},
                                         {"bytes_in_memory", info.sizeInMemory},
-                                        {"pages", PageCount(job.source)}});
+                                        {"pages", count}});
+  if (count > 1) job.report.set("pages", std::move(pages));
   const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
   if (code != ORVO_OK) return code;
   const auto shape = ShapeOf(job.image.get());

@@ -38,7 +38,7 @@ constexpr Option kCommonOptions[] = {
      .least = 0,
      .most = 9},
     {.name = "pages",
-     .meaning = "those of a TIFF file that are taken, such as 1,3-5 or 2-; all unless given",
+     .meaning = "those of a TIFF file or PDF that are taken, such as 1,3-5 or 2-; all unless given",
      .kind = ValueKind::kText},
     {.name = "background",
      .meaning = "red, green and blue of what lies under opacity that the result cannot hold; white "
@@ -48,8 +48,8 @@ constexpr Option kCommonOptions[] = {
      .fewest = 3,
      .atMost = 3},
     {.name = "allow-loss",
-     .meaning = "with --in-place: write also what keeps 8 of a file's 16 bits a sample, or one of "
-                "its pictures, frames or layers",
+     .meaning = "with --in-place: write also what keeps 8 of a file's 16 bits a sample, one of its "
+                "pictures, frames or layers, or loses a PDF's hidden text, notes or signature",
      .kind = ValueKind::kFlag},
     {.name = "strip",
      .meaning = "leave out what a file holds beside the picture and its color profile; --strip=all "

@@ -17,6 +17,7 @@
 #include "paths.h"
 #include "picture.h"
 #include "report.h"
+#include "tag_directory.h"
 
 namespace client {
 
@@ -42,12 +43,20 @@ struct Job {
   std::optional<Shape> loaded = {};  // what the picture was before the work
   bool inSrgb = false;               // the picture was brought there from other colours
   std::string lossesTold = {};
-  bool furtherTold = false;  // that the source holds further pictures
+  bool furtherTold = false;          // that the source holds further pictures
   int page = 1;                      // of the source, that it came from
+  std::string pageFile = {};         // that page as a file of its own, where there is one
+  PagePlace place = {};              // that page in a TIFF file
+  bool moved = false;                // what lay over the picture lies elsewhere on it now
   std::optional<bool> changed = {};  // whether the target shows anything new
   std::string found = {};            // what there is to say when nothing changed
   std::string hint = {};             // what may help after a failure
   Report report = {};
+
+  // Where the picture came from with all that goes with it, and the page there.
+  [[nodiscard]] const std::string& file() const { return pageFile.empty() ? source : pageFile; }
+  [[nodiscard]] int pageInFile() const { return pageFile.empty() ? page : 1; }
+  [[nodiscard]] PagePlace* placeInFile() { return pageFile.empty() ? &place : nullptr; }
 };
 
 enum class Subject {

@@ -65,6 +65,7 @@ int Deskew(Job& job) {
   job.toolkit.AutoDeskew(job.image.get(), upright.receive(job.image), &hundredths, ReportProgress);
   if (!upright) return ORVO_ERR_FAILURE;
   job.image = std::move(upright);
+  job.moved = hundredths != 0;
   job.report.set("angle", hundredths / 100);
   return ORVO_OK;
 }

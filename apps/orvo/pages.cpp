@@ -10,6 +10,8 @@
 #include "encoding.h"
 #include "file_kind.h"
 #include "metadata.h"
+#include "page_source.h"
+#include "pdf_pages.h"
 #include "picture.h"
 #include "progress.h"
 #include "replacement.h"
@@ -34,31 +36,34 @@ int NumberOf(std::string_view text, int fallback) {
 // The file's pages, one after the other.
 class Walk {
  public:
-  Walk(Job& job, const std::function<int()>& work, int count)
-      : job_(job), work_(work), source_(job.source) {
-    pages_ = PagesNamed(job.parameters.has("pages") ? job.parameters.text("pages") : "1-", count);
-  }
+  Walk(Job& job, const std::function<int()>& work, PageSource& source, std::vector<int> pages)
+      : job_(job), work_(work), source_(source), pages_(std::move(pages)) {}
 
   [[nodiscard]] const std::vector<int>& pages() const { return pages_; }
   [[nodiscard]] const std::vector<Passage>& passages() const { return passages_; }
   [[nodiscard]] bool hasChanged() const { return changed_; }
   [[nodiscard]] std::uint16_t compression() const { return source_.compression(); }
-  // Bytes of a file of all pages, roughly: compressed ones seldom grow to eight times.
+  // Its pages are files of their own only once they were loaded.
+  [[nodiscard]] bool isOfDocument() const { return source_.document() != nullptr; }
+  int hold(int page) { return source_.hold(page, job_); }
+  // Bytes of a file of all pages, roughly: compressed ones seldom grow to eight times, the JPEG
+  // data of documents do.
   [[nodiscard]] std::uint64_t expectedBytes() const {
     std::error_code fault;
-    return fs::file_size(job_.source, fault) * 8;
+    return fs::file_size(job_.source, fault) * (source_.document() == nullptr ? 8 : 32);
   }
 
   // Loads a page, changes it, and notes what was reported of it.
   int step(int page) {
     const std::string name = "page " + std::to_string(page);
     BeginStep(job_.source, name);
-    int code = source_.load(page, job_.image);
+    job_.withoutLoss = {};
+    job_.moved = false;
+    int code = source_.load(page, job_);
     if (code == ORVO_OK) {
       job_.page = page;
       job_.inSrgb = false;
       TakeInksByProfile(job_);
-      job_.loaded = ShapeOf(job_.image.get());
       job_.before = Copied(job_.image.get());
       code = job_.before ? work_() : ORVO_ERR_NO_MEMORY;
     }
@@ -90,7 +95,7 @@ class Walk {
  private:
   Job& job_;
   const std::function<int()>& work_;
-  TiffSource source_;
+  PageSource& source_;
   std::vector<int> pages_;
   std::vector<Passage> passages_;
   Report::List reports_;
@@ -98,12 +103,14 @@ class Walk {
 };
 
 // What is lost of many pages is told once.
-int TakeAllMetadata(Job& job, const Walk& walk, const std::string& path) {
+int TakeAllMetadata(Job& job, Walk& walk, const std::string& path) {
   try {
     std::set<std::string> losses;
     int resultPage = 0;
+    PagePlace place;
     for (const Passage& passage : walk.passages()) {
-      for (std::string& loss : TakeMetadata(job, passage, path, ++resultPage)) {
+      if (const int code = walk.hold(passage.page); code != ORVO_OK) return code;
+      for (std::string& loss : TakeMetadata(job, passage, path, ++resultPage, &place)) {
         losses.insert(std::move(loss));
       }
     }
@@ -133,13 +140,14 @@ int WritePages(Job& job, Walk& walk, const std::string& path) {
 
 // Pages that nothing changed go into the document as they are in their file, if they can.
 int AddPage(Job& job, Walk& walk, int page, DocumentTarget& document) {
-  if (job.staysAsItIs) {
+  const bool triesAtOnce = job.staysAsItIs && !walk.isOfDocument();
+  if (triesAtOnce) {
     BeginStep(job.source, "page " + std::to_string(page));
     const int code = document.addPage(job, page);
     if (code == ORVO_OK || code == ORVO_ERR_CANCELLED) return code;
   }
   if (const int code = walk.step(page); code != ORVO_OK) return code;
-  if (!job.staysAsItIs && AreTheSame(job.before.get(), job.image.get()) &&
+  if (!triesAtOnce && AreTheSame(job.before.get(), job.image.get()) &&
       document.addPage(job, page) == ORVO_OK) {
     return ORVO_OK;
   }
@@ -177,6 +185,36 @@ int IntoOneFile(Job& job, Walk& walk) {
   return code;
 }
 
+// A page that did not change and is a file of the target's kind by itself needs no coding.
+bool IsTheFile(const Job& job) {
+  return !job.pageFile.empty() && KindOfFile(job.pageFile) == KindOfName(job.target) &&
+         !job.parameters.has("quality") && !job.parameters.has("strip") &&
+         AreTheSame(job.before.get(), job.image.get());
+}
+
+int SavePage(Job& job) {
+  if (!IsTheFile(job)) return SavePicture(job);
+  job.changed = true;
+  return WriteTarget(job, [&job](const std::string& path) {
+    std::error_code fault;
+    fs::copy_file(job.pageFile, path, fault);
+    return fault ? ORVO_ERR_FILE_IO : ORVO_OK;
+  });
+}
+
+// Pages that are not taken stay where they are, as they are.
+int AmongOthers(Job& job, Walk& walk, int count) {
+  Replacement result(job.target);
+  const std::string made = fs::path(result.path()).replace_filename("pages.tif").string();
+  int code = result ? WritePages(job, walk, made) : ORVO_ERR_FILE_OPEN;
+  if (code == ORVO_OK && !walk.hasChanged() && !job.parameters.has("strip")) return KeepAsItIs(job);
+  if (code == ORVO_OK) code = JoinPages(job, count, walk.pages(), made, result.path());
+  if (code == ORVO_OK && !result.commit()) code = ORVO_ERR_FILE_IO;
+  if (code != ORVO_OK && job.hint.empty()) job.hint = "while writing " + job.target;
+  job.changed = true;
+  return code;
+}
+
 int IntoFiles(Job& job, Walk& walk) {
   const fs::path named(job.target);
   for (const int page : walk.pages()) {
@@ -187,9 +225,27 @@ int IntoFiles(Job& job, Walk& walk) {
       job.hint = job.furtherTargets.claim(job.target);
       if (!job.hint.empty()) return ORVO_ERR_FILE_OPEN;
     }
-    if (const int code = SavePicture(job); code != ORVO_OK) return code;
+    if (const int code = SavePage(job); code != ORVO_OK) return code;
   }
   return ORVO_OK;
+}
+
+int IntoTarget(Job& job, Walk& walk, PageSource& source) {
+  const std::string kind = KindOfName(job.target);
+  PdfFile* const document = source.document();
+  if (document != nullptr && kind == "pdf" && job.document == nullptr) {
+    return IntoDocument(job, *document, walk.pages(),
+                        [&walk](int page) { return walk.step(page); });
+  }
+  const int count = source.pageCount();
+  if (job.parameters.has("in-place") && static_cast<int>(walk.pages().size()) < count) {
+    return AmongOthers(job, walk, count);
+  }
+  const int code = kind == "pdf"    ? IntoNewDocument(job, walk)
+                   : kind == "tiff" ? IntoOneFile(job, walk)
+                                    : IntoFiles(job, walk);
+  if (code == ORVO_OK && !job.parameters.has("strip")) TellLosses(job, source.besides());
+  return code;
 }
 
 }  // namespace
@@ -213,31 +269,29 @@ std::vector<int> PagesNamed(const std::string& text, int count) {
 }
 
 bool HasPages(const Job& job) {
-  if (job.target.empty() || KindOfFile(job.source) != "tiff") return false;
-  const int count = PageCount(job.source);
-  return job.parameters.has("pages") || count > 1 || BreaksOff(job.source, count);
+  const std::string kind = KindOfFile(job.source);
+  if (job.target.empty() || (kind != "tiff" && kind != "pdf")) return false;
+  if (kind == "pdf" || job.parameters.has("pages")) return true;
+  TiffSource source(job.source);
+  return source.pageCount() > 1 || source.breaksOff();
 }
 
 int DoPages(Job& job, const std::function<int()>& work) {
-  const int count = PageCount(job.source);
-  if (!job.parameters.has("pages") && BreaksOff(job.source, count)) {
+  std::unique_ptr<PageSource> source;
+  if (const int code = OpenPages(job, source); code != ORVO_OK) return code;
+  const int count = source->pageCount();
+  const bool picks = job.parameters.has("pages");
+  if (!picks && source->breaksOff()) {
     job.hint = "damaged after page " + std::to_string(count) + "; --pages 1-" +
                std::to_string(count) + " takes what there is";
     return ORVO_ERR_BAD_FILE;
   }
-  Walk walk(job, work, count);
+  Walk walk(job, work, *source, PagesNamed(picks ? job.parameters.text("pages") : "1-", count));
   if (walk.pages().empty()) {
     job.hint = "the file has no such pages";
     return ORVO_ERR_OUT_OF_RANGE;
   }
-  if (job.parameters.has("in-place") && static_cast<int>(walk.pages().size()) < count) {
-    job.hint = "the other pages would be lost; --output takes those that are picked";
-    return ORVO_ERR_NOT_SUPPORTED;
-  }
-  const std::string kind = KindOfName(job.target);
-  const int code = IsDocument(job.target) ? IntoNewDocument(job, walk)
-                   : kind == "tiff"       ? IntoOneFile(job, walk)
-                                          : IntoFiles(job, walk);
+  const int code = IntoTarget(job, walk, *source);
   walk.report();
   return code;
 }

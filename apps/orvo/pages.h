@@ -1,4 +1,4 @@
-// All pages of a TIFF file through one command, or those that --pages picks.
+// All pages of a file through one command, or those that --pages picks.
 #ifndef APPS_ORVO_PAGES_H
 #define APPS_ORVO_PAGES_H
 
@@ -14,7 +14,8 @@ namespace client {
 // something else. The last page may be left out: "3-".
 std::vector<int> PagesNamed(const std::string& text, int count);
 
-// Whether a command goes through pages: the file has several, or --pages picks.
+// Whether a command goes through pages: the file has several, or --pages picks, or it is a
+// document.
 bool HasPages(const Job& job);
 
 // Loads one page after the other into job.image, lets `work` change it, and makes the target of

@@ -9,11 +9,11 @@
 #include "further_pictures.h"
 #include "messages.h"
 #include "opacity.h"
+#include "page_source.h"
 #include "progress.h"
 #include "replacement.h"
 #include "sample_depth.h"
 #include "source_colors.h"
-#include "tiff_pages.h"
 
 namespace client {
 
@@ -82,7 +82,7 @@ int LayOnBackground(Job& job) {
 }
 
 int MindSampleBits(Job& job) {
-  const int bits = SampleBits(job.source, job.page);
+  const int bits = SampleBits(job.file(), job.pageInFile(), job.placeInFile());
   if (bits <= 8 || job.parameters.has("allow-loss")) return ORVO_OK;
   const std::string fact = "its samples of " + std::to_string(bits) + " bits ";
   if (job.parameters.has("in-place")) {

@@ -2,13 +2,15 @@
 
 #include <string_view>
 
+#include "file_access.h"
 #include "file_kind.h"
 #include "module_calls.h"
 #include "pictures/loading.h"
+#include "tiff_assembly.h"
 
 namespace client {
-int PageCount(const std::string& path) {
-  if (KindOfFile(path) != "tiff") return 1;
+
+int TiffPageCount(const std::string& path) {
   int pages = 1;
   (void)ModuleCall([&] {
     const modules::ReaderHandle reader = modules::OpenTiff(path.c_str(), nullptr);
@@ -17,18 +19,20 @@ int PageCount(const std::string& path) {
   return pages;
 }
 
-bool BreaksOff(const std::string& path, int pages) {
-  return ModuleCall([&] { (void)modules::OpenTiff(path.c_str(), nullptr)->goTo(pages + 1); }) !=
-         ORVO_OK;
-}
-
 TiffSource::TiffSource(std::string path)
     : path_(std::move(path)), reader_(modules::OpenTiff(path_.c_str(), ReportPercent)) {}
 
-int TiffSource::load(int page, orvo::OwnedDib& picture) {
+bool TiffSource::breaksOff() {
+  const int pages = pageCount();
+  return ModuleCall([&] { (void)modules::OpenTiff(path_.c_str(), nullptr)->goTo(pages + 1); }) !=
+         ORVO_OK;
+}
+
+int TiffSource::load(int page, Job& job) {
   return ModuleCall([&] {
     modules::Require(reader_->goTo(page), kModuleReadFailed);
-    picture = modules::LoadPicture(*reader_);
+    job.image = modules::LoadPicture(*reader_);
+    job.loaded = ShapeOf(job.image.get());
   });
 }
 
@@ -49,6 +53,31 @@ std::uint16_t TiffSource::compression() const {
   if (name == "LZW") return COMPRESSION_LZW;
   if (name == "PackBits") return COMPRESSION_PACKBITS;
   return COMPRESSION_ADOBE_DEFLATE;
+}
+
+int JoinPages(Job& job, int count, const std::vector<int>& taken, const std::string& made,
+              const std::string& path) {
+  try {
+    TiffPages before(job.source);
+    TiffPages changed(made);
+    TagForm form = before.form();
+    form.isBig = form.isBig || changed.form().isBig;
+    TiffAssembly result(path, form);
+    auto next = taken.begin();
+    for (int page = 1; page <= count; ++page) {
+      if (next != taken.end() && *next == page) {
+        ++next;
+        result.add(changed, static_cast<int>(next - taken.begin()));
+      } else {
+        result.add(before, page);
+      }
+    }
+    result.finish();
+    return ORVO_OK;
+  } catch (const MetadataFault& fault) {
+    job.hint = fault.what();
+    return ORVO_ERR_NOT_SUPPORTED;
+  }
 }
 
 int TiffTarget::add(DibHandle picture, const modules::TiffCoding& coding) {

@@ -4,31 +4,26 @@
 
 #include <string>
 
-#include <orvo/dib_block.h>
-
+#include "page_source.h"
 #include "pictures/codecs.h"
 #include "pictures/tiff_writer.h"
 
 namespace client {
 
-// 1 for files that are no TIFF, and for those that cannot be read. A chain of pages that leads back
-// to an earlier one ends there.
-int PageCount(const std::string& path);
+// 1 for files that cannot be read. A chain of pages that leads back to an earlier one ends there.
+int TiffPageCount(const std::string& path);
 
-// Whether there may be further pages that a damaged file no longer tells.
-bool BreaksOff(const std::string& path, int pages);
-
-// Pages are cheapest in rising order.
-class TiffSource {
+class TiffSource : public PageSource {
  public:
   explicit TiffSource(std::string path);
 
-  // The page as LoadFile loads the first one. A result code of the toolkit.
-  int load(int page, orvo::OwnedDib& picture);
+  int pageCount() override { return TiffPageCount(path_); }
+  bool breaksOff() override;
+  // As LoadFile loads the first page.
+  int load(int page, Job& job) override;
   // Reads what stands before the page.
   bool goTo(int page) { return reader_->goTo(page); }
-  // Of the page at hand: a lossless TIFF compression that is, or stands for, its own.
-  [[nodiscard]] std::uint16_t compression() const;
+  [[nodiscard]] std::uint16_t compression() const override;
 
  private:
   std::string path_;
@@ -37,6 +32,11 @@ class TiffSource {
 
 // The compression of a file's first page, as above, or the best without loss for other files.
 std::uint16_t CompressionFor(const std::string& path);
+
+// Makes `path` of the job's source, a TIFF file of `count` pages: those of `made`, another such
+// file, take the places of `taken`, rising. All others are copied as they are, tags and coded data.
+int JoinPages(Job& job, int count, const std::vector<int>& taken, const std::string& made,
+              const std::string& path);
 
 // A file that is made page by page; it is whole once finished.
 class TiffTarget {

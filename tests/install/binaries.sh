@@ -24,6 +24,7 @@ exports liborvo_platform.so '[A-Za-z_]\w*$'
 exports ltkrn13n.dll '(L_|Kernel)\w+$'
 exports ltimg13n.dll 'L_\w+$'
 exports ltfil13n.dll 'L_\w+$'
+exports orvo_pages.so 'OpenPdfFile$'
 [ ! -e "$build/lib/PdfLib.dll" ] || exports PdfLib.dll 'PDF_\w+$'
 [ ! -e "$build/lib/orvo_documents.so" ] || exports orvo_documents.so 'NewDocumentMaker$'
 
@@ -31,7 +32,7 @@ binaries=()
 while IFS= read -r file; do
   [ "$(head -c 4 "$file" | tail -c 3)" != ELF ] || binaries+=("$file")
 done < <(find "$build/lib" "$build/bin" -type f)
-shipped=("$build"/lib/liborvo{,_platform}.so "$build"/lib/*.dll "$build"/lib/orvo_documents.so "$build"/bin/orvo)
+shipped=("$build"/lib/liborvo{,_platform}.so "$build"/lib/*.dll "$build"/lib/orvo_documents.so "$build"/lib/orvo_pages.so "$build"/bin/orvo)
 
 for file in "${binaries[@]}"; do
   paths=$(readelf -d "$file" | sed -nE 's/.*R(UN)?PATH.*\[(.*)\]/\2/p')

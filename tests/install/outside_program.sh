@@ -10,7 +10,7 @@ prefix=$work/prefix
 cmake --install "$build" --prefix "$prefix" >/dev/null
 
 for file in "$libdir/liborvo.so.1" "$libdir/liborvo_platform.so.1" "$libdir/ltkrn13n.dll" \
-  "$libdir/ltimg13n.dll" "$libdir/ltfil13n.dll" "$libdir/PdfLib.dll" "$libdir/orvo_documents.so" \
+  "$libdir/ltimg13n.dll" "$libdir/ltfil13n.dll" "$libdir/PdfLib.dll" "$libdir/orvo_documents.so" "$libdir/orvo_pages.so" \
   include/orvo/orvo.h bin/orvo; do
   [ -e "$prefix/$file" ] || {
     echo "not installed: $file"
