@@ -58,7 +58,7 @@ function target_of(from, form, header) {
 BEGIN {
   words["records.h"]; words["result_codes.h"]; words["export.h"]
   for (word in words) header_room[word] = "words"
-  header_room["platform.h"] = "platform"
+  header_room["platform.h"] = header_room["file_limits.h"] = "platform"
   header_room["dib.h"] = header_room["dib_block.h"] = "dib"
   header_room["CLeadTools.h"] = "binding"
   header_room["COrvoCS.h"] = "methods"

@@ -26,7 +26,7 @@ constexpr Library kLibraries[] = {
     {"giflib"},
 #endif
 #if defined(ORVO_HAVE_MAGICK)
-    {"GraphicsMagick"},
+    {"GraphicsMagick", kMagickLibrary},
 #endif
 #if defined(ORVO_HAVE_WEBP)
     {"libwebp", kWebpLibrary},

@@ -7,6 +7,7 @@
 namespace modules {
 
 // Of those that are loaded when they are first needed, as the loader knows them.
+inline constexpr const char* kMagickLibrary = "libGraphicsMagick-Q16.so.3";
 inline constexpr const char* kWebpLibrary = "libwebp.so.7";
 inline constexpr const char* kWebpPartsLibrary = "libwebpdemux.so.2";
 inline constexpr const char* kHeifLibrary = "libheif.so.1";

@@ -5,6 +5,7 @@
 
 #include <magick/api.h>
 
+#include "pictures/libraries.h"
 #include "pictures/loaded_library.h"
 
 namespace modules {
@@ -12,7 +13,7 @@ namespace modules {
 struct MagickLibrary {
   // Each number of bits a tone has a library of its own; the types of the headers fit one of them.
   static_assert(QuantumDepth == 16);
-  LoadedLibrary library{"libGraphicsMagick-Q16.so.3"};
+  LoadedLibrary library{kMagickLibrary};
 
   ORVO_LIBRARY_CALL(InitializeMagickEx);
   ORVO_LIBRARY_CALL(MagickAllocFunctions);
