@@ -11,8 +11,9 @@
 namespace client {
 namespace {
 
-// A module rather than a library.
-constexpr std::string_view kPdfModule = "PdfLib.dll";
+// The client's own libraries, which lie beside the toolkit.
+constexpr std::string_view kPdfReader = "orvo_pages.so";
+constexpr std::string_view kPdfWriter = "orvo_documents.so";
 
 struct Format {
   std::string_view name;
@@ -27,7 +28,7 @@ constexpr Format kFormats[] = {
     {"JPEG", "jpg jpeg jpe", "8 24", "libjpeg", "libjpeg"},
     {"PNG", "png", "1 4 8 24 32", "libpng", "libpng"},
     {"TIFF", "tif tiff", "1 4 8 24 32", "libtiff", "libtiff", true},
-    {"PDF", "pdf", "1 4 8 24", {}, kPdfModule, true},
+    {"PDF", "pdf", "1 4 8 24", kPdfReader, kPdfWriter, true},
     {"WebP", "webp", "24 32", "libwebpdemux", "libwebp"},
     {"HEIC", "heic heif", "24 32", "libheif", {}},
     {"AVIF", "avif", "24 32", "libheif", {}},
@@ -46,8 +47,7 @@ constexpr Format kFormats[] = {
     {"PostScript", "eps", "1 4 8 24", {}, "GraphicsMagick"},
 };
 
-// Beside the toolkit, where it loads its modules from.
-bool HasModule(std::string_view name) {
+bool LiesBesideToolkit(std::string_view name) {
   char path[MAX_PATH] = {};
   void* const toolkit = PlatformModuleOf(reinterpret_cast<const void*>(&CreateORVOInstance));
   if (GetModuleFileNameA(toolkit, path, MAX_PATH) == 0) return false;
@@ -57,7 +57,8 @@ bool HasModule(std::string_view name) {
 
 bool Has(std::string_view library) {
   if (library.empty()) return false;
-  return library == kPdfModule ? HasModule(library) : modules::HasLibrary(library);
+  const bool isOwn = library == kPdfReader || library == kPdfWriter;
+  return isOwn ? LiesBesideToolkit(library) : modules::HasLibrary(library);
 }
 
 Report::List Words(std::string_view words, const auto& convert) {

@@ -44,7 +44,7 @@ MagickPassFail OnAccess(const ConfirmAccessMode /*mode*/, const char* /*path*/,
 }
 
 // Images beyond these bounds fail before any of their memory is taken.
-void SetLimits() {
+void HoldToLimits() {
   constexpr std::uint64_t kPixelBytes = 10;  // that the library takes
   constexpr std::uint64_t kMostSide = 0xFFFF;
   const OrvoFileLimits& limits = *OrvoLimitFiles(nullptr);
@@ -53,6 +53,9 @@ void SetLimits() {
   (void)Magick().SetMagickResourceLimit(PixelsResource, static_cast<magick_int64_t>(pixels));
   (void)Magick().SetMagickResourceLimit(WidthResource, side);
   (void)Magick().SetMagickResourceLimit(HeightResource, side);
+}
+
+void SetLimits() {
   (void)Magick().SetMagickResourceLimit(MapResource, 0);
   (void)Magick().SetMagickResourceLimit(DiskResource, 0);
   // Reports of progress have to come from the thread that asked for the work.
@@ -174,7 +177,10 @@ bool MagickProgress::report(bool firstHalf, std::uint64_t done, std::uint64_t to
 
 MagickImageInfo NewMagickInfo(const char* magick) {
   ImageInfo* info = nullptr;
-  CallMagick(nullptr, [&] { info = Magick().CloneImageInfo(nullptr); });
+  CallMagick(nullptr, [&] {
+    HoldToLimits();
+    info = Magick().CloneImageInfo(nullptr);
+  });
   std::string(magick).copy(info->magick, sizeof info->magick - 1);
   // What is in the file does not change the decoder's mind.
   info->affirm = MagickTrue;
