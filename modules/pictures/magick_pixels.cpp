@@ -109,14 +109,10 @@ void CopyLine(const Image& image, long line, int depth, std::uint8_t* row) {
     });
     return WriteIndexes(target, 0, indexes.data());
   }
-  const bool matte = image.matte != 0;
-  const bool keepsAlpha = depth == 32;
   std::vector<Color> colors(width);
   std::transform(pixels, pixels + width, colors.begin(),
-                 matte && !keepsAlpha ? ColorOverWhite : PlainColor);
+                 image.matte != 0 ? ColorOverWhite : PlainColor);
   WriteColors(target, 0, colors.data());
-  if (!keepsAlpha || !matte) return;
-  for (std::size_t x = 0; x < width; ++x) row[4 * x + 3] = ToneOf(kMost - pixels[x].opacity);
 }
 
 void CopyToMagick(const Pixels& source, bool withAlpha, Image& image, MagickProgress& progress) {

@@ -16,8 +16,8 @@ bool FitsPalette(const Image& image, int depth);
 // The colours of the image's palette.
 std::vector<RGBQUAD> PaletteOf(const Image& image);
 
-// Copies the line of an image to a bitmap's row. To 32 bits the fourth byte is the opacity;
-// otherwise transparent parts show white. Depths to 8 ask for FitsPalette.
+// Copies the line of an image to a bitmap's row, of at most 24 bits; transparent parts show white.
+// Depths to 8 ask for FitsPalette.
 void CopyLine(const Image& image, long line, int depth, std::uint8_t* row);
 
 // Gives an image that has no pixels yet those of a DIB: with a palette for depths to 8; with
