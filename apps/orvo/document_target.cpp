@@ -7,8 +7,8 @@
 #include "file_kind.h"
 #include "messages.h"
 #include "metadata.h"
+#include "module_calls.h"
 #include "pictures/loaded_library.h"
-#include "progress.h"
 #include "sample_depth.h"
 
 namespace client {
@@ -18,29 +18,13 @@ namespace {
 constexpr std::string_view kJpeg = "jpeg";
 constexpr std::string_view kKinds[] = {kJpeg, "png", "tiff", "gif"};
 
-bool Go(int percent) {
-  return ReportProgress(percent, nullptr) != ORVO_ERR_CANCELLED;
-}
-
-int ResultOf(int moduleCode) {
-  switch (moduleCode) {
-    case kModuleSuccess:
-      return ORVO_OK;
-    case kModuleAborted:
-      return ORVO_ERR_CANCELLED;
-    case kModuleNoMemory:
-      return ORVO_ERR_NO_MEMORY;
-    default:
-      return ORVO_ERR_FILE_IO;
-  }
-}
-
 // Null when there is no such library, or no file can be made beside `path`.
 std::unique_ptr<modules::DocumentMaker> NewMaker(const std::string& path, bool& isMissing) {
   modules::DocumentMaker* maker = nullptr;
   const int code = modules::Guarded([&] {
     static const modules::LoadedLibrary library("orvo_documents.so");
-    maker = library.get<decltype(&NewDocumentMaker)>("NewDocumentMaker")(path.c_str(), Go);
+    maker =
+        library.get<decltype(&NewDocumentMaker)>("NewDocumentMaker")(path.c_str(), ReportPercent);
     return kModuleSuccess;
   });
   isMissing = code != kModuleSuccess;

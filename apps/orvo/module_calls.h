@@ -14,13 +14,8 @@ inline bool ReportPercent(int percent) {
   return ReportProgress(percent, nullptr) != ORVO_ERR_CANCELLED;
 }
 
-// Runs what may throw a module's code; the toolkit's code for it.
-template <class Work>
-int ModuleCall(const Work& work) {
-  const int code = modules::Guarded([&] {
-    work();
-    return kModuleSuccess;
-  });
+// The toolkit's code for a module's.
+inline int ResultOf(int code) {
   switch (code) {
     case kModuleSuccess:
       return ORVO_OK;
@@ -34,6 +29,15 @@ int ModuleCall(const Work& work) {
     default:
       return ORVO_ERR_FILE_IO;
   }
+}
+
+// Runs what may throw a module's code; the toolkit's code for it.
+template <class Work>
+int ModuleCall(const Work& work) {
+  return ResultOf(modules::Guarded([&] {
+    work();
+    return kModuleSuccess;
+  }));
 }
 
 }  // namespace client

@@ -7,19 +7,15 @@
 
 #include "jpeg_amendment.h"
 #include "metadata.h"
+#include "module_calls.h"
 #include "pdf_file.h"
 #include "pictures/codecs.h"
 #include "pictures/loaded_library.h"
 #include "pictures/loading.h"
 #include "pictures/temporary_file.h"
-#include "progress.h"
 
 namespace client {
 namespace {
-
-bool Go(int percent) {
-  return ReportProgress(percent, nullptr) != ORVO_ERR_CANCELLED;
-}
 
 // What reads documents; null when it is not there.
 const modules::LoadedLibrary* Library() {
@@ -52,9 +48,7 @@ int Done(Job& job, const Work& work) {
   } catch (const std::bad_alloc&) {
     return ORVO_ERR_NO_MEMORY;
   } catch (const modules::ModuleError& error) {
-    return error.code == kModuleAborted    ? ORVO_ERR_CANCELLED
-           : error.code == kModuleNoMemory ? ORVO_ERR_NO_MEMORY
-                                           : ORVO_ERR_FILE_IO;
+    return ResultOf(error.code);
   }
 }
 
@@ -87,7 +81,7 @@ class PdfSource : public PageSource {
       const bool isJpeg = take(page, PdfFile::Part::kAll, job);
       const char* const path = job.pageFile.c_str();
       const modules::ReaderHandle reader =
-          isJpeg ? modules::OpenJpeg(path, Go) : modules::OpenTiff(path, Go);
+          isJpeg ? modules::OpenJpeg(path, ReportPercent) : modules::OpenTiff(path, ReportPercent);
       modules::Require(reader->goTo(1), kModuleReadFailed);
       job.image = modules::LoadPicture(*reader);
       job.loaded = ShapeOf(job.image.get());

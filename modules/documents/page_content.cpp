@@ -1,33 +1,19 @@
 #include "documents/page_content.h"
 
-#include <array>
 #include <cmath>
 #include <qpdf/QUtil.hh>
 #include <utility>
 
+#include "documents/upright_matrices.h"
+
 namespace modules {
 namespace {
-
-using Matrix = std::array<double, 6>;
 
 std::string Transform(const Matrix& matrix) {
   std::string text;
   for (const double number : matrix) text += NumberText(number) + " ";
   return text + "cm\n";
 }
-
-// Objects are drawn into the square from 0, 0 to 1, 1 with their first row on top. One row for each
-// orientation, from 1: how the square is laid over itself so that the picture stands upright.
-constexpr Matrix kUprightMatrices[] = {
-    {1, 0, 0, 1, 0, 0},    // upright
-    {-1, 0, 0, 1, 1, 0},   // mirrored left to right
-    {-1, 0, 0, -1, 1, 1},  // turned by 180 degrees
-    {1, 0, 0, -1, 0, 1},   // mirrored top to bottom
-    {0, -1, -1, 0, 1, 1},  // mirrored along the diagonal from the top left
-    {0, -1, 1, 0, 0, 1},   // needs a quarter turn clockwise
-    {0, 1, 1, 0, 0, 0},    // mirrored along the other diagonal
-    {0, 1, -1, 0, 1, 0},   // needs a quarter turn counter-clockwise
-};
 
 // Whole dots per inch that were rounded on their way into a header come out whole again.
 float DotsPerInchOf(std::int32_t pixelsPerMetre) {

@@ -86,11 +86,10 @@ void ReadJpegMetadata(const std::string& path, Carried& carried) {
       carried.xmp = TextOf(data.subspan(kXmp.size()));
     } else if (Is(segment, kPhotoshopMarker, kPhotoshop)) {
       Append(photoshop, data.subspan(kPhotoshop.size()));
-    } else if (Is(segment, kApp2, kFurtherPictures)) {
-      carried.lose("the further pictures in the file", "they belong to the picture as it was");
     } else if (segment.marker == kJpegComment) {
       carried.comments.emplace_back(TextOf(data));
-    } else if (IsMetadata(segment) && !IsProfile(segment)) {
+    } else if (IsMetadata(segment) && !IsProfile(segment) &&
+               !Is(segment, kApp2, kFurtherPictures)) {
       carried.segments.push_back(segment);
     }
   }

@@ -3,20 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "documents/upright_matrices.h"
+
 namespace client {
 namespace {
-
-// One row for each orientation, from 1.
-constexpr Matrix kUprightMatrices[] = {
-    {1, 0, 0, 1, 0, 0},    // upright
-    {-1, 0, 0, 1, 1, 0},   // mirrored left to right
-    {-1, 0, 0, -1, 1, 1},  // turned by 180 degrees
-    {1, 0, 0, -1, 0, 1},   // mirrored top to bottom
-    {0, -1, -1, 0, 1, 1},  // mirrored along the diagonal from the top left
-    {0, -1, 1, 0, 0, 1},   // needs a quarter turn clockwise
-    {0, 1, 1, 0, 0, 0},    // mirrored along the other diagonal
-    {0, 1, -1, 0, 1, 0},   // needs a quarter turn counter-clockwise
-};
 
 // Numbers in content are rounded; a part in a thousand is a pixel or two at the far edge.
 constexpr double kSlant = 1e-3;
@@ -94,7 +84,7 @@ std::optional<int> OrientationOf(const Matrix& place) {
   const double scale =
       std::max({std::abs(place.a), std::abs(place.b), std::abs(place.c), std::abs(place.d)});
   for (int orientation = 1; orientation <= 8; ++orientation) {
-    const Matrix& row = kUprightMatrices[orientation - 1];
+    const Matrix row = UprightMatrix(orientation);
     if (SignOf(place.a, scale) == SignOf(row.a, 1) && SignOf(place.b, scale) == SignOf(row.b, 1) &&
         SignOf(place.c, scale) == SignOf(row.c, 1) && SignOf(place.d, scale) == SignOf(row.d, 1)) {
       return orientation;
@@ -104,7 +94,8 @@ std::optional<int> OrientationOf(const Matrix& place) {
 }
 
 Matrix UprightMatrix(int orientation) {
-  return kUprightMatrices[orientation - 1];
+  const auto& [a, b, c, d, e, f] = modules::kUprightMatrices[orientation - 1];
+  return {a, b, c, d, e, f};
 }
 
 // All undo themselves but the two quarter turns, which undo each other.
