@@ -15,15 +15,16 @@ fail() {
   exit 1
 }
 # The line with the sum of each file.
-sums() { (cd "$1" && sha256sum ./*.png); }
+sums() { (cd "$1" && sha256sum ./*); }
 left() { find "$1" -name '.orvo-*'; }
 
 mkdir old new
 convert -size 400x300 plasma:blue-yellow -depth 8 old/1.png
-for i in 2 3 4 5 6; do convert old/1.png -swirl "${i}0" -depth 8 "old/$i.png"; done
+for file in 2.png 3.png 4.jpg 5.jpg; do convert old/1.png -swirl "${file%.*}0" -depth 8 "old/$file"; done
+convert old/1.png old/2.png -compress LZW old/6.tif
 cp old/* new
 start=$(date +%s%N)
-"$program" sharpen --level 4 --in-place new/*.png 2>/dev/null
+"$program" sharpen --level 4 --in-place new/* 2>/dev/null
 milliseconds=$((($(date +%s%N) - start) / 1000000))
 sums old >old.sums
 sums new >new.sums
@@ -34,7 +35,7 @@ for signal in INT TERM HUP KILL; do
     rm -rf work
     cp -r old work
     # A shell has background programs ignore the interrupt; env gives it back.
-    env --default-signal=INT "$program" sharpen --level 4 --in-place work/*.png 2>/dev/null &
+    env --default-signal=INT "$program" sharpen --level 4 --in-place work/* 2>/dev/null &
     process=$!
     sleep "$(printf '0.%03d' $((RANDOM * milliseconds / 32768 % 1000)))"
     kill -s "$signal" "$process" 2>/dev/null || true
@@ -45,7 +46,7 @@ for signal in INT TERM HUP KILL; do
     while read -r line; do
       grep -qxF -- "$line" old.sums || grep -qxF -- "$line" new.sums || fail "$signal left a broken $line"
     done < <(sums work)
-    [ "$(find work -name '*.png' -not -path '*/.orvo-*' | wc -l)" = 6 ] || fail "$signal lost a file"
+    [ "$(find work -type f -not -path '*/.orvo-*' | wc -l)" = 6 ] || fail "$signal lost a file"
     if [ "$signal" = KILL ]; then
       [ -z "$(left work)" ] || cleaned=$((cleaned + 1))
       "$program" invert --in-place work/1.png
