@@ -100,7 +100,8 @@ void CopyLine(const Image& image, long line, int depth, std::uint8_t* row) {
       Magick().AcquireImagePixels(&image, 0, line, width, 1, report.get());
   const IndexPacket* const packets = Magick().AccessImmutableIndexes(&image);
   Require(pixels != nullptr && (depth > 8 || packets != nullptr), kModuleNoMemory);
-  const Pixels target{.width = static_cast<int>(width), .height = 1, .depth = depth, .bits = row};
+  Pixels target{.width = static_cast<int>(width), .height = 1, .depth = depth};
+  target.bits = row;
   if (depth <= 8) {
     std::vector<std::uint8_t> indexes(width);
     const auto last = static_cast<IndexPacket>((1 << depth) - 1);
