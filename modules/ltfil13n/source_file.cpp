@@ -9,6 +9,7 @@
 #include "common/kernel_services.h"
 #include "pictures/file_handle.h"
 #include "pictures/loading.h"
+#include "pictures/reduced_loading.h"
 #include "platform/paths.h"
 
 namespace modules {
@@ -23,6 +24,13 @@ std::string ExtensionOf(const std::string& path) {
     character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
   }
   return extension;
+}
+
+// By how much a picture is reduced while it is read: not at all unless it is large.
+int ReductionOf(const Picture& picture, const Size& least) {
+  constexpr std::int64_t kManyPixels = std::int64_t{1} << 24;
+  if (std::int64_t{picture.width} * picture.height <= kManyPixels) return 1;
+  return std::min(picture.width / least.width, picture.height / least.height);
 }
 
 }  // namespace
@@ -47,15 +55,20 @@ const Format& FormatOfFile(const std::string& path) {
   return *format;
 }
 
-void LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame) {
+int LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame) {
   const std::string native = TakePath(path);
   const ReaderHandle reader = FormatOfFile(native).open(native.c_str(), KernelReportStatus);
   Require(reader->goTo(1), kModuleBadParameter);
+  int factor = 1;
   if (frame != nullptr) {
     const bool turned = SwapsSides(reader->picture().orientation);
-    reader->shrinkTo(turned ? frame->height : frame->width, turned ? frame->width : frame->height);
+    const Size least{turned ? frame->height : frame->width, turned ? frame->width : frame->height};
+    reader->shrinkTo(least.width, least.height);
+    factor = ReductionOf(reader->picture(), least);
   }
-  TakeBlock(bitmap, LoadPicture(*reader));
+  const int depth = reader->picture().depth();
+  TakeBlock(bitmap, factor > 1 ? LoadReduced(*reader, factor) : LoadPicture(*reader));
+  return depth;
 }
 
 LTFILEINFO DescribeFile(const char* path, int page) {

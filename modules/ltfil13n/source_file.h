@@ -19,8 +19,9 @@ struct Size {
   int height;
 };
 // Reads the first page into a bitmap that holds nothing. When frame is not null the picture may be
-// shrunk, as long as it stays at least that large.
-void LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame = nullptr);
+// shrunk, as long as it stays at least that large, and then has 8 bits or more. Gives the depth of
+// the page.
+int LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame = nullptr);
 
 // Describes a page, counted from 1.
 LTFILEINFO DescribeFile(const char* path, int page);

@@ -37,12 +37,13 @@ void RequireRoom(Size size, int depth) {
   Require(stride <= kMostBytes / static_cast<std::uint64_t>(size.height), kModuleNoMemory);
 }
 
-void Load(const char* path, Size frame, struct_LEAD_Bitmap& bitmap) {
+// Gives the depth of the page.
+int Load(const char* path, Size frame, struct_LEAD_Bitmap& bitmap) {
   constexpr int kMost = 1 << 20;  // no page is as large; keeps the products small
   const Size least{std::min(frame.width, kMost) * kReserve,
                    std::min(frame.height, kMost) * kReserve};
   const StatusShare share(0, kLoadShare);
-  LoadFile(path, bitmap, &least);
+  return LoadFile(path, bitmap, &least);
 }
 
 void Check(int code) {
@@ -106,10 +107,10 @@ void MakeThumbnail(const char* path, const LTTHUMBNAILOPTIONS& options,
   Require(frame.width > 0 && frame.height > 0, kModuleBadParameter);
   constexpr int kLeastDepth = 8;  // that is resized
   if (options.keepAspect == 0 || options.forceSize != 0) RequireRoom(frame, kLeastDepth);
-  Load(path, frame, bitmap);
+  const int ownBits = Load(path, frame, bitmap);
   const StatusShare share(kLoadShare, 100 - kLoadShare);
   const Color background = ColorOfReference(static_cast<unsigned>(options.backgroundColor));
-  const int bits = options.bitsPerPixel != 0 ? options.bitsPerPixel : bitmap.bitsPerPixel;
+  const int bits = options.bitsPerPixel != 0 ? options.bitsPerPixel : ownBits;
   const Size size = options.keepAspect != 0 ? Fitted({bitmap.width, bitmap.height}, frame) : frame;
   ToWorkingDepth(bitmap, background);
   RequireRoom(options.forceSize != 0 ? frame : size, bitmap.bitsPerPixel);

@@ -224,6 +224,37 @@ TEST_F(FileTest, thumbnails_of_jpeg_are_close_to_the_averaged_page) {
   EXPECT_LE(rig::LargestDifference(shrunk, Shown(thumbnail("a.png", &wish))), 12);
 }
 
+// Read row by row: every square of the page in its own colour shows in one pixel.
+TEST_F(FileTest, thumbnails_of_large_pages_are_averaged_as_they_are_read) {
+  constexpr int kSide = 4200;
+  constexpr int kSquare = 84;
+  const LTTHUMBNAILOPTIONS wish{kSide / kSquare, kSide / kSquare, 0, 0, 1, 0, 0, 0, 0};
+  for (const int depth : {8, 32}) {
+    const OwnedDib page = pictures::Blank(kSide, kSide, depth);
+    const rig::Locked image(page.get());
+    const std::size_t step = static_cast<std::size_t>(depth) / 8;
+    for (int y = 0; y < kSide; ++y) {
+      for (std::size_t i = 0; i < kSide * step; ++i) {
+        const std::size_t column = i / step / kSquare;
+        // Two halves of a square, whose mean it shows.
+        const int half = i / step % 2 == 0 ? 20 : 0;
+        image.row(y)[i] = static_cast<std::uint8_t>(half + 2 * y / kSquare + 1 * column + i % step);
+      }
+    }
+    ASSERT_EQ(save(page, "a.bmp", kFormatBmp), kModuleSuccess);
+    const OwnedDib made = thumbnail("a.bmp", &wish);
+    ASSERT_EQ(code_, kModuleSuccess);
+    const rig::Locked small(made.get());
+    ASSERT_EQ(rig::HeaderOf(made).biBitCount, depth);
+    for (int y = 0; y < wish.height; ++y) {
+      for (std::size_t i = 0; i < wish.width * step; ++i) {
+        const auto column = static_cast<int>(i / step);
+        EXPECT_NEAR(small.row(y)[i], 10.5 + 2 * y + column + static_cast<int>(i % step), 1.1);
+      }
+    }
+  }
+}
+
 TEST_F(FileTest, limits_hold_on_every_road) {
   const OrvoFileLimits usual = *OrvoLimitFiles(nullptr);
   const OwnedDib image = Picture({24, false}, 40, 30);
