@@ -170,7 +170,7 @@ class PngWriter {
     } else if (!indexes_.empty()) {
       ReadIndexes(image_, y, indexes_.data());
       if (form_.isGray()) {
-        for (std::uint8_t& index : indexes_) index /= kTwoBitStep;
+        for (std::uint8_t& index : indexes_) index = static_cast<std::uint8_t>(index / kTwoBitStep);
       }
       row = indexes_.data();
     }

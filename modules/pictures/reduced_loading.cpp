@@ -45,7 +45,8 @@ void StoreRow(const std::vector<Sums>& sums, int width, int factor, int rows, in
               std::uint8_t* row) {
   for (std::size_t place = 0; place < sums.size(); ++place) {
     const int across = std::min(factor, width - static_cast<int>(place) * factor);
-    const auto count = static_cast<std::uint64_t>(across) * static_cast<std::uint64_t>(rows);
+    const std::uint64_t count = std::max<std::uint64_t>(
+        static_cast<std::uint64_t>(across) * static_cast<unsigned>(rows), 1);
     for (std::size_t part = 0; part < static_cast<std::size_t>(depth) / 8; ++part) {
       *row++ = static_cast<std::uint8_t>((sums[place][part] + count / 2) / count);
     }
