@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "beside_toolkit.h"
 #include "encoding.h"
 #include "file_kind.h"
 #include "messages.h"
@@ -22,7 +23,7 @@ constexpr std::string_view kKinds[] = {kJpeg, "png", "tiff", "gif"};
 std::unique_ptr<modules::DocumentMaker> NewMaker(const std::string& path, bool& isMissing) {
   modules::DocumentMaker* maker = nullptr;
   const int code = modules::Guarded([&] {
-    static const modules::LoadedLibrary library("orvo_documents.so");
+    static const modules::LoadedLibrary library(BesideToolkit("orvo_documents.so").c_str());
     maker =
         library.get<decltype(&NewDocumentMaker)>("NewDocumentMaker")(path.c_str(), ReportPercent);
     return kModuleSuccess;

@@ -1,12 +1,11 @@
 #include "format_list.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iomanip>
 #include <sstream>
 
+#include "beside_toolkit.h"
 #include "pictures/libraries.h"
-#include "platform/modules.h"
 
 namespace client {
 namespace {
@@ -47,18 +46,11 @@ constexpr Format kFormats[] = {
     {"PostScript", "eps", "1 4 8 24", {}, "GraphicsMagick"},
 };
 
-bool LiesBesideToolkit(std::string_view name) {
-  char path[MAX_PATH] = {};
-  void* const toolkit = PlatformModuleOf(reinterpret_cast<const void*>(&CreateORVOInstance));
-  if (GetModuleFileNameA(toolkit, path, MAX_PATH) == 0) return false;
-  const auto module = std::filesystem::path(path).replace_filename(name);
-  return LoadLibraryA(module.string().c_str()) != nullptr;
-}
-
 bool Has(std::string_view library) {
   if (library.empty()) return false;
   const bool isOwn = library == kPdfReader || library == kPdfWriter;
-  return isOwn ? LiesBesideToolkit(library) : modules::HasLibrary(library);
+  return isOwn ? LoadLibraryA(BesideToolkit(library).c_str()) != nullptr
+               : modules::HasLibrary(library);
 }
 
 Report::List Words(std::string_view words, const auto& convert) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <set>
 
+#include "beside_toolkit.h"
 #include "jpeg_amendment.h"
 #include "metadata.h"
 #include "module_calls.h"
@@ -20,7 +21,7 @@ namespace {
 // What reads documents; null when it is not there.
 const modules::LoadedLibrary* Library() {
   try {
-    static const modules::LoadedLibrary library("orvo_pages.so");
+    static const modules::LoadedLibrary library(BesideToolkit("orvo_pages.so").c_str());
     return &library;
   } catch (const modules::ModuleError&) {
     return nullptr;

@@ -1,0 +1,18 @@
+#include "beside_toolkit.h"
+
+#include <filesystem>
+
+#include <orvo/instance.h>
+
+#include "platform/modules.h"
+
+namespace client {
+
+std::string BesideToolkit(std::string_view name) {
+  char path[MAX_PATH] = {};
+  void* const toolkit = PlatformModuleOf(reinterpret_cast<const void*>(&CreateORVOInstance));
+  if (GetModuleFileNameA(toolkit, path, MAX_PATH) == 0) return std::string(name);
+  return std::filesystem::path(path).replace_filename(name).string();
+}
+
+}  // namespace client
