@@ -46,7 +46,7 @@ struct Job {
   bool furtherTold = false;          // that the source holds further pictures
   int page = 1;                      // of the source, that it came from
   std::string pageFile = {};         // that page as a file of its own, where there is one
-  PagePlace place = {};              // that page in a TIFF file
+  mutable PagePlace place = {};      // that page in a TIFF file
   bool moved = false;                // what lay over the picture lies elsewhere on it now
   std::optional<bool> changed = {};  // whether the target shows anything new
   std::string found = {};            // what there is to say when nothing changed
@@ -56,7 +56,7 @@ struct Job {
   // Where the picture came from with all that goes with it, and the page there.
   [[nodiscard]] const std::string& file() const { return pageFile.empty() ? source : pageFile; }
   [[nodiscard]] int pageInFile() const { return pageFile.empty() ? page : 1; }
-  [[nodiscard]] PagePlace* placeInFile() { return pageFile.empty() ? &place : nullptr; }
+  [[nodiscard]] PagePlace* placeInFile() const { return pageFile.empty() ? &place : nullptr; }
 };
 
 enum class Subject {

@@ -30,7 +30,7 @@ std::string_view ColorsIn(std::string_view kind, const std::optional<Shape>& pic
 // they were loaded.
 Bytes OtherProfile(const Job& job) {
   if (job.inSrgb) return {};
-  Bytes profile = ReadColorProfile(job.file(), job.pageInFile());
+  Bytes profile = ReadColorProfile(job.file(), job.pageInFile(), job.placeInFile());
   const std::string colors = ColorsOfProfile(profile);
   const bool fits = colors == "GRAY" || (colors == "RGB" && !IsGray(ShapeOf(job.image.get())));
   if (!fits || SaysSrgb(profile)) return {};
@@ -58,7 +58,7 @@ void Bring(Job& job, const Bytes& profile) {
 void TakeInksByProfile(Job& job) {
   const std::string kind = KindOfFile(job.file());
   if (kind != "jpeg" && kind != "tiff" && kind != "psd") return;
-  const Bytes profile = ReadColorProfile(job.file(), job.pageInFile());
+  const Bytes profile = ReadColorProfile(job.file(), job.pageInFile(), job.placeInFile());
   if (ColorsOfProfile(profile) != "CMYK") return;
   if (orvo::OwnedDib mixed = LoadedFromInks(job.file(), job.pageInFile(), profile); mixed) {
     job.image = std::move(mixed);

@@ -217,9 +217,9 @@ std::vector<std::string> KeepMetadata(const MetadataRequest& request) {
   return carried.lost;
 }
 
-std::vector<std::uint8_t> ReadColorProfile(const std::string& path, int page) {
+std::vector<std::uint8_t> ReadColorProfile(const std::string& path, int page, PagePlace* last) {
   Carried carried;
-  Read({.source = path, .page = page}, carried);
+  Read({.source = path, .page = page, .sourcePlace = last}, carried);
   return ProfileIn(carried);
 }
 

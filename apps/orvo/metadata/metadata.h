@@ -42,7 +42,8 @@ std::vector<std::string> KeepMetadata(const MetadataRequest& request);
 
 // What explains the colours of a file's page where they are not sRGB, or may not be: its profile,
 // or one for what it tells otherwise. Empty when it tells nothing.
-std::vector<std::uint8_t> ReadColorProfile(const std::string& path, int page);
+std::vector<std::uint8_t> ReadColorProfile(const std::string& path, int page,
+                                           PagePlace* last = nullptr);
 
 // What goes into a document with a picture.
 struct DocumentMetadata {
