@@ -7,7 +7,6 @@
 #include "format_list.h"
 #include "operations.h"
 #include "page_reports.h"
-#include "picture.h"
 
 namespace client {
 namespace {
@@ -42,12 +41,10 @@ int Info(Job& job) {
                                         {"bytes_in_memory", info.sizeInMemory},
                                         {"pages", count}});
   if (count > 1) job.report.set("pages", std::move(pages));
-  const int code = job.toolkit.LoadFile(job.source.c_str(), job.image.receive());
-  if (code != ORVO_OK) return code;
-  const auto shape = ShapeOf(job.image.get());
-  if (!shape) return ORVO_ERR_NO_BITMAP;
-  job.report.set("picture", Described(*shape));
-  return ORVO_OK;
+  Report picture;
+  const int code = DescribePicture(job.source, picture);
+  job.report.set("picture", std::move(picture));
+  return code;
 }
 
 // Missing imaging modules are an answer here, no failure.

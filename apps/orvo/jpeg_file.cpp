@@ -4,6 +4,7 @@
 #include <new>
 
 #include "jpeg_further.h"
+#include "jpeg_head.h"
 #include "pictures/exif.h"
 #include "pictures/file_handle.h"
 #include "pictures/temporary_file.h"
@@ -11,22 +12,8 @@
 namespace client {
 namespace {
 
-using View = std::span<const std::uint8_t>;
-
-constexpr std::uint8_t kStart = 0xD8;
-constexpr std::uint8_t kEnd = 0xD9;
-constexpr std::uint8_t kScan = 0xDA;
-
-constexpr std::uint8_t kFirstOfApplications = 0xE0;
-
 bool IsNote(std::uint8_t marker) {
-  constexpr std::uint8_t kComment = 0xFE;
-  return (marker >= kFirstOfApplications && marker <= 0xEF) || marker == kComment;
-}
-
-// Start of frame: the codes from 0xC0 to 0xCF but three for tables and extensions.
-bool IsFrame(std::uint8_t marker) {
-  return (marker & 0xF0) == 0xC0 && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+  return (marker >= kJpegApp0 && marker <= 0xEF) || marker == kJpegComment;
 }
 
 // Marks without a segment: restarts, which stand in scans, and one for arithmetic coding.
@@ -84,10 +71,6 @@ class Walker {
   std::size_t at_ = 0;
 };
 
-void Append(Bytes& bytes, View more) {
-  bytes.insert(bytes.end(), more.begin(), more.end());
-}
-
 void AppendSegment(Bytes& bytes, std::uint8_t marker, View segment) {
   bytes.insert(bytes.end(), {0xFF, marker});
   Append(bytes, segment);
@@ -104,11 +87,11 @@ JpegFile::Frame FrameOf(std::uint8_t marker, View segment) {
 }
 
 Bytes Joined(const JpegFile& file) {
-  Bytes bytes{0xFF, kStart};
+  Bytes bytes{0xFF, kJpegStart};
   bytes.reserve(file.notes.size() + file.coded.size() + file.trailer.size() + 4);
   Append(bytes, file.notes);
   Append(bytes, file.coded);
-  bytes.insert(bytes.end(), {0xFF, kEnd});
+  bytes.insert(bytes.end(), {0xFF, kJpegEnd});
   Append(bytes, file.trailer);
   return bytes;
 }
@@ -145,7 +128,7 @@ std::span<std::uint8_t> JpegFile::note(std::uint8_t marker, View name) {
 
 std::span<std::uint8_t> JpegFile::exif() {
   constexpr std::uint8_t kName[] = {'E', 'x', 'i', 'f', 0, 0};
-  return note(kFirstOfApplications + 1, kName);
+  return note(kJpegApp0 + 1, kName);
 }
 
 int JpegFile::orientation() {
@@ -160,14 +143,14 @@ void JpegFile::setUpright(bool sidesSwapped) {
   // Version and unit stand before the two densities, of two bytes each.
   constexpr std::uint8_t kName[] = {'J', 'F', 'I', 'F', 0};
   constexpr std::size_t kDensities = 3;
-  const auto header = note(kFirstOfApplications, kName);
+  const auto header = note(kJpegApp0, kName);
   if (header.size() < kDensities + 4) return;
   std::swap_ranges(&header[kDensities], &header[kDensities + 2], &header[kDensities + 2]);
 }
 
 void JpegFile::keepFurtherPictures(View before) {
   constexpr std::uint8_t kName[] = {'M', 'P', 'F', 0};
-  const auto index = note(kFirstOfApplications + 2, kName);
+  const auto index = note(kJpegApp0 + 2, kName);
   if (index.empty()) return;
   constexpr std::size_t kMarkers = 2;  // bytes of the start and of the end mark
   const auto was = std::search(before.begin(), before.end(), index.begin(), index.end());
@@ -177,17 +160,17 @@ void JpegFile::keepFurtherPictures(View before) {
 }
 
 JpegFile TakenApart(View bytes) {
-  if (bytes.size() < 2 || bytes[0] != 0xFF || bytes[1] != kStart) {
+  if (bytes.size() < 2 || bytes[0] != 0xFF || bytes[1] != kJpegStart) {
     throw NotPossible{"the file is no JPEG"};
   }
   Walker walker(bytes);
   (void)walker.next();
   JpegFile file;
-  for (std::uint8_t marker = walker.next(); marker != kEnd; marker = walker.next()) {
+  for (std::uint8_t marker = walker.next(); marker != kJpegEnd; marker = walker.next()) {
     const View segment = walker.segment();
     AppendSegment(IsNote(marker) ? file.notes : file.coded, marker, segment);
-    if (IsFrame(marker)) file.frame = FrameOf(marker, segment);
-    if (marker == kScan) Append(file.coded, walker.scan());
+    if (BeginsJpegFrame(marker)) file.frame = FrameOf(marker, segment);
+    if (marker == kJpegScan) Append(file.coded, walker.scan());
   }
   file.end = walker.place();
   Append(file.trailer, bytes.subspan(file.end));

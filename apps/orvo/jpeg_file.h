@@ -3,17 +3,14 @@
 #ifndef APPS_ORVO_JPEG_FILE_H
 #define APPS_ORVO_JPEG_FILE_H
 
-#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
+#include "bytes.h"
 #include "outcome.h"
 
 namespace client {
-
-using Bytes = std::vector<std::uint8_t>;
 
 // Thrown, with the reason, where work without loss ends before its time.
 struct NotPossible {

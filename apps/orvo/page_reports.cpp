@@ -1,13 +1,53 @@
 #include "page_reports.h"
 
+#include <algorithm>
 #include <cmath>
 
+#include "module_calls.h"
 #include "page_source.h"
 #include "pdf_file.h"
-#include "pictures/codecs.h"
+#include "picture.h"
+#include "pictures/file_handle.h"
+#include "pictures/formats.h"
 #include "pictures/loading.h"
 
 namespace client {
+namespace {
+
+// The toolkit takes the densities of such a file for multiples of 72 dots per inch when it loads.
+void TakeDensitiesWithoutUnit(const std::string& path, LTFILEINFO& info) {
+  constexpr std::size_t kBeginAt = 6;  // behind two marks and a length
+  constexpr std::uint8_t kBegin[] = {'J', 'F', 'I', 'F', 0, 1, 1, 0};  // version, no unit
+  if (!path.ends_with(".jpg") && !path.ends_with(".jpeg")) return;
+  std::uint8_t head[kBeginAt + sizeof kBegin + 4] = {};
+  const modules::FileHandle file = modules::OpenToRead(path.c_str());
+  if (std::fread(head, 1, sizeof head, file.get()) != sizeof head ||
+      !std::equal(std::begin(kBegin), std::end(kBegin), &head[kBeginAt])) {
+    return;
+  }
+  const std::uint8_t* const densities = &head[kBeginAt + sizeof kBegin];
+  info.xResolution = 72 * (densities[0] << 8 | densities[1]);
+  info.yResolution = 72 * (densities[2] << 8 | densities[3]);
+}
+
+}  // namespace
+
+int DescribePicture(const std::string& path, Report& picture) {
+  return ModuleCall([&] {
+    const modules::ReaderHandle reader = modules::FormatOfFile(path).open(path.c_str(), nullptr);
+    modules::Require(reader->goTo(1), kModuleReadFailed);
+    LTFILEINFO info{};
+    modules::DescribePicture(reader->picture(), info);
+    TakeDensitiesWithoutUnit(path, info);
+    picture = Described({.width = info.width,
+                         .height = info.height,
+                         .bits = info.bitsPerPixel,
+                         .xDotsPerInch = info.xResolution,
+                         .yDotsPerInch = info.yResolution,
+                         .colors = ColorsOf(info.bitsPerPixel, reader->picture().palette)});
+  });
+}
+
 Report::List DescribedTiffPages(const std::string& path) {
   Report::List pages;
   const int count = PageCount(path);

@@ -1,10 +1,13 @@
-// What the pages of a file are, told without decoding them.
+// What pictures and pages of a file are, told without decoding them.
 #ifndef APPS_ORVO_PAGE_REPORTS_H
 #define APPS_ORVO_PAGE_REPORTS_H
 
 #include "operations.h"
 
 namespace client {
+
+// The picture as it is when loaded. A result code of the toolkit.
+int DescribePicture(const std::string& path, Report& picture);
 
 // An entry for each page, as far as the chain can be followed.
 Report::List DescribedTiffPages(const std::string& path);

@@ -3,6 +3,7 @@
 #define APPS_ORVO_PICTURE_H
 
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include <orvo/dib.h>
@@ -20,6 +21,9 @@ struct Shape {
   int yDotsPerInch;         // 0 when the picture does not say
   std::string_view colors;  // "gray", "palette" or "true color"
 };
+
+// The colours of a picture with this palette; an empty one is of grays.
+std::string_view ColorsOf(int bits, std::span<const RGBQUAD> palette);
 
 // Nothing for a null or malformed picture.
 std::optional<Shape> ShapeOf(DibHandle picture);

@@ -1,10 +1,7 @@
 #include "ltfil13n/source_file.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <climits>
-#include <filesystem>
 
 #include "common/kernel_services.h"
 #include "pictures/file_handle.h"
@@ -14,17 +11,6 @@
 
 namespace modules {
 namespace {
-
-// The part of a path behind its last dot, in lower case; empty when there is none.
-std::string ExtensionOf(const std::string& path) {
-  const std::size_t dot = path.rfind('.');
-  if (dot == std::string::npos || dot < platform::DirectoryLength(path)) return {};
-  std::string extension = path.substr(dot + 1);
-  for (char& character : extension) {
-    character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-  }
-  return extension;
-}
 
 // By how much a picture is reduced while it is read: not at all unless it is large.
 int ReductionOf(const Picture& picture, const Size& least) {
@@ -40,19 +26,6 @@ std::string TakePath(const char* path) {
   std::string native = platform::NativePath(path);
   Require(!native.empty() && native.size() < MAX_PATH, kModuleFileNotOpened);
   return native;
-}
-
-const Format& FormatOfFile(const std::string& path) {
-  std::error_code error;
-  const auto status = std::filesystem::status(path, error);
-  Require(status.type() != std::filesystem::file_type::not_found, kModuleFileNotFound);
-  Require(std::filesystem::is_regular_file(status), kModuleFileNotOpened);
-  const FileHandle file = OpenToRead(path.c_str());
-  std::array<std::uint8_t, kHeadBytes> bytes{};
-  const Head head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get()));
-  const Format* const format = FormatThatReads(head, ExtensionOf(path));
-  Require(format, kFileFormatNotRead);
-  return *format;
 }
 
 int LoadFile(const char* path, struct_LEAD_Bitmap& bitmap, const Size* frame) {

@@ -11,9 +11,6 @@ namespace modules {
 // Checks a caller's path and gives it with the system's own separators.
 std::string TakePath(const char* path);
 
-// The format that a file shows to be of by what it holds; path as TakePath gives it.
-const Format& FormatOfFile(const std::string& path);
-
 struct Size {
   int width;
   int height;

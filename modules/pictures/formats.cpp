@@ -1,6 +1,12 @@
 #include "pictures/formats.h"
 
 #include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+
+#include "pictures/file_handle.h"
+#include "platform/paths.h"
 
 #if defined(ORVO_HAVE_JPEG)
 #include "pictures/jpeg_session.h"
@@ -64,6 +70,17 @@ constexpr Format kFormats[] = {
 #endif
 };
 
+// The part of a path behind its last dot, in lower case; empty when there is none.
+std::string ExtensionOf(const std::string& path) {
+  const std::size_t dot = path.rfind('.');
+  if (dot == std::string::npos || dot < platform::DirectoryLength(path)) return {};
+  std::string extension = path.substr(dot + 1);
+  for (char& character : extension) {
+    character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+  }
+  return extension;
+}
+
 bool HasWord(std::string_view words, std::string_view word) {
   while (!words.empty()) {
     const std::size_t end = std::min(words.find(' '), words.size());
@@ -115,8 +132,19 @@ const Format* Find(const auto& fits) {
 
 }  // namespace
 
-const Format* FormatThatReads(Head head, std::string_view extension) {
-  return Find([&](const Format& format) { return Reads(format, head, extension); });
+const Format& FormatOfFile(const std::string& path) {
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  Require(status.type() != std::filesystem::file_type::not_found, kModuleFileNotFound);
+  Require(std::filesystem::is_regular_file(status), kModuleFileNotOpened);
+  const FileHandle file = OpenToRead(path.c_str());
+  std::array<std::uint8_t, kHeadBytes> bytes{};
+  const Head head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file.get()));
+  const std::string extension = ExtensionOf(path);
+  const Format* const format =
+      Find([&](const Format& known) { return Reads(known, head, extension); });
+  Require(format, kFileFormatNotRead);
+  return *format;
 }
 
 const Format* FormatThatWrites(int number) {

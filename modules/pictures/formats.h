@@ -26,8 +26,9 @@ struct Format {
   bool needsExtension = false;
 };
 
-// What reads a file; null for none. extension: lower case, without dot.
-const Format* FormatThatReads(Head head, std::string_view extension);
+// What reads the file at a path, by what it holds and by its extension. Throws a ModuleError for
+// what is no file, or no picture.
+const Format& FormatOfFile(const std::string& path);
 // What writes a FileFormat; null for none.
 const Format* FormatThatWrites(int number);
 

@@ -6,27 +6,20 @@ namespace client {
 namespace {
 
 constexpr std::uint8_t kMark = 0xFF;
-constexpr std::uint8_t kStart = 0xD8;
-constexpr std::uint8_t kScan = 0xDA;
 constexpr std::size_t kLengthBytes = 2;  // of a segment, counted in its length
-
-bool BeginsFrame(std::uint8_t marker) {
-  // The others of this row are tables and the arithmetic coder's conditions.
-  return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
-}
 
 }  // namespace
 
 JpegHead ReadJpegHead(const std::string& path) {
   FileReader file(path);
-  if (file.read(2) != Bytes{kMark, kStart}) throw MetadataFault("no JPEG file");
+  if (file.read(2) != Bytes{kMark, kJpegStart}) throw MetadataFault("no JPEG file");
   JpegHead head;
   for (;;) {
     head.scanAt = file.position();
     if (file.read(1).front() != kMark) throw MetadataFault("the chain of segments is broken");
     std::uint8_t marker = kMark;
     while (marker == kMark) marker = file.read(1).front();  // filled up with marks
-    if (marker == kScan) return head;
+    if (marker == kJpegScan) return head;
     const std::uint64_t length = NumberIn(file.read(kLengthBytes), kLengthBytes);
     if (length < kLengthBytes) throw MetadataFault("the chain of segments is broken");
     head.segments.push_back({marker, file.read(length - kLengthBytes)});
@@ -34,7 +27,7 @@ JpegHead ReadJpegHead(const std::string& path) {
 }
 
 void ReplaceJpegHead(const std::string& path, const JpegHead& head) {
-  Bytes bytes{kMark, kStart};
+  Bytes bytes{kMark, kJpegStart};
   for (const JpegSegment& segment : head.segments) {
     Append(bytes, Bytes{kMark, segment.marker});
     AppendNumber(bytes, segment.data.size() + kLengthBytes, kLengthBytes);
@@ -46,7 +39,7 @@ void ReplaceJpegHead(const std::string& path, const JpegHead& head) {
 int JpegChannels(const JpegHead& head) {
   constexpr std::size_t kChannelsAt = 5;  // behind bits, height and width
   for (const JpegSegment& segment : head.segments) {
-    if (BeginsFrame(segment.marker) && segment.data.size() > kChannelsAt) {
+    if (BeginsJpegFrame(segment.marker) && segment.data.size() > kChannelsAt) {
       return segment.data[kChannelsAt];
     }
   }

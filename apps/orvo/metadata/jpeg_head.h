@@ -10,8 +10,18 @@
 namespace client {
 
 constexpr std::size_t kMostSegmentBytes = 65533;
+// Marks, which follow a byte of 0xFF.
+constexpr std::uint8_t kJpegStart = 0xD8;
+constexpr std::uint8_t kJpegEnd = 0xD9;
+constexpr std::uint8_t kJpegScan = 0xDA;
 constexpr std::uint8_t kJpegApp0 = 0xE0;
 constexpr std::uint8_t kJpegComment = 0xFE;
+
+// Whether it begins what describes the coded picture; the others of that row are tables and
+// extensions.
+constexpr bool BeginsJpegFrame(std::uint8_t mark) {
+  return (mark & 0xF0) == 0xC0 && mark != 0xC4 && mark != 0xC8 && mark != 0xCC;
+}
 
 struct JpegSegment {
   std::uint8_t marker;  // 0xE0 to 0xEF are the applications' own
