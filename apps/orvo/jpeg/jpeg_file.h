@@ -1,7 +1,7 @@
 // JPEG files as bytes: taken apart so that the coded picture can be exchanged and all else stays,
 // byte for byte.
-#ifndef APPS_ORVO_JPEG_FILE_H
-#define APPS_ORVO_JPEG_FILE_H
+#ifndef APPS_ORVO_JPEG_JPEG_FILE_H
+#define APPS_ORVO_JPEG_JPEG_FILE_H
 
 #include <functional>
 #include <span>
@@ -64,4 +64,4 @@ void WriteBytes(const std::string& path, const Bytes& bytes);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_JPEG_FILE_H
+#endif  // APPS_ORVO_JPEG_JPEG_FILE_H

@@ -1,6 +1,6 @@
 // What kind of picture file a file is, or a name asks for.
-#ifndef APPS_ORVO_FILE_KIND_H
-#define APPS_ORVO_FILE_KIND_H
+#ifndef APPS_ORVO_FILES_FILE_KIND_H
+#define APPS_ORVO_FILES_FILE_KIND_H
 
 #include <string>
 
@@ -13,4 +13,4 @@ std::string KindOfName(const std::string& path);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_FILE_KIND_H
+#endif  // APPS_ORVO_FILES_FILE_KIND_H

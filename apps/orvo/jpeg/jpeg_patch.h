@@ -1,6 +1,6 @@
 // Corrections written into a JPEG file without coding the rest of it anew.
-#ifndef APPS_ORVO_JPEG_PATCH_H
-#define APPS_ORVO_JPEG_PATCH_H
+#ifndef APPS_ORVO_JPEG_JPEG_PATCH_H
+#define APPS_ORVO_JPEG_JPEG_PATCH_H
 
 #include <string>
 
@@ -28,4 +28,4 @@ Outcome PatchJpeg(const std::string& source, DibHandle before, DibHandle after,
 
 }  // namespace client
 
-#endif  // APPS_ORVO_JPEG_PATCH_H
+#endif  // APPS_ORVO_JPEG_JPEG_PATCH_H

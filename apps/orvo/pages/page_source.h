@@ -1,6 +1,6 @@
 // Files that hold pages, one after the other, whatever their format.
-#ifndef APPS_ORVO_PAGE_SOURCE_H
-#define APPS_ORVO_PAGE_SOURCE_H
+#ifndef APPS_ORVO_PAGES_PAGE_SOURCE_H
+#define APPS_ORVO_PAGES_PAGE_SOURCE_H
 
 #include <memory>
 
@@ -39,4 +39,4 @@ int PageCount(const std::string& path);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_PAGE_SOURCE_H
+#endif  // APPS_ORVO_PAGES_PAGE_SOURCE_H

@@ -1,5 +1,5 @@
-#ifndef APPS_ORVO_COMPLETION_H
-#define APPS_ORVO_COMPLETION_H
+#ifndef APPS_ORVO_COMMANDS_COMPLETION_H
+#define APPS_ORVO_COMMANDS_COMPLETION_H
 
 #include <string>
 
@@ -10,4 +10,4 @@ std::string CompletionScript();
 
 }  // namespace client
 
-#endif  // APPS_ORVO_COMPLETION_H
+#endif  // APPS_ORVO_COMMANDS_COMPLETION_H

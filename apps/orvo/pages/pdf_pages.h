@@ -1,6 +1,6 @@
 // The pages of documents that are a picture each.
-#ifndef APPS_ORVO_PDF_PAGES_H
-#define APPS_ORVO_PDF_PAGES_H
+#ifndef APPS_ORVO_PAGES_PDF_PAGES_H
+#define APPS_ORVO_PAGES_PDF_PAGES_H
 
 #include "page_source.h"
 
@@ -20,4 +20,4 @@ int IntoDocument(Job& job, PdfFile& document, const std::vector<int>& pages,
 
 }  // namespace client
 
-#endif  // APPS_ORVO_PDF_PAGES_H
+#endif  // APPS_ORVO_PAGES_PDF_PAGES_H

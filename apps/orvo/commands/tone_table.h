@@ -1,6 +1,6 @@
 // The table of new tones for remapping, from a file, a number of tones or a curve.
-#ifndef APPS_ORVO_TONE_TABLE_H
-#define APPS_ORVO_TONE_TABLE_H
+#ifndef APPS_ORVO_COMMANDS_TONE_TABLE_H
+#define APPS_ORVO_COMMANDS_TONE_TABLE_H
 
 #include <array>
 #include <cstdint>
@@ -18,4 +18,4 @@ std::string ReadToneTable(const Parameters& parameters, ToneTable& table);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_TONE_TABLE_H
+#endif  // APPS_ORVO_COMMANDS_TONE_TABLE_H

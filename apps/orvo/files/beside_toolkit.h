@@ -1,6 +1,6 @@
 // The client's own libraries, which lie beside the toolkit and are loaded from there alone.
-#ifndef APPS_ORVO_BESIDE_TOOLKIT_H
-#define APPS_ORVO_BESIDE_TOOLKIT_H
+#ifndef APPS_ORVO_FILES_BESIDE_TOOLKIT_H
+#define APPS_ORVO_FILES_BESIDE_TOOLKIT_H
 
 #include <string>
 #include <string_view>
@@ -12,4 +12,4 @@ std::string BesideToolkit(std::string_view name);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_BESIDE_TOOLKIT_H
+#endif  // APPS_ORVO_FILES_BESIDE_TOOLKIT_H

@@ -1,7 +1,7 @@
 // Further pictures of a JPEG file: phones and stereo cameras put them behind the first one, with an
 // index (the multi-picture format) in a segment of the first.
-#ifndef APPS_ORVO_JPEG_FURTHER_H
-#define APPS_ORVO_JPEG_FURTHER_H
+#ifndef APPS_ORVO_JPEG_JPEG_FURTHER_H
+#define APPS_ORVO_JPEG_JPEG_FURTHER_H
 
 #include <cstddef>
 #include <cstdint>
@@ -22,4 +22,4 @@ void MoveFurtherPictures(std::span<std::uint8_t> index, const FurtherPlaces& bef
 
 }  // namespace client
 
-#endif  // APPS_ORVO_JPEG_FURTHER_H
+#endif  // APPS_ORVO_JPEG_JPEG_FURTHER_H

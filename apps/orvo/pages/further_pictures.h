@@ -1,6 +1,6 @@
 // What a file holds beside the one picture that is taken of it.
-#ifndef APPS_ORVO_FURTHER_PICTURES_H
-#define APPS_ORVO_FURTHER_PICTURES_H
+#ifndef APPS_ORVO_PAGES_FURTHER_PICTURES_H
+#define APPS_ORVO_PAGES_FURTHER_PICTURES_H
 
 #include <string>
 #include <string_view>
@@ -19,4 +19,4 @@ FurtherPictures FurtherPicturesOf(const std::string& path);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_FURTHER_PICTURES_H
+#endif  // APPS_ORVO_PAGES_FURTHER_PICTURES_H

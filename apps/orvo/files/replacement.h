@@ -1,8 +1,8 @@
 // A result on its way to its name. It is made in a private folder beside the target, under the
 // target's own file name unless that makes the path too long, and takes the target's place in one
 // step when it is whole: until then, and after any failure, what stood there stays as it was.
-#ifndef APPS_ORVO_REPLACEMENT_H
-#define APPS_ORVO_REPLACEMENT_H
+#ifndef APPS_ORVO_FILES_REPLACEMENT_H
+#define APPS_ORVO_FILES_REPLACEMENT_H
 
 #include <filesystem>
 #include <string>
@@ -36,4 +36,4 @@ bool SyncNewResults();
 
 }  // namespace client
 
-#endif  // APPS_ORVO_REPLACEMENT_H
+#endif  // APPS_ORVO_FILES_REPLACEMENT_H

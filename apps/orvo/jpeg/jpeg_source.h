@@ -1,7 +1,7 @@
 // What a picture that is coded anew takes over from the JPEG file it was loaded from: the quality
 // table by table, the sharpness of the colours, and the way the file is built.
-#ifndef APPS_ORVO_JPEG_SOURCE_H
-#define APPS_ORVO_JPEG_SOURCE_H
+#ifndef APPS_ORVO_JPEG_JPEG_SOURCE_H
+#define APPS_ORVO_JPEG_JPEG_SOURCE_H
 
 #include <array>
 #include <cstdint>
@@ -55,4 +55,4 @@ int EstimatedQuality(const std::string& path);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_JPEG_SOURCE_H
+#endif  // APPS_ORVO_JPEG_JPEG_SOURCE_H

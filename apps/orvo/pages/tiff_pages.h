@@ -1,6 +1,6 @@
 // The pages of TIFF files, by the readers and writers of the file module.
-#ifndef APPS_ORVO_TIFF_PAGES_H
-#define APPS_ORVO_TIFF_PAGES_H
+#ifndef APPS_ORVO_PAGES_TIFF_PAGES_H
+#define APPS_ORVO_PAGES_TIFF_PAGES_H
 
 #include <string>
 
@@ -57,4 +57,4 @@ class TiffTarget {
 
 }  // namespace client
 
-#endif  // APPS_ORVO_TIFF_PAGES_H
+#endif  // APPS_ORVO_PAGES_TIFF_PAGES_H

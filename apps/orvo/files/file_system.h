@@ -1,7 +1,7 @@
 // What is asked of the system beyond names of files: who owns them, who works on them, and when
 // their bytes have reached the disk.
-#ifndef APPS_ORVO_FILE_SYSTEM_H
-#define APPS_ORVO_FILE_SYSTEM_H
+#ifndef APPS_ORVO_FILES_FILE_SYSTEM_H
+#define APPS_ORVO_FILES_FILE_SYSTEM_H
 
 #include <filesystem>
 #include <string>
@@ -33,4 +33,4 @@ bool Sync(const std::filesystem::path& path);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_FILE_SYSTEM_H
+#endif  // APPS_ORVO_FILES_FILE_SYSTEM_H

@@ -1,6 +1,6 @@
 // All pages of a file through one command, or those that --pages picks.
-#ifndef APPS_ORVO_PAGES_H
-#define APPS_ORVO_PAGES_H
+#ifndef APPS_ORVO_PAGES_PAGES_H
+#define APPS_ORVO_PAGES_PAGES_H
 
 #include <functional>
 #include <string>
@@ -25,4 +25,4 @@ int DoPages(Job& job, const std::function<int()>& work);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_PAGES_H
+#endif  // APPS_ORVO_PAGES_PAGES_H

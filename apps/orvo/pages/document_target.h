@@ -1,6 +1,6 @@
 // A PDF document that is made page by page.
-#ifndef APPS_ORVO_DOCUMENT_TARGET_H
-#define APPS_ORVO_DOCUMENT_TARGET_H
+#ifndef APPS_ORVO_PAGES_DOCUMENT_TARGET_H
+#define APPS_ORVO_PAGES_DOCUMENT_TARGET_H
 
 #include <memory>
 #include <set>
@@ -55,4 +55,4 @@ int SaveAsDocument(Job& job, const std::string& path);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_DOCUMENT_TARGET_H
+#endif  // APPS_ORVO_PAGES_DOCUMENT_TARGET_H

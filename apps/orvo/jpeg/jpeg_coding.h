@@ -1,7 +1,7 @@
 // Coded pictures in memory by the JPEG library: their coefficients read, exchanged and written, and
 // pixels coded in a file's own manner. What the library refuses is thrown as NotPossible.
-#ifndef APPS_ORVO_JPEG_CODING_H
-#define APPS_ORVO_JPEG_CODING_H
+#ifndef APPS_ORVO_JPEG_JPEG_CODING_H
+#define APPS_ORVO_JPEG_JPEG_CODING_H
 
 #include "common/dib_image.h"
 #include "jpeg_file.h"
@@ -44,4 +44,4 @@ Bytes Encoded(const JpegManner& manner, const modules::LockedDib& picture, const
 
 }  // namespace client
 
-#endif  // APPS_ORVO_JPEG_CODING_H
+#endif  // APPS_ORVO_JPEG_JPEG_CODING_H

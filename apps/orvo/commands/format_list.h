@@ -1,6 +1,6 @@
 // The kinds of files that the client reads and writes.
-#ifndef APPS_ORVO_FORMAT_LIST_H
-#define APPS_ORVO_FORMAT_LIST_H
+#ifndef APPS_ORVO_COMMANDS_FORMAT_LIST_H
+#define APPS_ORVO_COMMANDS_FORMAT_LIST_H
 
 #include "operations.h"
 
@@ -11,4 +11,4 @@ int ListFormats(Job& job);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_FORMAT_LIST_H
+#endif  // APPS_ORVO_COMMANDS_FORMAT_LIST_H

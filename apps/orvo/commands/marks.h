@@ -1,6 +1,6 @@
 // Copies of pictures in which places are framed.
-#ifndef APPS_ORVO_MARKS_H
-#define APPS_ORVO_MARKS_H
+#ifndef APPS_ORVO_COMMANDS_MARKS_H
+#define APPS_ORVO_COMMANDS_MARKS_H
 
 #include <filesystem>
 #include <string>
@@ -34,4 +34,4 @@ Report Listed(const Rects& rects);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_MARKS_H
+#endif  // APPS_ORVO_COMMANDS_MARKS_H

@@ -1,6 +1,6 @@
 // Where two pictures of the same shape differ.
-#ifndef APPS_ORVO_CHANGES_H
-#define APPS_ORVO_CHANGES_H
+#ifndef APPS_ORVO_COMMANDS_CHANGES_H
+#define APPS_ORVO_COMMANDS_CHANGES_H
 
 #include "marks.h"
 
@@ -13,4 +13,4 @@ Rects ChangedParts(DibHandle before, DibHandle after);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_CHANGES_H
+#endif  // APPS_ORVO_COMMANDS_CHANGES_H

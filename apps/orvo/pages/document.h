@@ -1,6 +1,6 @@
 // Many pictures in one document.
-#ifndef APPS_ORVO_DOCUMENT_H
-#define APPS_ORVO_DOCUMENT_H
+#ifndef APPS_ORVO_PAGES_DOCUMENT_H
+#define APPS_ORVO_PAGES_DOCUMENT_H
 
 #include <string>
 #include <vector>
@@ -35,4 +35,4 @@ int ConvertToDocument(Job& job);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_DOCUMENT_H
+#endif  // APPS_ORVO_PAGES_DOCUMENT_H

@@ -1,6 +1,6 @@
 // Which file each input becomes.
-#ifndef APPS_ORVO_PATHS_H
-#define APPS_ORVO_PATHS_H
+#ifndef APPS_ORVO_FILES_PATHS_H
+#define APPS_ORVO_FILES_PATHS_H
 
 #include <filesystem>
 #include <set>
@@ -42,4 +42,4 @@ class FurtherTargets {
 
 }  // namespace client
 
-#endif  // APPS_ORVO_PATHS_H
+#endif  // APPS_ORVO_FILES_PATHS_H

@@ -1,6 +1,6 @@
 // A folder in which one result is made, beside its target and open to its owner alone.
-#ifndef APPS_ORVO_PRIVATE_FOLDER_H
-#define APPS_ORVO_PRIVATE_FOLDER_H
+#ifndef APPS_ORVO_FILES_PRIVATE_FOLDER_H
+#define APPS_ORVO_FILES_PRIVATE_FOLDER_H
 
 #include <filesystem>
 
@@ -30,4 +30,4 @@ class PrivateFolder {
 
 }  // namespace client
 
-#endif  // APPS_ORVO_PRIVATE_FOLDER_H
+#endif  // APPS_ORVO_FILES_PRIVATE_FOLDER_H

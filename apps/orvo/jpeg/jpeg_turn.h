@@ -8,8 +8,8 @@
 //
 // Not possible: sampling factors that hardly any encoder uses, and damaged files. The target, which
 // may be the source, is then left as it was.
-#ifndef APPS_ORVO_JPEG_TURN_H
-#define APPS_ORVO_JPEG_TURN_H
+#ifndef APPS_ORVO_JPEG_JPEG_TURN_H
+#define APPS_ORVO_JPEG_JPEG_TURN_H
 
 #include <cstdint>
 #include <string>
@@ -42,4 +42,4 @@ Outcome CutJpeg(const std::string& source, const RECT& part, const std::string& 
 
 }  // namespace client
 
-#endif  // APPS_ORVO_JPEG_TURN_H
+#endif  // APPS_ORVO_JPEG_JPEG_TURN_H

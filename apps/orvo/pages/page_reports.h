@@ -1,6 +1,6 @@
 // What pictures and pages of a file are, told without decoding them.
-#ifndef APPS_ORVO_PAGE_REPORTS_H
-#define APPS_ORVO_PAGE_REPORTS_H
+#ifndef APPS_ORVO_PAGES_PAGE_REPORTS_H
+#define APPS_ORVO_PAGES_PAGE_REPORTS_H
 
 #include "operations.h"
 
@@ -17,4 +17,4 @@ int DescribePdfPages(Job& job, Report::List& pages);
 
 }  // namespace client
 
-#endif  // APPS_ORVO_PAGE_REPORTS_H
+#endif  // APPS_ORVO_PAGES_PAGE_REPORTS_H
