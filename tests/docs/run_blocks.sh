@@ -48,7 +48,7 @@ sh_block() {
   while IFS= read -r line && printf '%s\n' "$line" && [ "$line" != '```' ]; do
     if [[ $line =~ ^\./run\ ([a-z]+) ]]; then
       word=${BASH_REMATCH[1]}
-      grep -q "^  $word)" "$source/run" && continue
+      grep -q "^#   ./run $word\b" "$source/run" && continue
       echo "$text: ./run knows no $word" >&2
     else
       run_command "$line"
