@@ -89,6 +89,17 @@ TEST_F(FormatsTest, pictures_behind_the_first_are_counted) {
     EXPECT_TRUE(bytes(name) == before) << name;
     EXPECT_EQ(run(words + " --in-place --allow-loss").status, 0) << name;
   }
+  // Of 16 bits, whose layers stand in a block of their own, here behind one of three bytes.
+  write("layers.psd",
+        "8BPS\0\x01\0\0\0\0\0\0\0\x03\0\0\0\x01\0\0\0\x01\0\x10\0\x03\0\0\0\0\0\0\0\0"
+        "\0\0\0\x28\0\0\0\0\0\0\0\0"
+        "8BIMPatt\0\0\0\x03"
+        "abc\0"
+        "8BIMLr16\0\0\0\x04\0\x02\0\0"
+        "\0\0"
+        "ABCDEF"s);
+  EXPECT_NE(run("gray layers.psd -o x.png").errors.find("its 2 layers are merged into one"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ TEST_F(RefusalsTest, WhatCannotBeDoneIsToldAndTouchesNothing) {
   fs::create_hard_link("a.bmp", "hard.bmp");
   fs::create_symlink("a.bmp", "soft.bmp");
   write("broken.bmp", "BM, but no picture");
+  write("broken.pdf", "%PDF-1.4 and no page");
   write("old.pdf", "old");
   write("old.xyz", "old");
   write("short.txt", "1 2 3");
