@@ -3,6 +3,7 @@
 // To 16 bits and above each colour goes over by itself; nothing is dithered there, so that 16 bits
 // survive the way through 24. To 4 and 8 bits a palette is chosen: the image's own best one, or a
 // fixed one for all images. 1 bit is black and white, after the image's brightness.
+#include <atomic>
 #include <cstring>
 #include <vector>
 
@@ -22,7 +23,7 @@ using modules::ForEachRow;
 using modules::Pixels;
 using modules::Redrawing;
 
-unsigned defaultDithering = 0;
+std::atomic<unsigned> defaultDithering = 0;
 
 // Black to light gray, and the pure colours at half and full strength.
 std::vector<Color> SixteenColors() {

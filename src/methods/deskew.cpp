@@ -19,7 +19,7 @@ constexpr int kRotationSpan = 70;
 // The turned page keeps its size.
 constexpr std::uint32_t kKeepSize = 0;
 
-// The progress of a deskew. It belongs to the process, since the imaging module's own callback
+// The progress of a deskew. It belongs to the thread, since the imaging module's own callback
 // carries nothing that would lead to the call it serves. The module may keep the function below
 // installed, so a call without a callback clears the last one.
 struct DeskewProgress {
@@ -27,7 +27,8 @@ struct DeskewProgress {
   int counter;  // last percent reported
   int base;     // percent at which the rotation begins
 };
-DeskewProgress progress{};
+// In the space that each thread has from its beginning, which needs no memory when it is touched.
+[[gnu::tls_model("initial-exec")]] thread_local DeskewProgress progress{};
 
 void ReportStage() {
   if (progress.callback == nullptr) return;
