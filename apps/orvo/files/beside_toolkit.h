@@ -7,7 +7,8 @@
 
 namespace client {
 
-// The path of a library of this name.
+// The path of a library of this name; empty, which loads nothing, where the toolkit's own path does
+// not fit: a path that was cut leads to another folder.
 std::string BesideToolkit(std::string_view name);
 
 }  // namespace client
