@@ -1,6 +1,8 @@
 #include "random_work.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 #include "support/pictures.h"
@@ -11,8 +13,8 @@ namespace {
 using orvo::LockedImage;
 
 constexpr int kMostSide = 200;
-constexpr std::size_t kMostBytes =
-    400'000;  // of a picture that goes on, grown by what was done to it
+// Of a picture that goes on, grown by what was done to it.
+constexpr std::size_t kMostBytes = 400'000;
 
 // Percent at which the callback stops an operation, once. It stays installed, and may stop one that
 // it was not given to.
@@ -25,9 +27,9 @@ int Watch(int percent, void* /*userData*/) {
 }
 
 // Two names of each kind that is written, and kinds that are not.
-constexpr std::array kExtensions{"bmp", "tif", "tiff", "jpg", "jpeg", "pcx", "psd",
-                                 "png", "ras", "pcd",  "wmf", "tga",  "pct", "eps",
-                                 "wpg", "pdf", "gif",  "fpx", "cmp",  "jff", "txt"};
+constexpr std::array<std::string_view, 21> kExtensions{
+    "bmp", "tif", "tiff", "jpg", "jpeg", "pcx", "psd", "png", "ras", "pcd", "wmf",
+    "tga", "pct", "eps",  "wpg", "pdf",  "gif", "fpx", "cmp", "jff", "txt"};
 
 }  // namespace
 
@@ -41,6 +43,14 @@ RandomWork::~RandomWork() {
   std::filesystem::remove_all(folder_);
 }
 
+long RandomWork::strays() const {
+  return std::ranges::count_if(std::filesystem::directory_iterator(folder_), [](const auto& file) {
+    const std::string extension = file.path().extension().string();
+    return extension.empty() ||
+           std::ranges::find(kExtensions, extension.substr(1)) == kExtensions.end();
+  });
+}
+
 int RandomWork::pickNumber(const Number& number) {
   const int chance = pick(0, 39);
   if (chance == 0) return number.low - 1;
@@ -50,7 +60,7 @@ int RandomWork::pickNumber(const Number& number) {
 
 std::string RandomWork::pickFile() {
   const auto kind = static_cast<std::size_t>(pick(0, kExtensions.size() - 1));
-  return folder_ / (std::to_string(pick(0, 1)) + "." + kExtensions[kind]);
+  return folder_ / (std::to_string(pick(0, 1)) + "." + std::string(kExtensions[kind]));
 }
 
 StatusCallback RandomWork::pickCallback() {

@@ -30,6 +30,8 @@ class RandomWork {
   // All codes so far, and the bytes of the picture after each operation, in one number.
   [[nodiscard]] std::uint64_t sum() const { return sum_; }
   [[nodiscard]] const Operation& last() const { return *operation_; }
+  // Files in the folder that nobody asked for.
+  [[nodiscard]] long strays() const;
   // Lets go of the picture.
   void rest() { image_.reset(); }
 

@@ -1,5 +1,6 @@
 // Operations at random on two toolkits in turn, for as long as wanted. What they leave behind is
-// nothing: no block, no lock, no descriptor, no memory.
+// nothing: no block, no lock, no descriptor, no stray file,
+// no memory.
 //
 //   soak [OPERATIONS] [SEED]
 #include <malloc.h>
@@ -97,6 +98,7 @@ int main(int count, char** words) {
 
   const State begin = Measure();
   State warm{}, end{};
+  long strays = 0;
   Soak soak;
   {
     RandomWork work(seed, fs::temp_directory_path() / ("orvo-soak-" + std::to_string(getpid())),
@@ -107,16 +109,17 @@ int main(int count, char** words) {
     warm = Measure();
     soak.run(work, toolkits, operations - warmUp);
     end = Measure();
+    strays = work.strays();
   }
   const State last = Measure();
   std::printf(
-      "%ld operations, %ld with a result; left: %ld blocks, %ld locks, %ld descriptors; since the "
-      "warm-up the heap grew by %ld KiB and resident memory by %ld KiB\n",
+      "%ld operations, %ld with a result; left: %ld blocks, %ld locks, %ld descriptors, %ld files; "
+      "since the warm-up the heap grew by %ld KiB and resident memory by %ld KiB\n",
       soak.operations, soak.succeeded, last.blocks - begin.blocks, last.locks - begin.locks,
-      end.descriptors - warm.descriptors, (end.heap - warm.heap) / 1024,
+      end.descriptors - warm.descriptors, strays, (end.heap - warm.heap) / 1024,
       (end.resident - warm.resident) / 1024);
   const bool kept = last.blocks == begin.blocks && last.locks == begin.locks &&
-                    end.descriptors == warm.descriptors &&
+                    end.descriptors == warm.descriptors && strays == 0 &&
                     (!MemoryTells() || (end.heap - warm.heap < kHeapBytes &&
                                         end.resident - warm.resident < kResidentBytes));
   return kept ? 0 : 1;
