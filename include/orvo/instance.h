@@ -34,8 +34,17 @@
 // ORVO_ERR_NO_VENDOR when the module that carries them out is missing. A block that is too small
 // for what its header claims is treated as one that cannot be locked.
 //
-// Rows count as stored (row 0 is the bottom line of the picture) unless told otherwise. An instance
-// serves one thread at a time; callbacks and the dithering mode are shared by the whole process.
+// Rows count as stored (row 0 is the bottom line of the picture) unless told otherwise.
+//
+// Threads. An operation runs on its caller's thread, and so does the callback. What must not overlap
+// is the caller's to keep apart, by taking turns or by a lock:
+//   - calls of one instance, its end among them; which thread makes them does not matter;
+//   - calls on one image, unless all of them only read it.
+// Instances may work at the same time in threads of their own, each on its own images and files.
+// They share the callback that was given last and the dithering mode, which a new instance sets to
+// 1: threads that work at the same time pass no callback, which would be told of the others' work
+// and might stop it, and leave the mode alone. Builds without NDEBUG say on standard error when
+// calls overlap.
 #ifndef ORVO_INSTANCE_H
 #define ORVO_INSTANCE_H
 

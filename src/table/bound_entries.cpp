@@ -6,6 +6,9 @@
 #include <orvo/instance.h>
 
 #include "platform/version.h"
+#include "table/running_call.h"
+
+using namespace orvo;
 
 namespace {
 
@@ -13,6 +16,7 @@ namespace {
 template <class... Parameters, class... Arguments>
 int ToNewHandle(int (CLeadTools::*method)(DibHandle&, DibHandle*, Parameters...) noexcept,
                 CLeadTools& tools, DibHandle source, DibHandle* result, Arguments... arguments) {
+  const RunningCall call(&tools, source, result);
   if (result == nullptr) return ORVO_ERR_BAD_ARGUMENT;
   return (tools.*method)(source, result, arguments...);
 }
@@ -22,6 +26,7 @@ template <class... Parameters, class... Arguments>
 int InPlace(int (CLeadTools::*method)(DibHandle&, DibHandle*, Parameters...) noexcept,
             CLeadTools& tools, DibHandle* image, Arguments... arguments) {
   if (image == nullptr) return ORVO_ERR_BAD_ARGUMENT;
+  const RunningCall call(&tools, *image, image);
   return (tools.*method)(*image, nullptr, arguments...);
 }
 
@@ -33,6 +38,7 @@ constexpr std::uint32_t kTableRotationFlags = 1;
 // --- Everyday bitmap work ------------------------------------------------------------------------
 
 int COrvoInstance::GetVersion(ORVOVERSIONINFO* info) noexcept {
+  const RunningCall call(leadTools);
   if (info == nullptr) return ORVO_ERR_BAD_ARGUMENT;
   std::memcpy(info->version, ORVO_VERSION_SHORT, sizeof ORVO_VERSION_SHORT);
   return leadTools->LTGetVersionInfo(info->vendorInfo);
@@ -169,6 +175,7 @@ int COrvoInstance::RemapIntensityInPlace(DibHandle* image, const std::uint32_t* 
 }
 
 int COrvoInstance::SetDitheringMode(int mode) noexcept {
+  const RunningCall call(leadTools);
   return leadTools->LTSetDitheringMode(mode);
 }
 
@@ -187,23 +194,28 @@ int COrvoInstance::TrimInPlace(DibHandle* image, int left, int top, int right,
 // --- Files ---------------------------------------------------------------------------------------
 
 int COrvoInstance::LoadFile(const char* path, DibHandle* result) noexcept {
+  const RunningCall call(leadTools);
   return leadTools->LTLoadFile(path, result);
 }
 
 int COrvoInstance::SaveFile(DibHandle source, const char* path, int flag, int quality) noexcept {
+  const RunningCall call(leadTools, source);
   return leadTools->LTSaveFile(source, path, flag, quality);
 }
 
 int COrvoInstance::CreateThumbnailFromFile(const char* path, DibHandle* result, int width,
                                            int height) noexcept {
+  const RunningCall call(leadTools);
   return leadTools->LTCreateThumbnailFromFile(path, result, width, height);
 }
 
 int COrvoInstance::ImageFileInfo(const char* path, ORVOIMAGEFILEINFO* info) noexcept {
+  const RunningCall call(leadTools);
   return leadTools->LTImageFileInfo(path, info);
 }
 
 int COrvoInstance::ConvertFile(const char* source, const char* target, int quality,
                                StatusCallback callback) noexcept {
+  const RunningCall call(leadTools);
   return leadTools->LTConvertFile(source, target, quality, callback);
 }

@@ -5,6 +5,8 @@
 #include <orvo/COrvoCS.h>
 #include <orvo/instance.h>
 
+#include "table/running_call.h"
+
 COrvoInstance* CreateORVOInstance() noexcept {
   auto* const instance = new COrvoInstance;
   if (instance == nullptr) return nullptr;
@@ -27,6 +29,7 @@ void* COrvoInstance::operator new(std::size_t bytes) noexcept {
 }
 
 void COrvoInstance::Destroy(unsigned flag) noexcept {
+  const orvo::RunningCall call(leadTools);
   delete std::exchange(leadTools, nullptr);
   delete std::exchange(orvoCS, nullptr);
   if ((flag & 1U) != 0) LocalFree(this);
