@@ -36,8 +36,8 @@
 //
 // Rows count as stored (row 0 is the bottom line of the picture) unless told otherwise.
 //
-// Threads. An operation runs on its caller's thread, and so does the callback. What must not overlap
-// is the caller's to keep apart, by taking turns or by a lock:
+// Threads. An operation runs on its caller's thread, and so does the callback. What must not
+// overlap is the caller's to keep apart, by taking turns or by a lock:
 //   - calls of one instance, its end among them; which thread makes them does not matter;
 //   - calls on one image, unless all of them only read it.
 // Instances may work at the same time in threads of their own, each on its own images and files.

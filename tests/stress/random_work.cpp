@@ -1,7 +1,10 @@
 #include "random_work.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <string_view>
 #include <utility>
 
@@ -10,6 +13,7 @@
 namespace stress {
 namespace {
 
+namespace fs = std::filesystem;
 using orvo::LockedImage;
 
 constexpr int kMostSide = 200;
@@ -26,25 +30,50 @@ int Watch(int percent, void* /*userData*/) {
   return ORVO_ERR_CANCELLED;
 }
 
-// Two names of each kind that is written, and kinds that are not.
-constexpr std::array<std::string_view, 21> kExtensions{
-    "bmp", "tif", "tiff", "jpg", "jpeg", "pcx", "psd", "png", "ras", "pcd", "wmf",
-    "tga", "pct", "eps",  "wpg", "pdf",  "gif", "fpx", "cmp", "jff", "txt"};
+// Two names of each kind that is written, or only read, and of kinds that are neither.
+constexpr std::array<std::string_view, 25> kExtensions{
+    "bmp", "tif", "tiff", "jpg", "jpeg", "pcx", "psd", "png",  "ras",  "pcd",  "wmf", "tga", "pct",
+    "eps", "wpg", "pdf",  "gif", "fpx",  "cmp", "jff", "webp", "heic", "avif", "jxl", "txt"};
+
+// Files of the kinds that are only read, made by other programs, once; none where those are
+// missing.
+class ForeignFiles {
+ public:
+  ForeignFiles()
+      : folder_(fs::temp_directory_path() / ("orvo-foreign-" + std::to_string(getpid()))) {
+    fs::create_directories(folder_);
+    const std::string commands =
+        "cd " + folder_.string() + "; convert -size 61x43 -seed 5 plasma: 0.gif; " +
+        "for kind in webp heic avif; do convert 0.gif 0.$kind; done; gm convert 0.gif 0.jxl";
+    (void)!std::system(("{ " + commands + "; } 2>/dev/null").c_str());
+  }
+  ~ForeignFiles() { fs::remove_all(folder_); }
+  ForeignFiles(const ForeignFiles&) = delete;
+  ForeignFiles& operator=(const ForeignFiles&) = delete;
+
+  static void copyTo(const fs::path& folder) {
+    static const ForeignFiles files;
+    fs::copy(files.folder_, folder);
+  }
+
+ private:
+  fs::path folder_;
+};
 
 }  // namespace
 
 RandomWork::RandomWork(unsigned seed, std::filesystem::path folder, Company company)
     : random_(seed), folder_(std::move(folder)), company_(company) {
-  std::filesystem::create_directories(folder_);
+  ForeignFiles::copyTo(folder_);
   if (company == Company::kAlone) stopAt = kNever;
 }
 
 RandomWork::~RandomWork() {
-  std::filesystem::remove_all(folder_);
+  fs::remove_all(folder_);
 }
 
 long RandomWork::strays() const {
-  return std::ranges::count_if(std::filesystem::directory_iterator(folder_), [](const auto& file) {
+  return std::ranges::count_if(fs::directory_iterator(folder_), [](const auto& file) {
     const std::string extension = file.path().extension().string();
     return extension.empty() ||
            std::ranges::find(kExtensions, extension.substr(1)) == kExtensions.end();
