@@ -96,6 +96,8 @@ ORVO_PLATFORM_API void* GlobalLock(void* handle);
 ORVO_PLATFORM_API int GlobalUnlock(void* handle);
 // The block's size in bytes, which may exceed what was asked; 0 for a dead handle.
 ORVO_PLATFORM_API size_t GlobalSize(void* handle);
+// The handle of the block whose memory begins there; null for none.
+ORVO_PLATFORM_API void* GlobalHandle(const void* memory);
 // Releases the block, locked or not, and gives null; a dead handle is given back.
 ORVO_PLATFORM_API void* GlobalFree(void* handle);
 

@@ -1,6 +1,7 @@
 #include "common/dib_image.h"
 
 #include <cstring>
+#include <utility>
 
 namespace modules {
 
@@ -27,20 +28,46 @@ OwnedBlock NewDibOf(const BITMAPINFOHEADER& header) noexcept {
   return orvo::IsDibDepth(header.biBitCount) ? orvo::NewDib(header) : OwnedBlock();
 }
 
-OwnedBlock CopyOf(const LockedDib& image) noexcept {
-  OwnedBlock copy = NewDibOf(image.header());
-  const LockedDib target(copy.get());
+OwnedBlock NewWithPaletteOf(const LockedDib& image) noexcept {
+  OwnedBlock block = NewDibOf(image.header());
+  const LockedDib target(block.get());
   if (!target) return OwnedBlock();
   if (image->palette != nullptr && target->palette != nullptr) {
     std::memcpy(target->palette, image->palette, orvo::DibPaletteBytes(image->depth));
   }
+  return block;
+}
+
+OwnedBlock CopyOf(const LockedDib& image) noexcept {
+  OwnedBlock copy = NewWithPaletteOf(image);
+  const LockedDib target(copy.get());
+  if (!target) return OwnedBlock();
   std::memcpy(target->bits, image->bits, image->stride * static_cast<std::size_t>(image->height));
   return copy;
 }
 
-void TakeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept {
-  if (bitmap.block != nullptr) GlobalFree(bitmap.block);
+void Lend(struct_LEAD_Bitmap& bitmap, DibHandle block) noexcept {
+  bitmap.block = block;
+  bitmap.reserved[0] = block;
+  Describe(bitmap);
+}
+
+bool OwnImage(struct_LEAD_Bitmap& bitmap) noexcept {
+  if (!IsLent(bitmap)) return true;
+  OwnedBlock copy = CopyOf(LockedDib(bitmap.block));
+  if (!copy) return false;
+  ExchangeBlock(bitmap, std::move(copy));
+  return true;
+}
+
+void ExchangeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept {
+  const OwnedBlock old(IsLent(bitmap) ? nullptr : bitmap.block);
   bitmap.block = block.release();
+  bitmap.reserved[0] = nullptr;
+}
+
+void TakeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept {
+  ExchangeBlock(bitmap, std::move(block));
   Describe(bitmap);
 }
 

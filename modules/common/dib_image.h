@@ -59,10 +59,25 @@ using OwnedBlock = orvo::OwnedDib;
 OwnedBlock NewDibLike(const BITMAPINFOHEADER& model, int width, int height, int depth) noexcept;
 // The same with the whole header of another image.
 OwnedBlock NewDibOf(const BITMAPINFOHEADER& header) noexcept;
+// The same with its palette too.
+OwnedBlock NewWithPaletteOf(const LockedDib& image) noexcept;
 // A copy of a locked image, header and palette included.
 OwnedBlock CopyOf(const LockedDib& image) noexcept;
 
-// Frees the bitmap's block, takes the new one, and describes it in the record's fields.
+// A lent image lies in a block that the bitmap's maker keeps: it is looked at, never changed nor
+// freed, so that an operation that draws a new image anyhow needs no copy of the old one.
+inline bool IsLent(const struct_LEAD_Bitmap& bitmap) noexcept {
+  return bitmap.reserved[0] != nullptr;
+}
+// The bitmap, which holds nothing, looks at the block.
+void Lend(struct_LEAD_Bitmap& bitmap, DibHandle block) noexcept;
+// Takes a copy of a lent image in its place; false when out of memory, and it stays lent.
+[[nodiscard]] bool OwnImage(struct_LEAD_Bitmap& bitmap) noexcept;
+
+// Takes the new block in place of the bitmap's own, which is freed unless it is lent. The record's
+// other fields stay.
+void ExchangeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept;
+// The same, and describes it in the record's fields.
 void TakeBlock(struct_LEAD_Bitmap& bitmap, OwnedBlock block) noexcept;
 // Fills width, height, depth and resolutions from the block's header. A block that cannot be used
 // stays held and leaves the fields 0.

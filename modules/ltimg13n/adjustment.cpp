@@ -2,31 +2,43 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 #include "common/status.h"
 
 namespace modules {
+
+// While a callback may run, which could free any block, no image is lent.
+Adjustment::Adjustment(struct_LEAD_Bitmap* bitmap) noexcept : bitmap_(bitmap) {
+  const bool isReady = bitmap != nullptr && (!KernelHasStatusCallback() || OwnImage(*bitmap));
+  hasMemory_ = isReady || bitmap == nullptr;
+  image_.emplace(isReady ? bitmap->block : nullptr);
+}
+
 int Adjustment::obstacle() const {
+  if (!hasMemory_) return kModuleNoMemory;
   if (!*image_) return kModuleNoBitmap;
   return image().depth == 1 ? kModuleDepthNotSupported : kModuleSuccess;
 }
 
 int Adjustment::changeRows(const RowChange& change) {
   const Pixels& source = image();
-  if (!KernelHasStatusCallback()) {
+  if (!IsLent(*bitmap_) && !KernelHasStatusCallback()) {
     for (int y = 0; y < source.height; ++y) change(source, source, y);
     return kModuleSuccess;
   }
-  OwnedBlock copy = CopyOf(*image_);
+  OwnedBlock changed = NewWithPaletteOf(*image_);
   {
-    const LockedDib target(copy.get());
+    const LockedDib target(changed.get());
     if (!target) return kModuleNoMemory;
-    ForEachRow(source.height, [&](int y) { change(source, *target, y); });
+    ForEachRow(source.height, [&](int y) {
+      std::memcpy(target->row(y), source.row(y), source.stride);
+      change(source, *target, y);
+    });
   }
-  // Only the handle changes: the record's resolution may be newer than the header's.
   image_.reset();
-  GlobalFree(std::exchange(bitmap_->block, copy.release()));
+  ExchangeBlock(*bitmap_, std::move(changed));
   return kModuleSuccess;
 }
 
@@ -42,6 +54,11 @@ int Adjustment::changePalette(const ColorChange& change) {
     changed[i] = {color.blue, color.green, color.red, entry.rgbReserved};
   }
   if (!progress.report(1)) return kModuleAborted;
+  if (IsLent(*bitmap_)) {
+    if (!OwnImage(*bitmap_)) return kModuleNoMemory;
+    image_.emplace(bitmap_->block);
+    if (!*image_) return kModuleNoMemory;
+  }
   std::copy_n(changed.begin(), count, image().palette);
   return kModuleSuccess;
 }

@@ -20,20 +20,20 @@ using ColorChange = std::function<Color(Color)>;
 // One adjustment of one bitmap, which may be null or hold nothing.
 class Adjustment {
  public:
-  explicit Adjustment(struct_LEAD_Bitmap* bitmap) noexcept
-      : bitmap_(bitmap), image_(std::in_place, bitmap == nullptr ? nullptr : bitmap->block) {}
+  explicit Adjustment(struct_LEAD_Bitmap* bitmap) noexcept;
 
   // Why the bitmap cannot be adjusted; kModuleSuccess when it can.
   [[nodiscard]] int obstacle() const;
   [[nodiscard]] const Pixels& image() const { return **image_; }
 
-  // Each changes the bitmap and ends the adjustment; module code. Rows are changed on a working
-  // copy when a status callback could stop the operation, else in the block itself.
+  // Each changes the bitmap and ends the adjustment; module code. Rows are changed in a new block
+  // when the image is lent or a status callback could stop the operation, else in the block itself.
   int changeRows(const RowChange& change);
   int changePalette(const ColorChange& change);
 
  private:
   struct_LEAD_Bitmap* bitmap_;
+  bool hasMemory_ = true;
   std::optional<LockedDib> image_;
 };
 

@@ -1,5 +1,5 @@
 // How images enter and leave a bitmap. A bitmap's image is the very block that it was given, so
-// taking one over and giving it back copies nothing.
+// taking one over and giving it back copies nothing; nor does a copy, before somebody changes it.
 #include <cstring>
 
 #include "common/dib_image.h"
@@ -29,6 +29,12 @@ bool IsUsable(const BITMAPINFOHEADER& header) {
          orvo::DibLayoutFor(header.biWidth, header.biHeight, header.biBitCount);
 }
 
+// Whether the block is an image whose rows begin there.
+bool HoldsAsUsual(DibHandle block, const void* pixels) {
+  const LockedDib image(block);
+  return image && image->bits == pixels;
+}
+
 }  // namespace
 
 // The record need not be initialised: whatever it holds is overwritten, nothing is freed. A block
@@ -43,6 +49,7 @@ int L_ChangeFromDIB(struct_LEAD_Bitmap* bitmap, DibHandle dib) {
 
 DibHandle L_ChangeToDIB(struct_LEAD_Bitmap* bitmap) {
   if (bitmap == nullptr) return nullptr;
+  if (!modules::OwnImage(*bitmap)) return nullptr;
   StampResolution(*bitmap, bitmap->block);
   DibHandle block = bitmap->block;
   *bitmap = {};
@@ -59,6 +66,10 @@ int L_ConvertFromDIB(struct_LEAD_Bitmap* bitmap, const BITMAPINFOHEADER* header,
   if (bitmap == nullptr) return kModuleNoBitmap;
   *bitmap = {};
   if (header == nullptr || pixels == nullptr || !IsUsable(*header)) return kModuleNoBitmap;
+  if (const DibHandle block = GlobalHandle(header); HoldsAsUsual(block, pixels)) {
+    modules::Lend(*bitmap, block);
+    return kModuleSuccess;
+  }
   OwnedBlock copy = modules::NewDibOf(*header);
   {
     const LockedDib target(copy.get());
@@ -84,7 +95,7 @@ DibHandle L_ConvertToDIB(struct_LEAD_Bitmap* bitmap) {
 
 int L_FreeBitmap(struct_LEAD_Bitmap* bitmap) {
   if (bitmap == nullptr) return kModuleNoBitmap;
-  if (bitmap->block != nullptr) GlobalFree(bitmap->block);
+  modules::ExchangeBlock(*bitmap, OwnedBlock());
   *bitmap = {};
   return kModuleSuccess;
 }

@@ -4,9 +4,10 @@
 
 namespace modules {
 
-Redrawing::Redrawing(const struct_LEAD_Bitmap* bitmap)
-    : bitmap_(bitmap),
-      source_(std::in_place, bitmap == nullptr || bitmap->width <= 0 ? nullptr : bitmap->block) {
+Redrawing::Redrawing(struct_LEAD_Bitmap* bitmap) : bitmap_(bitmap) {
+  Require(bitmap != nullptr && bitmap->width > 0, kModuleNoBitmap);
+  Require(!KernelHasStatusCallback() || OwnImage(*bitmap), kModuleNoMemory);
+  source_.emplace(bitmap->block);
   Require(*source_, kModuleNoBitmap);
 }
 
@@ -27,7 +28,7 @@ int Redrawing::finish(struct_LEAD_Bitmap& bitmap) {
   bitmap.yResolution = yResolution;
   source_.reset();
   target_.reset();
-  const OwnedBlock old(std::exchange(bitmap.block, block_.release()));
+  ExchangeBlock(bitmap, std::move(block_));
   return kModuleSuccess;
 }
 

@@ -15,8 +15,9 @@ namespace modules {
 // One operation on one bitmap.
 class Redrawing {
  public:
-  // Refuses a bitmap that is null or holds nothing.
-  explicit Redrawing(const struct_LEAD_Bitmap* bitmap);
+  // Refuses a bitmap that is null or holds nothing. While a callback may run, which could free any
+  // block, no image is lent.
+  explicit Redrawing(struct_LEAD_Bitmap* bitmap);
 
   [[nodiscard]] const Pixels& source() const { return **source_; }
 

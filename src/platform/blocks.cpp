@@ -40,8 +40,9 @@ struct FaultCountdown {
 // that of an image may take longer than what other threads wait to do.
 struct Registry {
   std::mutex mutex;
-  Blocks handles;  // GlobalAlloc
-  Blocks working;  // LocalAlloc, by address
+  Blocks handles;                                 // GlobalAlloc
+  std::unordered_map<const void*, void*> starts;  // their handles, by where their memory begins
+  Blocks working;                                 // LocalAlloc, by address
   std::uintptr_t nextHandle = 1;
   FaultCountdown failingAllocation;
   FaultCountdown failingLock;
@@ -60,7 +61,9 @@ void* Enter(Registry& registry, Blocks& blocks, const Block& block, bool movable
   void* const handle = movable ? reinterpret_cast<void*>(registry.nextHandle) : block.memory;
   try {
     blocks.emplace(handle, block);
+    if (&blocks == &registry.handles) registry.starts.emplace(block.memory, handle);
   } catch (const std::bad_alloc&) {
+    blocks.erase(handle);
     return nullptr;
   }
   if (movable) registry.nextHandle += 2;
@@ -80,6 +83,9 @@ void* Release(Registry& registry, Blocks& blocks, void* handle) {
   {
     const std::lock_guard guard(registry.mutex);
     released = blocks.extract(handle);
+    if (!released.empty() && &blocks == &registry.handles) {
+      registry.starts.erase(released.mapped().memory);
+    }
   }
   if (released.empty()) return handle;
   platform::GiveMemory(released.mapped().memory, released.mapped().bytes);
@@ -115,6 +121,13 @@ size_t GlobalSize(void* handle) {
   const std::lock_guard guard(registry.mutex);
   const auto found = registry.handles.find(handle);
   return found == registry.handles.end() ? 0 : found->second.bytes;
+}
+
+void* GlobalHandle(const void* memory) {
+  Registry& registry = TheRegistry();
+  const std::lock_guard guard(registry.mutex);
+  const auto found = registry.starts.find(memory);
+  return found == registry.starts.end() ? nullptr : found->second;
 }
 
 void* GlobalFree(void* handle) {
