@@ -2,7 +2,7 @@
 // that the turn goes the other way in stored coordinates.
 //
 // For each new pixel the place in the old image is found that turns into it. Places are numbers of
-// 1/2^28 pixels; at quarter turns they hit the old pixels exactly, at every depth.
+// 1/2^28 pixels. Quarter turns onto a canvas that fits move the old pixels, at every depth.
 #include <array>
 #include <bit>
 #include <cmath>
@@ -14,6 +14,7 @@
 #include "common/guard.h"
 #include "common/palette_search.h"
 #include "common/pixel_formats.h"
+#include "common/pixel_turns.h"
 #include "ltkrn13n/redrawing.h"
 
 namespace {
@@ -195,6 +196,15 @@ void Draw(const Pixels& source, const Pixels& target, const Turn& turn, Color ba
                       [&](auto format) { Draw(format, source, target, map, background, mixes); });
 }
 
+// The target has the source's sides, swapped by an odd number of quarters.
+void DrawQuarters(const Pixels& source, const Pixels& target, int quarters) {
+  const modules::PixelTurn turn{quarters % 2 == 1, quarters == 1 || quarters == 2,
+                                quarters == 2 || quarters == 3};
+  ForEachRow(target.height, [&](int y) {
+    if (y % modules::kTurnedBand == 0) modules::DrawTurnedBand(source, target, turn, y);
+  });
+}
+
 int Rotate(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, Color background) {
   Redrawing drawing(bitmap);
   const Pixels& source = drawing.source();
@@ -203,7 +213,11 @@ int Rotate(struct_LEAD_Bitmap* bitmap, int angle, unsigned flags, Color backgrou
       (flags & kRotateGrows) != 0 ? GrownExtent(source, turn) : Extent{source.width, source.height};
   modules::Require(extent, kModuleNoMemory);
   drawing.begin(extent->width, extent->height, source.depth);
-  Draw(source, drawing.target(), turn, background);
+  if (turn.quarters && ((flags & kRotateGrows) != 0 || *turn.quarters % 2 == 0)) {
+    DrawQuarters(source, drawing.target(), *turn.quarters);
+  } else {
+    Draw(source, drawing.target(), turn, background);
+  }
   drawing.finish(*bitmap);
   // What ran across runs down now.
   if (turn.quarters && *turn.quarters % 2 == 1) {

@@ -1,4 +1,6 @@
 // Cutting a bitmap to a rectangle.
+#include <cstring>
+
 #include "common/guard.h"
 #include "common/pixel_formats.h"
 #include "ltkrn13n/redrawing.h"
@@ -21,7 +23,14 @@ int Trim(struct_LEAD_Bitmap* bitmap, int left, int top, int width, int height) {
   const Pixels& target = drawing.target();
   const auto pixels = static_cast<std::size_t>(width);
   const auto skipped = static_cast<std::size_t>(left);
-  modules::WithFormat(source.depth, [&](auto format) {
+  if (source.depth >= 8) {
+    const std::size_t start = skipped * static_cast<std::size_t>(source.depth) / 8;
+    modules::ForEachRow(height, [&](int y) {
+      std::memcpy(target.row(y), source.row(top + y) + start, target.rowBytes());
+    });
+    return drawing.finish(*bitmap);
+  }
+  modules::WithIndexFormat(source.depth, [&](auto format) {
     modules::ForEachRow(height, [&](int y) {
       const std::uint8_t* const from = source.row(top + y);
       std::uint8_t* const to = target.row(y);
