@@ -1,5 +1,5 @@
 # Files of pixel loops that are compiled once for each level of the processor's vector instructions;
-# src/imaging/vector_levels.h tells how they are written and called.
+# src/platform/vector_levels.h tells how they are written and called.
 include(CheckCXXCompilerFlag)
 
 option(ORVO_SCALAR "Only the plain level of vectorised files, for every processor" OFF)

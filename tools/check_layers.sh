@@ -14,14 +14,14 @@ methods: binding imaging imaging/adjust imaging/descreen imaging/redeye imaging/
 binding: contract dib platform
 contract: dib platform
 imaging: platform
-imaging/adjust: imaging
-imaging/descreen: imaging
+imaging/adjust: imaging platform
+imaging/descreen: imaging platform
 imaging/redeye: imaging/adjust imaging platform
-imaging/regions: imaging platform
-imaging/trim: imaging platform
+imaging/regions: platform
+imaging/trim: platform
 dib: platform
 platform:
-modules/common: contract dib
+modules/common: contract dib platform
 modules/pictures: modules/common platform
 modules/ltkrn13n: modules/common contract platform
 modules/ltimg13n: modules/common contract

@@ -1,8 +1,21 @@
 #include "common/color_rows.h"
 
+#include <cstring>
+
+#include "common/color_vectors.h"
 #include "common/pixel_formats.h"
 
 namespace modules {
+namespace {
+
+const std::uint8_t* BytesOf(const Color* colors) {
+  return &colors->blue;
+}
+std::uint8_t* BytesOf(Color* colors) {
+  return &colors->blue;
+}
+
+}  // namespace
 
 std::vector<Color> PaletteColors(const Pixels& image) {
   std::vector<Color> colors;
@@ -19,19 +32,35 @@ void ReadColors(const Pixels& image, int y, Color* colors) {
         colors[x] = ColorOf(image.palette[format.read(row, x)]);
     });
   }
-  WithColorFormat(image.depth, [&](auto format) {
-    for (std::size_t x = 0; x < width; ++x) colors[x] = ColorOf(format.read(row, x));
-  });
+  if (image.depth == 24) {
+    std::memcpy(colors, row, image.rowBytes());
+  } else if (image.depth == 32) {
+    ORVO_BEST(ColorsFrom32)(row, width, BytesOf(colors));
+  } else {
+    for (std::size_t x = 0; x < width; ++x) colors[x] = ColorOf(Format16::read(row, x));
+  }
+}
+
+const Color* RowOfColors(const Pixels& image, int y, Color* colors) {
+  if (image.depth == 24) return reinterpret_cast<const Color*>(image.row(y));
+  ReadColors(image, y, colors);
+  return colors;
 }
 
 void WriteColors(const Pixels& image, int y, const Color* colors) {
   std::uint8_t* const row = image.row(y);
-  WithColorFormat(image.depth, [&](auto format) {
-    using Value = typename decltype(format)::Value;
-    for (std::size_t x = 0; x < static_cast<std::size_t>(image.width); ++x) {
-      format.write(row, x, Recolored(Value{}, colors[x]));
-    }
-  });
+  const auto width = static_cast<std::size_t>(image.width);
+  if (image.depth == 24) {
+    std::memcpy(row, colors, image.rowBytes());
+  } else if (image.depth == 32) {
+    ORVO_BEST(ColorsTo32)(BytesOf(colors), width, row);
+  } else {
+    ORVO_BEST(ColorsTo16)(BytesOf(colors), width, reinterpret_cast<std::uint16_t*>(row));
+  }
+}
+
+void WriteTones(const Color* colors, std::size_t count, std::uint8_t* tones) {
+  ORVO_BEST(ColorsToTones)(BytesOf(colors), count, tones);
 }
 
 void ReadIndexes(const Pixels& image, int y, std::uint8_t* indexes) {

@@ -13,6 +13,10 @@ namespace modules {
 std::vector<Color> PaletteColors(const Pixels& image);
 // The colours of a stored row, width of them.
 void ReadColors(const Pixels& image, int y, Color* colors);
+// The same, where they lie at 24 bits, else in colors.
+const Color* RowOfColors(const Pixels& image, int y, Color* colors);
+// The luma of each colour.
+void WriteTones(const Color* colors, std::size_t count, std::uint8_t* tones);
 // Stores colours; 16 bits and above. The fourth byte of 32-bit pixels becomes 0.
 void WriteColors(const Pixels& image, int y, const Color* colors);
 // The palette indexes of a stored row, a byte each; 8 bits and below.

@@ -36,16 +36,24 @@ int ChangeColors(struct_LEAD_Bitmap* bitmap, const Rule& rule) {
 }
 
 // The same by tables. A gray image whose bytes are its tones keeps its palette and changes the
-// bytes: with any other palette it would no longer count as gray.
+// bytes: with any other palette it would no longer count as gray. Those of 24 bits are tones, too.
 inline int ChangeTones(struct_LEAD_Bitmap* bitmap, const ToneTables& tables) {
   Adjustment adjustment(bitmap);
   if (const int obstacle = adjustment.obstacle(); obstacle != kModuleSuccess) return obstacle;
-  if (!tables.keepsGray() || !BytesAreTones(adjustment.image()))
-    return ChangeColors(adjustment, tables);
-  return adjustment.changeRows([&tables](const Pixels& source, const Pixels& target, int y) {
+  const bool bytesAreTones = adjustment.image().depth == 24 || BytesAreTones(adjustment.image());
+  if (!tables.keepsGray() || !bytesAreTones) return ChangeColors(adjustment, tables);
+  return adjustment.changeRows([&tables, isNegative = tables.green == NegativeTables().green](
+                                   const Pixels& source, const Pixels& target, int y) {
     const std::uint8_t* const from = source.row(y);
-    std::transform(from, from + source.width, target.row(y),
-                   [&tables](std::uint8_t tone) { return tables.green[tone]; });
+    const std::uint8_t* const end = from + source.rowBytes();
+    const auto tone = [&tables](std::uint8_t byte) { return tables.green[byte]; };
+    // No look-up, so that many bytes are done at once.
+    const auto negative = [](std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); };
+    if (isNegative) {
+      std::transform(from, end, target.row(y), negative);
+    } else {
+      std::transform(from, end, target.row(y), tone);
+    }
   });
 }
 

@@ -66,8 +66,8 @@ std::vector<Color> FixedPalette(int bits) {
 void DrawColors(const Redrawing& drawing) {
   std::vector<Color> colors(static_cast<std::size_t>(drawing.source().width));
   ForEachRow(drawing.source().height, [&](int y) {
-    modules::ReadColors(drawing.source(), y, colors.data());
-    modules::WriteColors(drawing.target(), y, colors.data());
+    const Color* const row = modules::RowOfColors(drawing.source(), y, colors.data());
+    modules::WriteColors(drawing.target(), y, row);
   });
 }
 
@@ -106,10 +106,7 @@ void DrawInOptimisedPalette(const Redrawing& drawing, DitheringMode mode) {
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
   ForEachRow(
       source.height,
-      [&](int y) {
-        modules::ReadColors(source, y, colors.data());
-        histogram.add(colors.data(), colors.size());
-      },
+      [&](int y) { histogram.add(modules::RowOfColors(source, y, colors.data()), colors.size()); },
       progress);
   const auto most = static_cast<std::size_t>(drawing.target().paletteSize());
   const ChosenPalette palette = modules::OptimisedPalette(histogram, most);

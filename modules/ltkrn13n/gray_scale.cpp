@@ -23,9 +23,8 @@ int MakeGray(struct_LEAD_Bitmap* bitmap) {
   modules::FillGrayPalette(target);
   std::vector<Color> colors(static_cast<std::size_t>(source.width));
   modules::ForEachRow(source.height, [&](int y) {
-    modules::ReadColors(source, y, colors.data());
-    std::uint8_t* const tones = target.row(y);
-    for (std::size_t x = 0; x < colors.size(); ++x) tones[x] = modules::LumaOf(colors[x]);
+    const Color* const row = modules::RowOfColors(source, y, colors.data());
+    modules::WriteTones(row, colors.size(), target.row(y));
   });
   return drawing.finish(*bitmap);
 }

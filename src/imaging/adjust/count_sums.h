@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "imaging/vector_levels.h"
+#include "platform/vector_levels.h"
 
 namespace orvo {
 

@@ -2,7 +2,7 @@
 #define ORVO_IMAGING_ADJUST_EXPOSURE_CURVE_H
 
 #include "imaging/adjust/tone_map.h"
-#include "imaging/vector_levels.h"
+#include "platform/vector_levels.h"
 
 namespace orvo {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "imaging/vector_levels.h"
+#include "platform/vector_levels.h"
 
 namespace orvo {
 

@@ -3,7 +3,7 @@
 #define ORVO_IMAGING_ADJUST_TONE_MAP_H
 
 #include "imaging/adjust/tones.h"
-#include "imaging/vector_levels.h"
+#include "platform/vector_levels.h"
 
 namespace orvo {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "imaging/vector_levels.h"
+#include "platform/vector_levels.h"
 
 namespace orvo {
 

@@ -10,8 +10,8 @@
 // level's namespace: of an inline function the linker keeps one copy for the whole library, which
 // may be the one whose instructions this processor has not. So what it calls is always inline, and
 // nothing is called of the standard library.
-#ifndef ORVO_IMAGING_VECTOR_LEVELS_H
-#define ORVO_IMAGING_VECTOR_LEVELS_H
+#ifndef ORVO_PLATFORM_VECTOR_LEVELS_H
+#define ORVO_PLATFORM_VECTOR_LEVELS_H
 
 #include "platform/vector_level.h"
 
@@ -64,4 +64,4 @@ ORVO_ALWAYS_INLINE constexpr Number Most(Number a, Number b) {
 
 }  // namespace orvo
 
-#endif  // ORVO_IMAGING_VECTOR_LEVELS_H
+#endif  // ORVO_PLATFORM_VECTOR_LEVELS_H
