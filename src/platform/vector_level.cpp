@@ -82,4 +82,8 @@ int VectorLevel() {
 
 }  // namespace
 
+#if defined(ORVO_FAULT_INJECTION)
+int PlatformVectorLevel = VectorLevel();
+#else
 const int PlatformVectorLevel = VectorLevel();
+#endif
