@@ -1,140 +1,97 @@
-// One operation of the table on a block of made-up bytes, whatever its header says. Whatever comes
-// of it, no lock is held afterwards and every block can be accounted for.
-#include <cstdlib>
-#include <cstring>
-#include <iterator>
+// One operation of the table on a made-up block, without vector instructions and with them: code,
+// block and result are the same.
+#include <orvo/raii.h>
 
-#include <orvo/orvo.h>
-
-#include "platform/fault_injection.h"
+#include "fuzz.h"
+#include "platform/vector_level.h"
+#include "recipe.h"
+#include "stress/every_operation.h"
 
 namespace {
 
-// What the bytes are taken for: the operation with its parameters, then the block. The header is
-// made sound, so that operations get to work, unless its bytes are to be taken as they come.
-struct Recipe {
-  std::uint8_t operation;
-  std::uint8_t inPlace;
-  std::uint8_t first;
-  std::uint8_t second;
-  std::uint8_t third;
-  std::uint8_t width;
-  std::uint8_t height;
-  std::uint8_t depth;
-};
+constexpr std::uint16_t kDepths[] = {1, 4, 8, 16, 24, 32};
+// Pixels per metre: of fewer, a changed resolution makes gigabytes.
+constexpr std::int32_t kLeastResolution = 1000;
 
-constexpr std::uint8_t kAsTheyCome = 255;  // for a depth
+// Measures that the block can hold, so that operations get to work.
+void MakeSound(BITMAPINFOHEADER& header, std::size_t blockBytes) {
+  const std::size_t bytes = blockBytes - orvo::kDibHeaderBytes;
+  if (!orvo::IsDibDepth(header.biBitCount)) header.biBitCount = kDepths[header.biBitCount % 6U];
+  if (orvo::DibPaletteBytes(header.biBitCount) >= bytes) header.biBitCount = 24;
+  const std::size_t rows = bytes - orvo::DibPaletteBytes(header.biBitCount);
+  const auto widest = static_cast<std::uint32_t>(rows * 8 / header.biBitCount);
+  header.biWidth = static_cast<int>(static_cast<std::uint32_t>(header.biWidth - 1) % widest) + 1;
+  const std::uint64_t stride =
+      orvo::DibStride(static_cast<std::uint64_t>(header.biWidth), header.biBitCount);
+  header.biHeight = static_cast<int>(std::max<std::size_t>(rows / stride, 1));
+}
 
-orvo::OwnedDib Block(const Recipe& recipe, const std::uint8_t* bytes, std::size_t size) {
-  constexpr int kDepths[] = {1, 4, 8, 16, 24, 24, 24, 32};
-  const int depth = kDepths[recipe.depth % std::size(kDepths)];
-  const auto layout = orvo::DibLayoutFor(1 + recipe.width, 1 + recipe.height, depth);
-  const bool raw = recipe.depth == kAsTheyCome;
-  const std::size_t total = raw ? size : layout->totalBytes;
-  orvo::OwnedDib block(GlobalAlloc(orvo::kDibBlockFlags, total));
-  auto* const target = static_cast<std::uint8_t*>(GlobalLock(block.get()));
-  if (target == nullptr) return block;
-  for (std::size_t i = 0; i < total && size > 0; ++i) target[i] = bytes[i % size];
-  if (!raw) {
-    BITMAPINFOHEADER header{};
-    header.biSize = sizeof header;
-    header.biWidth = layout->width;
-    header.biHeight = layout->height;
-    header.biPlanes = 1;
-    header.biBitCount = static_cast<std::uint16_t>(depth);
-    // Not so few that a changed resolution asks for gigabytes.
-    header.biXPelsPerMeter = header.biYPelsPerMeter = 1000 + 16 * recipe.third;
-    std::memcpy(target, &header, sizeof header);
-  }
-  GlobalUnlock(block.get());
+std::vector<std::uint8_t> BlockOf(fuzz::Bytes bytes, bool isSound) {
+  std::vector<std::uint8_t> block(bytes.begin(), bytes.end());
+  if (isSound) block.resize(std::max(block.size(), orvo::kDibHeaderBytes + 16));
+  if (block.size() < orvo::kDibHeaderBytes) return block;
+  BITMAPINFOHEADER header = orvo::DibHeaderOf(block.data());
+  header.biXPelsPerMeter = std::max(header.biXPelsPerMeter, kLeastResolution);
+  header.biYPelsPerMeter = std::max(header.biYPelsPerMeter, kLeastResolution);
+  if (isSound) MakeSound(header, block.size());
+  std::memcpy(block.data(), &header, sizeof header);
   return block;
 }
 
-using Operation = void (*)(COrvoInstance& toolkit, DibHandle source, DibHandle* result,
-                           const Recipe& recipe);
+std::vector<std::uint8_t> BytesOf(DibHandle handle) {
+  const orvo::BlockLock lock(handle);
+  if (!lock) return {};
+  return {lock.bytes(), lock.bytes() + lock.size()};
+}
 
-// Those of the toolkit itself, which keep the source's handle in place, stand first.
-constexpr std::size_t kOwnOperations = 8;
-constexpr Operation kOperations[] = {
-    [](COrvoInstance& t, DibHandle s, DibHandle*, const Recipe& r) {
-      std::uint32_t x = 0;
-      std::uint32_t y = 0;
-      std::uint32_t radius = 0;
-      t.SearchRedEyeRegion(s, r.first, r.second, &x, &y, &radius);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.ReduceRedEye(s, d, r.first, r.second, r.third);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe&) {
-      int found = 0;
-      t.AutoRedEye(s, d, &found);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.SharpnessAdjust(s, d, r.first);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.HistogramAdjust(s, d, r.first);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.ExposureAdjust(s, d, r.first);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.WhitenessAdjust(s, d, r.first);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.Descreen(s, d, r.first % 5, r.second, nullptr);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) { t.AutoTrim(s, d, r.first); },
-    [](COrvoInstance& t, DibHandle s, DibHandle*, const Recipe& r) {
-      RegionRecord* list = nullptr;
-      int count = 0;
-      t.FindRegions(s, &list, &count, r.first, r.second);
-      if (list != nullptr) GlobalFree(list);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe&) {
-      int angle = 0;
-      t.AutoDeskew(s, d, &angle, nullptr);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.ConvertToColorRes(s, d, r.first);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.Rotate(s, d, r.first + 256 * r.second, nullptr);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.ChangeSize(s, d, r.first, r.second, r.third % 6, nullptr);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.Trim(s, d, r.first - 8, r.second - 8, r.third, r.width);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.ChangeResolution(s, d, r.first, r.second, nullptr);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe&) {
-      t.ConvertToGrayScaleRes(s, d, nullptr);
-    },
-    [](COrvoInstance& t, DibHandle s, DibHandle* d, const Recipe& r) {
-      t.LeadSharpnessAdjust(s, d, 8 * (r.first - 128), nullptr);
-    },
+struct Outcome {
+  int code = 0;
+  std::vector<std::uint8_t> image, result;
+  bool operator==(const Outcome&) const = default;
 };
+
+// Each number of the range, and one beyond either end.
+int NumberOf(const stress::Number& number, unsigned madeUp) {
+  return number.low - 1 +
+         static_cast<int>(madeUp % static_cast<unsigned>(number.high - number.low + 3));
+}
+
+Outcome OutcomeAt(int level, const fuzz::Recipe& recipe, fuzz::Bytes bytes) {
+  COrvoInstance& toolkit = fuzz::Toolkit();
+  const auto operations = stress::EveryOperation();
+  const stress::Operation& operation = operations[recipe.operation % operations.size()];
+  const std::string& kind = fuzz::Kinds()[recipe.kind % fuzz::Kinds().size()];
+  const fuzz::File source("source.bmp", bytes);
+  const fuzz::File target("target." + kind);
+
+  PlatformVectorLevel = level;
+  toolkit.SetDitheringMode(recipe.dithering % 10);
+  const std::vector<std::uint8_t> block = BlockOf(bytes, (recipe.choices & fuzz::kAsItComes) == 0);
+  orvo::OwnedDib image(GlobalAlloc(orvo::kDibBlockFlags, block.size()));
+  if (const orvo::BlockLock lock(image.get()); lock) std::ranges::copy(block, lock.bytes());
+  orvo::OwnedDib result;
+  stress::Call call{toolkit, image.address(), result.receive(image.get()),
+                    {},      source.path(),   target.path()};
+  for (std::size_t i = 0; i < call.numbers.size(); ++i) {
+    call.numbers.at(i) = NumberOf(operation.numbers.at(i), recipe.numbers[i]);
+  }
+  const int code = operation.call(call);
+  return {code, BytesOf(image.get()), BytesOf(result.get())};
+}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static COrvoInstance* const toolkit = CreateORVOInstance();
-  Recipe recipe{};
+  static const int highest = PlatformVectorLevel;
+  fuzz::Recipe recipe;
   if (size <= sizeof recipe) return -1;
   std::memcpy(&recipe, data, sizeof recipe);
-  const std::size_t blocks = PlatformLiveBlocks();
-  {
-    orvo::OwnedDib source = Block(recipe, data + sizeof recipe, size - sizeof recipe);
-    if (!source) return -1;
-    const std::size_t operation = recipe.operation % std::size(kOperations);
-    const bool inPlace = recipe.inPlace % 2 != 0 && operation < kOwnOperations;
-    DibHandle result = inPlace ? source.get() : nullptr;
-    kOperations[operation](*toolkit, source.get(), &result, recipe);
-    if (result != nullptr && result != source.get()) GlobalFree(result);
-  }
-  if (PlatformHeldLocks() != 0 || PlatformLiveBlocks() != blocks) std::abort();
+  const fuzz::Accounts accounts;
+  const fuzz::Bytes block(data + sizeof recipe, size - sizeof recipe);
+  const Outcome plain = OutcomeAt(1, recipe, block);
+  const int level = (recipe.choices & fuzz::kMiddleLevel) != 0 ? std::min(3, highest) : highest;
+  fuzz::Require(OutcomeAt(level, recipe, block) == plain,
+                stress::EveryOperation()[recipe.operation % 60U].name +
+                    std::string(" differs at level ") + std::to_string(level));
   return 0;
 }
