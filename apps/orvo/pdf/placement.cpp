@@ -11,9 +11,18 @@ namespace {
 // Numbers in content are rounded; a part in a thousand is a pixel or two at the far edge.
 constexpr double kSlant = 1e-3;
 
-int SignOf(double number, double scale) {
-  if (std::abs(number) <= scale * kSlant) return 0;
-  return number < 0 ? -1 : 1;
+// Of a side's part; 0 for one that is next to nothing, beside the longest of all and beside the
+// side's other part: sides may be very unlike.
+int SignOf(double part, double other, double scale) {
+  if (std::abs(part) <= scale * kSlant && std::abs(part) < std::abs(other)) return 0;
+  return part < 0 ? -1 : 1;
+}
+
+bool HasSigns(const Matrix& place, const Matrix& signs) {
+  const double scale =
+      std::max({std::abs(place.a), std::abs(place.b), std::abs(place.c), std::abs(place.d)});
+  return SignOf(place.a, place.b, scale) == signs.a && SignOf(place.b, place.a, scale) == signs.b &&
+         SignOf(place.c, place.d, scale) == signs.c && SignOf(place.d, place.c, scale) == signs.d;
 }
 
 }  // namespace
@@ -81,14 +90,8 @@ Matrix TurnOf(int degrees) {
 }
 
 std::optional<int> OrientationOf(const Matrix& place) {
-  const double scale =
-      std::max({std::abs(place.a), std::abs(place.b), std::abs(place.c), std::abs(place.d)});
   for (int orientation = 1; orientation <= 8; ++orientation) {
-    const Matrix row = UprightMatrix(orientation);
-    if (SignOf(place.a, scale) == SignOf(row.a, 1) && SignOf(place.b, scale) == SignOf(row.b, 1) &&
-        SignOf(place.c, scale) == SignOf(row.c, 1) && SignOf(place.d, scale) == SignOf(row.d, 1)) {
-      return orientation;
-    }
+    if (HasSigns(place, UprightMatrix(orientation))) return orientation;
   }
   return std::nullopt;
 }
