@@ -100,7 +100,10 @@ int main(int count, char** arguments) {
   const int executions = std::atoi(arguments[1]);
   const std::string name = fs::path(arguments[0]).stem();
   std::vector<Input> inputs = InputsIn(count - 2, arguments + 2);
-  inputs.push_back({"none", Bytes(kMostBytes / 16)});
+  Mutator mutator;
+  Bytes noise(kMostBytes / 16);
+  for (std::uint8_t& byte : noise) byte = static_cast<std::uint8_t>(mutator.number(256));
+  inputs.push_back({"none", std::move(noise)});
   const auto run = [&](const std::string& kind, const Bytes& bytes) {
     setenv("FUZZ_KIND", kind.c_str(), 1);
     modules::WriteFile((name + "-input").c_str(), [&](std::FILE* file) {
@@ -109,7 +112,6 @@ int main(int count, char** arguments) {
     LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
   };
   for (const Input& input : inputs) run(input.kind, input.bytes);
-  Mutator mutator;
   for (int i = 0; i < executions; ++i) {
     const Input& input = inputs[static_cast<std::size_t>(i) % inputs.size()];
     run(input.kind, mutator.changed(input.bytes, inputs[mutator.number(inputs.size())].bytes));

@@ -1,9 +1,12 @@
 // Made-up bytes as a picture file: described, loaded, shrunk to a thumbnail, put into a document,
 // converted, and saved. FUZZ_KIND in the environment is the file's extension, by which the kinds
 // without a mark of their own are known.
+#include <memory>
+
 #include <orvo/raii.h>
 
 #include "fuzz.h"
+#include "pdf_file.h"
 
 namespace {
 
@@ -43,7 +46,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Require(small.width <= 20 && small.height <= 20, "a large thumbnail");
   }
   const fuzz::File document("target.pdf");
-  (void)toolkit.ConvertFile(source.name(), document.name(), 0, nullptr);
+  if (toolkit.ConvertFile(source.name(), document.name(), 0, nullptr) == ORVO_OK) {
+    const std::unique_ptr<client::PdfFile> book(OpenPdfFile(document.name()));
+    fuzz::Require(book->pageCount() > 0, "a document without pages");
+    const std::string refusal = book->page(1).refusal;
+    fuzz::Require(refusal.empty(), "a page that cannot be read: " + refusal);
+  }
   const fuzz::File target("target." + fuzz::Kinds()[size % fuzz::Kinds().size()]);
   (void)toolkit.ConvertFile(source.name(), target.name(), 0, nullptr);
 

@@ -12,17 +12,6 @@ namespace {
 
 constexpr int kWidth = 6, kHeight = 4;
 constexpr std::size_t kRequestBytes = 2;  // at the end of the input
-constexpr const char* kResults[] = {"jpg", "png", "tif", "psd", "webp"};
-
-void Save(const orvo::OwnedDib& picture, const fuzz::File& file, const std::string& kind) {
-  if (kind == "webp") {
-    modules::SaveWebp({.path = file.name(), .quality = 90, .lossless = true},
-                      modules::LockedDib(picture.get()));
-  } else {
-    fuzz::Require(fuzz::Toolkit().SaveFile(picture.get(), file.name(), 0, 90) == ORVO_OK,
-                  "no file to write into");
-  }
-}
 
 // Of a file: all that is shown of it. Its resolution may be carried.
 std::vector<std::uint8_t> Shown(const fuzz::File& file) {
@@ -35,6 +24,30 @@ std::vector<std::uint8_t> Shown(const fuzz::File& file) {
   }
   return pictures::BytesOf(picture.get());
 }
+
+struct Result {
+  std::string kind;
+  std::vector<std::uint8_t> bytes{}, shown{};
+};
+
+Result Made(const char* kind) {
+  const orvo::OwnedDib picture = pictures::Noise(kWidth, kHeight, 24, 1);
+  const fuzz::File file(std::string("result.") + kind);
+  if (std::string_view(kind) == "webp") {
+    modules::SaveWebp({.path = file.name(), .quality = 90, .lossless = true},
+                      modules::LockedDib(picture.get()));
+  } else {
+    fuzz::Require(fuzz::Toolkit().SaveFile(picture.get(), file.name(), 0, 90) == ORVO_OK,
+                  "no file to write into");
+  }
+  return {kind, modules::ReadWhole(file.name()), Shown(file)};
+}
+
+const Result& ResultOf(unsigned choice) {
+  static const Result made[] = {Made("jpg"), Made("png"), Made("tif"), Made("psd"), Made("webp")};
+  return made[choice % std::size(made)];
+}
+constexpr unsigned kResults = 5;
 
 client::MetadataRequest RequestOf(unsigned choices) {
   client::MetadataRequest request;
@@ -62,21 +75,17 @@ void OrFault(const Work& work) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < kRequestBytes) return -1;
-  static const orvo::OwnedDib& picture =
-      *new orvo::OwnedDib(pictures::Noise(kWidth, kHeight, 24, 1));
   const fuzz::Accounts accounts;
   const unsigned choices = data[size - 1] * 256U + data[size - 2];
-  const std::string kind = kResults[choices % std::size(kResults)];
+  const Result& sound = ResultOf(choices);
   const fuzz::File source("source", {data, size - kRequestBytes});
-  const fuzz::File result("result." + kind);
-  Save(picture, result, kind);
-  const std::vector<std::uint8_t> before = Shown(result);
+  const fuzz::File result("result." + sound.kind, sound.bytes);
 
-  client::MetadataRequest request = RequestOf(choices / std::size(kResults));
+  client::MetadataRequest request = RequestOf(choices / kResults);
   request.source = source.path();
   request.result = result.path();
   OrFault([&] { (void)client::KeepMetadata(request); });
-  fuzz::Require(Shown(result) == before, "the result shows something else: " + kind);
+  fuzz::Require(Shown(result) == sound.shown, "the result shows something else: " + sound.kind);
   OrFault([&] { (void)client::TakeForDocument(request, client::PictureIs::kUpright); });
   OrFault([&] { (void)client::ReadColorProfile(source.path(), request.page); });
   if (size > 2 && data[0] == 0xFF && data[1] == 0xD8) {

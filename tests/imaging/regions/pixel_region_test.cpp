@@ -1,4 +1,4 @@
-// Regions as sets of pixels, and the turn that sets them upright.
+// The turn that sets regions upright; that they are sets of pixels a fuzzer looks after.
 #include "imaging/regions/pixel_region.h"
 
 #include <cmath>
@@ -10,50 +10,6 @@
 using namespace orvo;
 
 namespace {
-
-// In the order in which they are stored; where a row is cut into runs is left open.
-void AddPixels(const PixelRegion& region, plain::CheckSum& sum) {
-  for (const PixelRow& row : region.rows()) {
-    for (const PixelRun& run : row.runs) {
-      for (int x = run.left; x < run.right; ++x) sum.add(row.y, x);
-    }
-  }
-}
-
-// Two regions that have no pixel in common, as in the finder, and the second one moved.
-TEST(PixelRegion, IsASetOfPixels) {
-  plain::CheckSum sum;
-  for (unsigned seed = 0; seed < 300; ++seed) {
-    std::mt19937 random(seed);
-    const auto pick = [&](unsigned reach) {
-      return static_cast<int>(random() % (2 * reach + 1)) - static_cast<int>(reach);
-    };
-    PixelRegion a;
-    PixelRegion b;
-    for (std::size_t n = random() % 61; n > 0; --n) {
-      const int x = pick(6);
-      const int y = pick(6);
-      if ((n % 2 == 0 ? b : a).Contains(x, y)) continue;
-      ASSERT_TRUE((n % 2 == 0 ? a : b).AddPixel(x, y));
-    }
-    for (int i = 0; i < 15 * 15; ++i) sum.add(a.Contains(i % 15 - 7, i / 15 - 7));
-    const int dx = pick(3);
-    const PixelRegion moved = b.Translated(dx, pick(3));
-    PixelRegion absorbed = a;
-    absorbed.Absorb(PixelRegion(b));
-    for (const PixelRegion& region :
-         {a, a.Union(b), absorbed, moved, moved.Intersection(a), a.Union(moved)}) {
-      AddPixels(region, sum);
-      sum.add(region.IsEmpty(), region.RowExtentSum());
-      if (region.IsEmpty()) continue;
-      sum.addSides(region.BoundingRect());
-      sum.add(region.Centre().x, region.Centre().y);
-    }
-  }
-  EXPECT_EQ(sum.value(), 15731049980795866956U);
-}
-
-// --- Skew ----------------------------------------------------------------------------------------
 
 TEST(Rounding, CutsAtATenth) {
   const struct {
