@@ -297,7 +297,8 @@ Box PageBox(QPDFPageObjectHelper page) {
 }  // namespace
 
 DrawnPicture ScanPage(QPDFObjectHandle page) {
-  constexpr double kTolerance = 2;  // points: paper sizes are rounded
+  constexpr double kTolerance = 2;       // points: paper sizes are rounded
+  constexpr double kLastDecimal = 1e-6;  // of numbers in content
   QPDFPageObjectHelper holder(page);
   RequireModest(holder);
   Found found;
@@ -318,7 +319,9 @@ DrawnPicture ScanPage(QPDFObjectHandle page) {
     throw PdfFault("its picture lets the ground show through");
   }
   const Box square = BoxOfSquare(picture.place);
-  const double tolerance = kTolerance / picture.unit;
+  // In a large unit the content begins with its inverse as a factor.
+  const double longest = std::max(square.right - square.left, square.top - square.bottom);
+  const double tolerance = kTolerance / picture.unit + kLastDecimal * picture.unit * longest;
   if (found.state.clipsOddly || !Holds(Common(picture.box, found.state.clip), square, tolerance)) {
     throw PdfFault("it shows a part of its picture only");
   }
