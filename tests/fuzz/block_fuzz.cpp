@@ -10,8 +10,10 @@
 namespace {
 
 constexpr std::uint16_t kDepths[] = {1, 4, 8, 16, 24, 32};
-// Pixels per metre: of fewer, a changed resolution makes gigabytes.
+// Pixels per metre: of fewer, a changed resolution makes gigabytes. So does a turned line that is
+// longer than these pixels.
 constexpr std::int32_t kLeastResolution = 1000;
+constexpr std::int32_t kMostSide = 512;
 
 // Measures that the block can hold, so that operations get to work.
 void MakeSound(BITMAPINFOHEADER& header, std::size_t blockBytes) {
@@ -35,6 +37,11 @@ std::vector<std::uint8_t> BlockOf(fuzz::Bytes bytes, bool isSound) {
   header.biYPelsPerMeter = std::max(header.biYPelsPerMeter, kLeastResolution);
   if (isSound) MakeSound(header, block.size());
   std::memcpy(block.data(), &header, sizeof header);
+  if (orvo::DibLayoutOf(block.data(), block.size())) {
+    header.biWidth = std::min(header.biWidth, kMostSide);
+    header.biHeight = std::min(header.biHeight, kMostSide);
+    std::memcpy(block.data(), &header, sizeof header);
+  }
   return block;
 }
 

@@ -22,7 +22,8 @@ namespace fs = std::filesystem;
 
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::size_t kMostBytes = 8192;
+constexpr std::size_t kMostBytes = 1U << 16U;
+constexpr std::size_t kNoiseBytes = 512;
 
 struct Input {
   std::string kind;  // the name of its folder
@@ -101,7 +102,7 @@ int main(int count, char** arguments) {
   const std::string name = fs::path(arguments[0]).stem();
   std::vector<Input> inputs = InputsIn(count - 2, arguments + 2);
   Mutator mutator;
-  Bytes noise(kMostBytes / 16);
+  Bytes noise(kNoiseBytes);
   for (std::uint8_t& byte : noise) byte = static_cast<std::uint8_t>(mutator.number(256));
   inputs.push_back({"none", std::move(noise)});
   const auto run = [&](const std::string& kind, const Bytes& bytes) {

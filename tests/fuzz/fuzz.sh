@@ -43,7 +43,7 @@ for target in $targets; do
   # It stops at a find and goes on from there.
   while left=$((end - SECONDS)) && [ $left -gt 0 ] && [ $finds -lt 10 ]; do
     FUZZ_KIND=$name "$build/bin/${target%%/*}_fuzz" -max_total_time=$left -print_final_stats=1 -verbosity=0 -print_funcs=0 \
-      -max_len=8192 -rss_limit_mb=4096 -malloc_limit_mb=2048 -timeout=20 -dict="$build/words" \
+      -max_len=65536 -rss_limit_mb=4096 -malloc_limit_mb=2048 -timeout=20 -dict="$build/words" \
       -artifact_prefix="$build/finds/$name-" "$corpus" "$build/seeds/$target" >>"$log" 2>&1 ||
       finds=$((finds + 1))
   done

@@ -11,6 +11,7 @@
 #include "made_profile.h"
 #include "pictures/codecs.h"
 #include "recipe.h"
+#include "stress/every_operation.h"
 #include "support/pictures.h"
 
 namespace {
@@ -28,19 +29,25 @@ void Write(const fs::path& path, fuzz::Bytes bytes) {
   });
 }
 
-orvo::OwnedDib PictureOf(int depth) {
-  return depth <= 8 ? pictures::NoiseInColor(24, 18, depth, 1) : pictures::Noise(24, 18, depth, 1);
+orvo::OwnedDib PictureOf(int depth, int width, int height) {
+  return depth <= 8 ? pictures::NoiseInColor(width, height, depth, 1)
+                    : pictures::Noise(width, height, depth, 1);
 }
 
-// One for each operation.
+// Every operation on the depths that are worked on as they are, and on one of the others: as wide
+// as several vectors, and where windows are looked at, wider than those.
 void WriteBlocks(const fs::path& folder) {
   for (std::uint8_t i = 0; i < 60; ++i) {
+    const std::string_view name = stress::EveryOperation()[i].name;
+    const int side = name.starts_with("Exposure") ? 136 : 60;
     const fuzz::Recipe recipe{.operation = i, .kind = i, .numbers = {21, 31, 11, 41}};
-    Content input(sizeof recipe);
-    std::memcpy(input.data(), &recipe, sizeof recipe);
-    const Content block = pictures::BytesOf(PictureOf(kDepths[i % std::size(kDepths)]).get());
-    input.insert(input.end(), block.begin(), block.end());
-    Write(folder / std::to_string(i), input);
+    for (const int depth : {8, 24, kDepths[i % std::size(kDepths)]}) {
+      Content input(sizeof recipe);
+      std::memcpy(input.data(), &recipe, sizeof recipe);
+      const Content block = pictures::BytesOf(PictureOf(depth, side, side).get());
+      input.insert(input.end(), block.begin(), block.end());
+      Write(folder / (std::to_string(i) + "-" + std::to_string(depth)), input);
+    }
   }
 }
 
@@ -52,7 +59,7 @@ void WriteFiles(const fs::path& folder) {
     std::ranges::transform(kind, kind.begin(), [](int letter) { return std::tolower(letter); });
     for (const int depth : kDepths) {
       const fuzz::File file("a." + kind);
-      const orvo::OwnedDib picture = PictureOf(depth);
+      const orvo::OwnedDib picture = PictureOf(depth, 24, 18);
       if (fuzz::Toolkit().SaveFile(picture.get(), file.name(), 0, 80) != ORVO_OK) continue;
       const Content bytes = modules::ReadWhole(file.name());
       if (kinds.try_emplace(bytes, kind).first->second != kind) continue;
