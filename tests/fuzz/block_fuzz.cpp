@@ -54,8 +54,34 @@ std::vector<std::uint8_t> BytesOf(DibHandle handle) {
 struct Outcome {
   int code = 0;
   std::vector<std::uint8_t> image, result;
+  std::vector<int> figures;
   bool operator==(const Outcome&) const = default;
 };
+
+// All that can be measured, which calls of one shape do not tell.
+std::vector<int> FiguresOf(DibHandle image, const std::array<int, 4>& numbers) {
+  COrvoInstance& toolkit = fuzz::Toolkit();
+  RECT kept{};
+  toolkit.GetAutoTrimRect(image, static_cast<std::uint8_t>(numbers[0]), &kept);
+  std::uint32_t x = 0, y = 0, radius = 0;
+  const auto at = [&](int i) { return static_cast<std::uint32_t>(numbers.at(i)); };
+  toolkit.SearchRedEyeRegion(image, at(0), at(1), &x, &y, &radius);
+  std::vector<int> figures{kept.left,
+                           kept.top,
+                           kept.right,
+                           kept.bottom,
+                           static_cast<int>(x),
+                           static_cast<int>(y),
+                           static_cast<int>(radius)};
+  RegionRecord* list = nullptr;
+  int count = 0;
+  toolkit.FindRegions(image, &list, &count, numbers[0], numbers[1]);
+  for (int i = 0; i < count; ++i) {
+    figures.insert(figures.end(), {list[i].left, list[i].top, list[i].right, list[i].bottom});
+  }
+  if (list != nullptr) GlobalFree(list);
+  return figures;
+}
 
 // Each number of the range, and one beyond either end.
 int NumberOf(const stress::Number& number, unsigned madeUp) {
@@ -83,7 +109,9 @@ Outcome OutcomeAt(int level, const fuzz::Recipe& recipe, fuzz::Bytes bytes) {
     call.numbers.at(i) = NumberOf(operation.numbers.at(i), recipe.numbers[i]);
   }
   const int code = operation.call(call);
-  return {code, BytesOf(image.get()), BytesOf(result.get())};
+  std::vector<int> figures;
+  if (operation.form == stress::Form::kMeasure) figures = FiguresOf(image.get(), call.numbers);
+  return {code, BytesOf(image.get()), BytesOf(result.get()), std::move(figures)};
 }
 
 }  // namespace

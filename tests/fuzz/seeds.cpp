@@ -11,7 +11,8 @@
 #include "made_profile.h"
 #include "pictures/codecs.h"
 #include "recipe.h"
-#include "stress/every_operation.h"
+#include "sample_pictures/scans.h"
+#include "sample_pictures/scenes.h"
 #include "support/pictures.h"
 
 namespace {
@@ -29,24 +30,37 @@ void Write(const fs::path& path, fuzz::Bytes bytes) {
   });
 }
 
-orvo::OwnedDib PictureOf(int depth, int width, int height) {
+orvo::OwnedDib NoiseOf(int depth, int width, int height) {
   return depth <= 8 ? pictures::NoiseInColor(width, height, depth, 1)
                     : pictures::Noise(width, height, depth, 1);
 }
 
-// Every operation on the depths that are worked on as they are, and on one of the others: as wide
-// as several vectors, and where windows are looked at, wider than those.
+orvo::OwnedDib Face() {
+  constexpr int kWidth = 128, kHeight = 160;
+  samples::Canvas canvas(kWidth, kHeight);
+  canvas.draw([](double x, double y) { return samples::Portrait(x / kHeight, y / kHeight); }, 2);
+  return canvas.toDib(72, false);
+}
+
+// Every operation on noise of the depths that are worked on as they are and of one of the others,
+// as wide as several vectors, and on pictures in which there is something to find.
 void WriteBlocks(const fs::path& folder) {
+  constexpr int kSide = 136;  // more than the widest window
+  const samples::Canvas bed = samples::ScannerBed(kSide, kSide);
   for (std::uint8_t i = 0; i < 60; ++i) {
-    const std::string_view name = stress::EveryOperation()[i].name;
-    const int side = name.starts_with("Exposure") ? 136 : 60;
-    const fuzz::Recipe recipe{.operation = i, .kind = i, .numbers = {21, 31, 11, 41}};
-    for (const int depth : {8, 24, kDepths[i % std::size(kDepths)]}) {
+    const orvo::OwnedDib blocks[] = {NoiseOf(8, 60, 60),
+                                     NoiseOf(24, 60, 60),
+                                     bed.toDib(72, true),
+                                     bed.toDib(72, false),
+                                     Face(),
+                                     NoiseOf(kDepths[i % std::size(kDepths)], 60, 60)};
+    const fuzz::Recipe recipe{.operation = i, .kind = i, .numbers = {53, 91, 11, 41}};
+    for (const orvo::OwnedDib& block : blocks) {
       Content input(sizeof recipe);
       std::memcpy(input.data(), &recipe, sizeof recipe);
-      const Content block = pictures::BytesOf(PictureOf(depth, side, side).get());
-      input.insert(input.end(), block.begin(), block.end());
-      Write(folder / (std::to_string(i) + "-" + std::to_string(depth)), input);
+      const Content bytes = pictures::BytesOf(block.get());
+      input.insert(input.end(), bytes.begin(), bytes.end());
+      Write(folder / (std::to_string(i) + "-" + std::to_string(&block - blocks)), input);
     }
   }
 }
@@ -59,7 +73,7 @@ void WriteFiles(const fs::path& folder) {
     std::ranges::transform(kind, kind.begin(), [](int letter) { return std::tolower(letter); });
     for (const int depth : kDepths) {
       const fuzz::File file("a." + kind);
-      const orvo::OwnedDib picture = PictureOf(depth, 24, 18);
+      const orvo::OwnedDib picture = NoiseOf(depth, 24, 18);
       if (fuzz::Toolkit().SaveFile(picture.get(), file.name(), 0, 80) != ORVO_OK) continue;
       const Content bytes = modules::ReadWhole(file.name());
       if (kinds.try_emplace(bytes, kind).first->second != kind) continue;
