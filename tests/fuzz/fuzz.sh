@@ -26,15 +26,19 @@ fi
 words_of() {
   case $1 in
     metadata) cat "$here"/{jpg,png,tif,psd,webp}.dict ;;
-    *) cat "$here/$1.dict" 2>/dev/null || echo '"\xFF\xFF"' ;;
+    *) cat "$here/$1.dict" 2>/dev/null || printf '%s\n' '"\xFF\xFF"' ;;
   esac
 }
 
+# MiB and seconds.
+limits=(-max_len=65536 -rss_limit_mb=4096 -malloc_limit_mb=2048 -timeout=20
+  -verbosity=0 -print_funcs=0 -print_final_stats=1)
 printf '%-10s %12s %8s\n' target executions finds
 for target in $targets; do
   name=$(basename "$target")
-  corpus=$build/corpus/$target
-  mkdir -p "$corpus" "$build/seeds/$target"
+  folders=("$build/corpus/$target" "$build/seeds/$target" "$here/crashers/$target")
+  mkdir -p "${folders[@]:0:2}"
+  [ -d "${folders[2]}" ] || unset 'folders[2]'
   words_of "$name" >"$build/words"
   log=$build/fuzz-$name.log
   : >"$log"
@@ -42,9 +46,8 @@ for target in $targets; do
   end=$((SECONDS + seconds))
   # It stops at a find and goes on from there.
   while left=$((end - SECONDS)) && [ $left -gt 0 ] && [ $finds -lt 10 ]; do
-    FUZZ_KIND=$name "$build/bin/${target%%/*}_fuzz" -max_total_time=$left -print_final_stats=1 -verbosity=0 -print_funcs=0 \
-      -max_len=65536 -rss_limit_mb=4096 -malloc_limit_mb=2048 -timeout=20 -dict="$build/words" \
-      -artifact_prefix="$build/finds/$name-" "$corpus" "$build/seeds/$target" >>"$log" 2>&1 ||
+    FUZZ_KIND=$name "$build/bin/${target%%/*}_fuzz" "${limits[@]}" -max_total_time=$left \
+      -dict="$build/words" -artifact_prefix="$build/finds/$name-" "${folders[@]}" >>"$log" 2>&1 ||
       finds=$((finds + 1))
   done
   executions=$(awk '/^stat::number_of_executed_units/ { all += $2 } END { print all + 0 }' "$log")
