@@ -64,7 +64,7 @@ std::vector<int> FiguresOf(DibHandle image, const std::array<int, 4>& numbers) {
   RECT kept{};
   toolkit.GetAutoTrimRect(image, static_cast<std::uint8_t>(numbers[0]), &kept);
   std::uint32_t x = 0, y = 0, radius = 0;
-  const auto at = [&](int i) { return static_cast<std::uint32_t>(numbers.at(i)); };
+  const auto at = [&](std::size_t i) { return static_cast<std::uint32_t>(numbers.at(i)); };
   toolkit.SearchRedEyeRegion(image, at(0), at(1), &x, &y, &radius);
   std::vector<int> figures{kept.left,
                            kept.top,
