@@ -22,7 +22,7 @@ void MakeSound(BITMAPINFOHEADER& header, std::size_t blockBytes) {
   if (orvo::DibPaletteBytes(header.biBitCount) >= bytes) header.biBitCount = 24;
   const std::size_t rows = bytes - orvo::DibPaletteBytes(header.biBitCount);
   const auto widest = static_cast<std::uint32_t>(rows * 8 / header.biBitCount);
-  header.biWidth = static_cast<int>(static_cast<std::uint32_t>(header.biWidth - 1) % widest) + 1;
+  header.biWidth = static_cast<int>((static_cast<std::uint32_t>(header.biWidth) - 1) % widest) + 1;
   const std::uint64_t stride =
       orvo::DibStride(static_cast<std::uint64_t>(header.biWidth), header.biBitCount);
   header.biHeight = static_cast<int>(std::max<std::size_t>(rows / stride, 1));
