@@ -93,7 +93,10 @@ const std::vector<std::string> kPages = {
         "i0 0D 0 0 80 0 0 80 F0 10",
     "s8 " + kPage +
         "i16 s259 s3 i1 i1 s262 s3 i1 i9 s273 s4 i1 i110 s277 s3 i1 i3 s279 s4 i1 i18 "
-        "i0 s65280 s32768 s32768 s32768 s32768 s32768 s32768 s28672 s36864"};
+        "i0 s65280 s32768 s32768 s32768 s32768 s32768 s32768 s28672 s36864",
+    "s8 " + kPage +
+        "i16 s259 s3 i1 i1 s262 s3 i1 i8 s273 s4 i1 i110 s277 s3 i1 i3 s279 s4 i1 i18 "
+        "i0 s65535 s0 s0 s32768 s8192 s57344 s28672 s61440 s4096"};
 
 TEST_F(FileTest, rare_files_show_what_they_mean) {
   const struct {
@@ -105,7 +108,7 @@ TEST_F(FileTest, rare_files_show_what_they_mean) {
       {"a.psd", "'8BPS S1 z6 ", 0x58D709EA8F4174D8, kDocuments},
       {"b.psd", "'8BPS S2 z6 ", 0x7879558D1E77522C, {"S1 I1 I1 S8 S1 I0 I0 I0 S0 1"}},
       {"a.gif", "'GIF89a ", 0xD4CA46C013F3F7F7, kFrames},
-      {"a.tif", "'II s42 i8 ", 0x5C5DDA34CCBC5024, kPages},
+      {"a.tif", "'II s42 i8 ", 0xDFF8AADB9BE55D30, kPages},
       // Four planes, the lowest bit's first. What looks like a run is written as a run of one.
       {"a.pcx",
        "A 5 1 1 s0 s0 s15 s0 s300 s200 ",
