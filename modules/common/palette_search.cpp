@@ -1,6 +1,7 @@
 #include "common/palette_search.h"
 
 #include <cstdlib>
+#include <new>
 
 namespace modules {
 namespace {
@@ -22,9 +23,13 @@ struct Reach {
 }  // namespace
 
 PaletteSearch::PaletteSearch(std::span<const Color> entries)
-    : entries_(entries.begin(), entries.end()), cells_(std::size_t{1} << 3 * kCellBits) {}
+    : entryCount_(entries.size()), cells_(std::size_t{1} << 3 * kCellBits) {
+  for (std::size_t i = 0; i < entryCount_; ++i) {
+    candidates_.push_back({entries[i], static_cast<std::uint8_t>(i)});
+  }
+}
 
-void PaletteSearch::fill(Cell& cell, Color color) {
+void PaletteSearch::fill(Cell& cell, Color color) noexcept {
   constexpr int kSide = 1 << kCellShift;
   const auto reachOf = [&](Color entry) {
     Reach reach;
@@ -39,13 +44,20 @@ void PaletteSearch::fill(Cell& cell, Color color) {
   };
   // Some entry lies at most this far from every colour of the cell.
   int bound = std::numeric_limits<int>::max();
-  for (const Color& entry : entries_) bound = std::min(bound, reachOf(entry).farthest);
-  cell.first = candidates_.size();
-  for (std::size_t i = 0; i < entries_.size(); ++i) {
-    if (reachOf(entries_[i]).nearest > bound) continue;
-    candidates_.push_back({entries_[i], static_cast<std::uint8_t>(i)});
+  const auto entryAt = [this](std::size_t i) { return candidates_[i].color; };
+  for (std::size_t i = 0; i < entryCount_; ++i) {
+    bound = std::min(bound, reachOf(entryAt(i)).farthest);
   }
-  cell.count = candidates_.size() - cell.first;
+  const std::size_t first = candidates_.size();
+  try {
+    for (std::size_t i = 0; i < entryCount_; ++i) {
+      if (reachOf(entryAt(i)).nearest <= bound) candidates_.push_back(candidates_[i]);
+    }
+    cell = {first, candidates_.size() - first};
+  } catch (const std::bad_alloc&) {
+    candidates_.resize(first);
+    cell = {0, entryCount_};
+  }
 }
 
 }  // namespace modules

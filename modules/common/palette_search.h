@@ -14,15 +14,16 @@
 namespace modules {
 
 // The cube of colours is cut into cells. Each lists the few entries that can be the nearest one to
-// any of its colours, from the first time that it is asked.
+// any of its colours, from the first time that it is asked. Nothing fails while colours are looked
+// for: a cell whose list there is no memory for searches all entries.
 class PaletteSearch {
  public:
   // 1 to 256 entries.
   explicit PaletteSearch(std::span<const Color> entries);
 
-  [[nodiscard]] Color color(std::uint8_t index) const { return entries_[index]; }
+  [[nodiscard]] Color color(std::uint8_t index) const { return candidates_[index].color; }
   // The first entry of the least squared distance.
-  std::uint8_t nearest(Color color) {
+  std::uint8_t nearest(Color color) noexcept {
     Cell& cell = cells_[CellOf(color)];
     if (cell.count == 0) fill(cell, color);
     const std::span<const Candidate> candidates(candidates_.data() + cell.first, cell.count);
@@ -60,11 +61,11 @@ class PaletteSearch {
     };
     return (part(color.red) << kCellBits | part(color.green)) << kCellBits | part(color.blue);
   }
-  void fill(Cell& cell, Color color);
+  void fill(Cell& cell, Color color) noexcept;
 
-  std::vector<Color> entries_;
+  std::size_t entryCount_;
   std::vector<Cell> cells_;
-  std::vector<Candidate> candidates_;  // of all cells, in the order of the entries
+  std::vector<Candidate> candidates_;  // all entries, then those of each cell in the same order
 };
 
 }  // namespace modules
