@@ -4,15 +4,13 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <new>
 #include <string_view>
 
 #include <orvo/CLeadTools.h>
 
 #include "binding/file_types.h"
 #include "binding/module_entries.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 using namespace orvo;
 
@@ -85,15 +83,6 @@ bool AddPages(const Modules& pdf, PdfDocument* document, const char* type, const
   return number > 1;
 }
 
-bool IsThere(const char* path) {
-  try {
-    std::error_code ignored;
-    return std::filesystem::exists(platform::NativePath(path), ignored);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-}
-
 }  // namespace
 
 int CLeadTools::ConvertToPDF(const char* source, const char* target) noexcept {
@@ -113,11 +102,11 @@ int CLeadTools::ConvertToPDF(const char* source, const char* target) noexcept {
   }
   // Closing gives no answer. A module that keeps the target's place from its opening and then
   // cannot write the document takes the place away again.
-  const bool hadPlace = IsThere(target);
+  const bool hadPlace = PlatformIsThere(target) != 0;
   SetInfo(pdf, document, target);
   const bool anyPage = AddPages(pdf, document, type, source);
   pdf.call<Entry::PDF_close>()(document);
   pdf.call<Entry::PDF_delete>()(document);
   if (!anyPage) return kPdfNoPicture;
-  return hadPlace && !IsThere(target) ? kPdfNotWritten : kPdfDone;
+  return hadPlace && PlatformIsThere(target) == 0 ? kPdfNotWritten : kPdfDone;
 }

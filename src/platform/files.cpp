@@ -1,9 +1,11 @@
 // Files and paths.
+#include "platform/files.h"
+
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
-#include <new>
 
 #include "platform/paths.h"
 
@@ -17,6 +19,23 @@ void CopyPart(char* target, std::size_t size, const char* begin, const char* end
   target[length] = '\0';
 }
 
+// The path as the system takes it, without memory from anywhere: what has to be cleared away when
+// there is none left is cleared away. False for null and for what is too long for the system.
+class NativeCopy {
+ public:
+  explicit NativeCopy(const char* path) {
+    const std::size_t length = path == nullptr ? sizeof text_ : std::strlen(path);
+    fits_ = length < sizeof text_;
+    if (fits_) *std::transform(path, path + length, text_, platform::NativeSeparator) = '\0';
+  }
+  explicit operator bool() const { return fits_; }
+  [[nodiscard]] const char* text() const { return text_; }
+
+ private:
+  char text_[PATH_MAX];
+  bool fits_;
+};
+
 bool IsLetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
@@ -24,13 +43,14 @@ bool IsLetter(char character) {
 }  // namespace
 
 int DeleteFileA(const char* path) {
-  if (path == nullptr) return 0;
-  try {
-    // unlink refuses directories, unlike remove.
-    return unlink(platform::NativePath(path).c_str()) == 0 ? 1 : 0;
-  } catch (const std::bad_alloc&) {
-    return 0;
-  }
+  // unlink refuses directories, unlike remove.
+  const NativeCopy native(path);
+  return native && unlink(native.text()) == 0 ? 1 : 0;
+}
+
+int PlatformIsThere(const char* path) noexcept {
+  const NativeCopy native(path);
+  return native && access(native.text(), F_OK) == 0 ? 1 : 0;
 }
 
 void _splitpath(const char* path, char* drive, char* dir, char* name, char* ext) {

@@ -2,6 +2,7 @@
 #ifndef ORVO_PLATFORM_PATHS_H
 #define ORVO_PLATFORM_PATHS_H
 
+#include <algorithm>
 #include <string>
 
 #include <orvo/platform.h>
@@ -9,13 +10,16 @@
 namespace platform {
 
 // The path with the system's own separators: on systems that know only /, each \ becomes one.
+inline char NativeSeparator(char character) {
+#if defined(_WIN32)
+  return character;
+#else
+  return character == '\\' ? '/' : character;
+#endif
+}
 inline std::string NativePath(const char* path) {
   std::string native(path);
-#if !defined(_WIN32)
-  for (char& character : native) {
-    if (character == '\\') character = '/';
-  }
-#endif
+  std::transform(native.begin(), native.end(), native.begin(), NativeSeparator);
   return native;
 }
 
