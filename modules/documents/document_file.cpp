@@ -68,6 +68,8 @@ void DocumentFile::addPage(const OpenPage& page) {
 }
 
 void DocumentFile::write(const std::filesystem::path& path, Report report) {
+  // What libqpdf cannot take in, for want of memory too, it passes over with a warning.
+  if (pdf_.anyWarnings()) throw std::runtime_error("the document lacks a part");
   FileHandle file = OpenFile(path.c_str(), "wb");
   if (!file) throw std::runtime_error("the target cannot be written");
   QPDFWriter writer(pdf_);
