@@ -2,7 +2,6 @@
 
 #include <tuple>
 #include <type_traits>
-#include <vector>
 
 namespace stress {
 namespace {
@@ -83,13 +82,15 @@ int FindRegions(const Call& c) {
   RegionRecord* list = nullptr;
   int count = 0;
   const int code = c.toolkit.FindRegions(*c.image, &list, &count, c.numbers[0], c.numbers[1]);
+  const bool agree = (list != nullptr) == (count > 0);
   if (list != nullptr) GlobalFree(list);
-  return code;
+  return agree ? code : -1;
 }
 int GetFileExtensions(const Call& c) {
+  std::array<char, 512> names{};
   std::uint32_t bytes = 0;
   c.toolkit.GetFileExtensions(nullptr, nullptr, &bytes);
-  std::vector<char> names(bytes);
+  if (bytes > names.size()) return ORVO_ERR_BUFFER_TOO_SMALL;
   return c.toolkit.GetFileExtensions(nullptr, names.data(), &bytes);
 }
 int ImageFileInfo(const Call& c) {

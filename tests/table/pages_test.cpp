@@ -107,26 +107,6 @@ TEST_F(Pages, NothingFoundLeavesTheListAlone) {
   EXPECT_EQ(toolkit->FindRegions(empty.get(), &list, nullptr, 25, 250), ORVO_ERR_BAD_ARGUMENT);
 }
 
-TEST_F(Pages, WithoutMemoryNothingIsFound) {
-  const OwnedDib page = Page(300, 300, {{50, 10, 100, 60}, {200, 190, 250, 290}});
-  for (void (*const fail)(int) noexcept :
-       {PlatformFailAllocation, PlatformFailLock, rig::FailNew}) {
-    int n = 0;
-    for (int count = 0; count == 0 && ++n < 2000;) {
-      RegionRecord* list = nullptr;
-      fail(n);
-      const int code = toolkit->FindRegions(page.get(), &list, &count, 25, 250);
-      fail(0);
-      EXPECT_EQ(code, ORVO_OK);
-      EXPECT_EQ(list != nullptr, count == 2);
-      EXPECT_EQ(PlatformHeldLocks(), 0U);
-      GlobalFree(list);
-    }
-    EXPECT_GT(n, 1);
-    EXPECT_LT(n, 2000) << "never came through";
-  }
-}
-
 // --- Deskew --------------------------------------------------------------------------------------
 
 // Nothing stops a deskew, and failures show in the result handle alone.

@@ -16,7 +16,7 @@
 #include <orvo/orvo.h>
 
 #include "platform/fault_injection.h"
-#include "support/pictures.h"
+#include "support/face.h"
 #include "watched_modules.h"
 
 namespace table {
@@ -120,40 +120,11 @@ class ToolkitTest : public testing::Test {
   std::size_t blocks_ = PlatformLiveBlocks();
 };
 
-// A face with red eyes before noise, 300 by 200 dots per inch; rows of every depth are padded.
-constexpr int kWidth = 131;
-constexpr int kHeight = 129;
-constexpr std::uint32_t kEyeX = 42, kEyeY = 85, kEyeRadius = 4;
-
-inline OwnedDib Ground() {
-  OwnedDib ground = pictures::Noise(kWidth, kHeight, 24, 1);
-  Locked(ground.get()).header()->biYPelsPerMeter = orvo::PixelsPerMetre(200);
-  return ground;
-}
-
-inline OwnedDib Drawn() {
-  OwnedDib face = Ground();
-  const Locked image(face.get());
-  const auto ellipse = [&](int cx, int cy, double rx, double ry, std::uint32_t color, int shades) {
-    for (int i = 0; i < kWidth * kHeight; ++i) {
-      const double u = (i % kWidth - cx) / rx;
-      const double v = (i / kWidth - cy) / ry;
-      std::uint8_t* const pixel = image.row(i / kWidth) + i % kWidth * 3;
-      for (int c = 0; u * u + v * v <= 1 && c < 3; ++c) {
-        pixel[c] = static_cast<std::uint8_t>((color >> 8 * c & 255U) + i * 7 % shades);
-      }
-    }
-  };
-  ellipse(60, 70, 45, 50, 0xD8A688, 9);
-  for (const int x : {42, 79}) {
-    ellipse(x, kEyeY, 14, 7.2, 0xEBEBEB, 1);
-    ellipse(x, kEyeY, kEyeRadius, kEyeRadius, 0xC81E1E, 1);
-  }
-  return face;
-}
+using pictures::DrawnFace, pictures::Ground;
+using pictures::kEyeX, pictures::kEyeY, pictures::kEyeRadius, pictures::kHeight, pictures::kWidth;
 
 inline OwnedDib Face() {
-  static const std::vector<std::uint8_t> bytes = pictures::BytesOf(Drawn().get());
+  static const std::vector<std::uint8_t> bytes = pictures::BytesOf(DrawnFace().get());
   OwnedDib face(GlobalAlloc(orvo::kDibBlockFlags, bytes.size()));
   std::memcpy(Locked(face.get()).bytes(), bytes.data(), bytes.size());
   return face;
