@@ -3,6 +3,7 @@
 // A movable block's handle is a serial number in the shape of a pointer: it is never reused, so a
 // handle that was freed stays dead for the life of the process, and it is odd, so it is never the
 // address of a fixed block. All handles are looked up, none is followed.
+#include <cstddef>
 #include <mutex>
 #include <new>
 #include <unordered_map>
@@ -50,7 +51,8 @@ struct Registry {
 
 // Never destroyed: blocks may be freed by other modules' last words at the end of the process.
 Registry& TheRegistry() {
-  static auto* const registry = new Registry;
+  alignas(Registry) static std::byte place[sizeof(Registry)];
+  static auto* const registry = new (place) Registry;
   return *registry;
 }
 
