@@ -1,6 +1,7 @@
 #include "file_system.h"
 
 #if !defined(_WIN32)
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -10,8 +11,8 @@
 #include <cctype>
 #include <cerrno>
 #include <csignal>
+#include <memory>
 #include <string_view>
-#include <vector>
 
 #if defined(__linux__)
 #include <sys/xattr.h>
@@ -21,6 +22,8 @@ namespace client {
 namespace {
 
 namespace fs = std::filesystem;
+
+using OpenFolder = std::unique_ptr<DIR, int (*)(DIR*)>;
 
 void TakeMarks(const fs::path& from, const fs::path& to) {
 #if defined(__linux__)
@@ -65,6 +68,26 @@ bool IsRunning(int process) {
 
 bool MakePrivateFolder(const fs::path& path) {
   return mkdir(path.c_str(), S_IRWXU) == 0;
+}
+
+std::vector<std::string> NamesIn(const fs::path& folder) {
+  std::vector<std::string> names;
+  const OpenFolder open(opendir(folder.c_str()), closedir);
+  for (const dirent* entry = nullptr; open && (entry = readdir(open.get())) != nullptr;) {
+    names.emplace_back(entry->d_name);
+  }
+  return names;
+}
+
+void RemoveFolder(const fs::path& path) noexcept {
+  if (rmdir(path.c_str()) == 0) return;
+  {
+    const OpenFolder open(opendir(path.c_str()), closedir);
+    for (const dirent* entry = nullptr; open && (entry = readdir(open.get())) != nullptr;) {
+      (void)unlinkat(dirfd(open.get()), entry->d_name, 0);
+    }
+  }
+  (void)rmdir(path.c_str());
 }
 
 bool IsOwn(const fs::path& path) {
@@ -126,6 +149,20 @@ bool IsRunning(int /*process*/) {
 bool MakePrivateFolder(const std::filesystem::path& path) {
   std::error_code fault;
   return std::filesystem::create_directory(path, fault);
+}
+
+std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
+  std::error_code fault;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, fault)) {
+    names.push_back(entry.path().filename().string());
+  }
+  return names;
+}
+
+void RemoveFolder(const std::filesystem::path& path) noexcept {
+  std::error_code fault;
+  std::filesystem::remove_all(path, fault);
 }
 
 bool IsOwn(const std::filesystem::path& /*path*/) {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace client {
 
@@ -16,6 +17,10 @@ bool IsRunning(int process);
 
 // Makes a folder that only its owner may enter; false when that fails or it exists.
 bool MakePrivateFolder(const std::filesystem::path& path);
+// Empty when it cannot be read. The standard library's own walks end the process without memory.
+std::vector<std::string> NamesIn(const std::filesystem::path& folder);
+// Removes a folder and the files in it, as far as that goes.
+void RemoveFolder(const std::filesystem::path& path) noexcept;
 // Whether the file belongs to the user of this process.
 bool IsOwn(const std::filesystem::path& path);
 

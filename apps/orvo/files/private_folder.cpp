@@ -27,18 +27,22 @@ int ProcessOf(std::string_view name, std::string_view prefix) {
   return fault == std::errc{} && stop != name.data() + name.size() && *stop == '-' ? process : 0;
 }
 
+// By strings: the standard library's own way to join paths may crash without memory.
+fs::path Joined(const fs::path& folder, const std::string& name) {
+  return folder.empty() ? name : folder.string() + "/" + name;
+}
+
 void RemoveLeftIn(const fs::path& parent) {
   const std::string prefix = PrefixHere();
-  std::error_code fault;
-  for (fs::directory_iterator entry(parent, fault), end; !fault && entry != end;
-       entry.increment(fault)) {
-    const int process = ProcessOf(entry->path().filename().string(), prefix);
-    if (process <= 0 || !fs::is_directory(entry->symlink_status(fault))) continue;
-    if (IsRunning(process) || !IsOwn(entry->path())) continue;
-    const int lock = LockFolder(entry->path());
+  for (const std::string& name : NamesIn(parent)) {
+    const int process = ProcessOf(name, prefix);
+    if (process <= 0 || IsRunning(process)) continue;
+    const fs::path path = Joined(parent, name);
+    std::error_code fault;
+    if (!fs::is_directory(fs::symlink_status(path, fault)) || !IsOwn(path)) continue;
+    const int lock = LockFolder(path);
     if (lock < 0) continue;
-    std::error_code ignored;
-    fs::remove_all(entry->path(), ignored);
+    RemoveFolder(path);
     Unlock(lock);
   }
 }
@@ -47,8 +51,7 @@ void RemoveLeftIn(const fs::path& parent) {
 
 PrivateFolder::~PrivateFolder() {
   if (path_.empty()) return;
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
+  RemoveFolder(path_);
   Unlock(lock_);
 }
 
@@ -61,8 +64,8 @@ bool PrivateFolder::makeIn(const fs::path& parent) {
   constexpr unsigned kNumbers = 1000;
   std::random_device random;
   for (int i = 0; i < kAttempts; ++i) {
-    fs::path folder = parent / (PrefixHere() + std::to_string(ThisProcess()) + "-" +
-                                std::to_string(random() % kNumbers));
+    fs::path folder = Joined(parent, PrefixHere() + std::to_string(ThisProcess()) + "-" +
+                                         std::to_string(random() % kNumbers));
     if (!MakePrivateFolder(folder)) continue;
     path_ = std::move(folder);
     lock_ = LockFolder(path_);

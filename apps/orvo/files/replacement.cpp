@@ -41,9 +41,11 @@ Replacement::Replacement(const std::string& target) : target_(Followed(target)) 
 
 std::string Replacement::path() const {
   constexpr std::size_t kMostCharacters = 259;  // that the toolkit takes
-  std::string path = (folder_.path() / target_.filename()).string();
+  // By strings: the standard library's own way to join paths may crash without memory.
+  const std::string folder = folder_.path().string() + "/";
+  std::string path = folder + target_.filename().string();
   if (path.size() <= kMostCharacters) return path;
-  return (folder_.path() / "x").string() + target_.extension().string();
+  return folder + "x" + target_.extension().string();
 }
 
 bool Replacement::commit() {
