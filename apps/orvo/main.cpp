@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <variant>
 
 #include <orvo/raii.h>
@@ -37,6 +38,9 @@ int Work(int argc, char** argv) {
     const client::ExitStatus status = client::Run(*toolkit.get(), std::get<client::Request>(asked));
     constexpr int kEndedBySignal = 128;  // as shells tell it
     return client::Interrupted() ? kEndedBySignal + client::InterruptingSignal() : status;
+  } catch (const std::bad_alloc&) {
+    client::Tell("out of memory");
+    return client::kSomeFailed;
   } catch (const std::exception& fault) {
     client::Tell(fault.what());
     return client::kSomeFailed;

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <set>
+#include <span>
 
 #include "carried.h"
 #include "file_access.h"
@@ -12,11 +12,15 @@ constexpr std::string_view kExif = "eXIf";
 constexpr std::string_view kProfile = "iCCP";
 constexpr std::string_view kJpegExifMark{"Exif\0\0", 6};
 
-using Types = std::set<std::string_view>;
-const Types kColors{"gAMA", "cHRM", "sRGB", "cICP", kProfile};
-const Types kSingle{"gAMA", "cHRM", "sRGB", "cICP", "pHYs", "tIME", "oFFs", "sCAL", "pCAL", "sTER"};
+constexpr std::string_view kColors[] = {"gAMA", "cHRM", "sRGB", "cICP", kProfile};
+constexpr std::string_view kSingle[] = {"gAMA", "cHRM", "sRGB", "cICP", "pHYs",
+                                        "tIME", "oFFs", "sCAL", "pCAL", "sTER"};
 // These tell of pixels and palette as they were.
-const Types kOfPixels{"tRNS", "bKGD", "hIST", "sBIT", "sPLT"};
+constexpr std::string_view kOfPixels[] = {"tRNS", "bKGD", "hIST", "sBIT", "sPLT"};
+
+bool IsAmong(std::span<const std::string_view> types, std::string_view type) {
+  return std::ranges::find(types, type) != types.end();
+}
 
 // True when the text was a block of bytes that other chunks or files hold in a better way.
 bool TakeRawProfile(const PngText& text, Carried& carried) {
@@ -50,7 +54,7 @@ void Take(const PngChunk& chunk, std::size_t& room, Carried& carried) {
   constexpr char kLowerCase = 0x20;
   const bool isNeeded = (chunk.type[0] & kLowerCase) == 0;
   const bool outlivesChanges = (chunk.type[3] & kLowerCase) != 0;
-  if (isNeeded || kOfPixels.contains(chunk.type)) return;
+  if (isNeeded || IsAmong(kOfPixels, chunk.type)) return;
   if (chunk.type == kProfile) {
     carried.profile = ReadPngProfile(chunk, room);
     if (carried.profile.empty()) carried.chunks.push_back(chunk);  // a damaged one stays as it was
@@ -63,7 +67,7 @@ void Take(const PngChunk& chunk, std::size_t& room, Carried& carried) {
       carried.texts.push_back(*text);
       carried.chunks.push_back(chunk);
     }
-  } else if (outlivesChanges || kSingle.contains(chunk.type)) {
+  } else if (outlivesChanges || IsAmong(kSingle, chunk.type)) {
     carried.chunks.push_back(chunk);
   } else {
     carried.lose("the PNG chunk " + chunk.type, "it belongs to the pixels as they were");
@@ -98,7 +102,7 @@ PngChunk CommentChunk(const std::string& comment) {
 std::vector<PngChunk> ChunksOf(const Carried& carried) {
   std::vector<PngChunk> chunks;
   for (const PngChunk& chunk : carried.chunks) {
-    if (!kColors.contains(chunk.type)) chunks.push_back(chunk);
+    if (!IsAmong(kColors, chunk.type)) chunks.push_back(chunk);
   }
   if (!carried.exif.empty()) chunks.push_back({std::string(kExif), carried.exif});
   if (!carried.xmp.empty()) {
@@ -134,14 +138,14 @@ void WritePngMetadata(const std::string& path, Carried& carried) {
 
   result.list.resize(result.beforePixels);
   std::erase_if(result.list, [&](const PngChunk& own) {
-    return kSingle.contains(own.type) &&
+    return IsAmong(kSingle, own.type) &&
            std::any_of(carried.chunks.begin(), carried.chunks.end(),
                        [&](const PngChunk& chunk) { return chunk.type == own.type; });
   });
   // What is told about colours stands before the palette.
   std::vector<PngChunk> chunks{result.list.front()};
   for (const PngChunk& chunk : carried.chunks) {
-    if (kColors.contains(chunk.type)) chunks.push_back(chunk);
+    if (IsAmong(kColors, chunk.type)) chunks.push_back(chunk);
   }
   if (!carried.profile.empty()) chunks.push_back(WritePngProfile(carried.profile));
   const std::vector<PngChunk> others = ChunksOf(carried);
