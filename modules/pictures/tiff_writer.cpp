@@ -1,5 +1,7 @@
 #include "pictures/tiff_writer.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <array>
 #include <vector>
@@ -191,6 +193,11 @@ const char* ModeOf(TiffWriter::Form form) {
 TiffWriter::TiffWriter(const char* path, Form form)
     : tiff_(OpenTiffFile(path, ModeOf(form), faults_)) {
   Require(tiff_, kModuleFileNotOpened);
+}
+
+// The library would write what is left of a page, and crashes when memory ran out for its coding.
+TiffWriter::~TiffWriter() {
+  if (tiff_) (void)TIFFSetMode(tiff_.get(), O_RDONLY);
 }
 
 bool Takes(std::uint16_t compression, const Pixels& image) {

@@ -33,6 +33,10 @@ class TiffWriter {
 
   // Makes the file, or opens it at its end.
   TiffWriter(const char* path, Form form);
+  // Gives up a file that was not finished.
+  ~TiffWriter();
+  TiffWriter(const TiffWriter&) = delete;
+  TiffWriter& operator=(const TiffWriter&) = delete;
 
   // Refuses what the compression does not take. Failures throw, as a rule a ModuleError.
   void add(const LockedDib& image, const TiffCoding& coding, Report report,
