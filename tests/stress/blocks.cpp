@@ -4,6 +4,7 @@
 // lives.
 //
 //   blocks [STEP]   each STEP-th of the blocks
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdio>
@@ -31,7 +32,7 @@ void Check(bool holds, const Operation& operation, const char* what) {
 
 orvo::OwnedDib BlockOf(const Bytes& bytes) {
   orvo::OwnedDib block(GlobalAlloc(orvo::kDibBlockFlags, bytes.size()));
-  std::memcpy(pictures::Locked(block.get()).bytes(), bytes.data(), bytes.size());
+  std::ranges::copy(bytes, pictures::Locked(block.get()).bytes());
   return block;
 }
 
