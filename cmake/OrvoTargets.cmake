@@ -45,9 +45,7 @@ else()
 endif()
 if(ORVO_SANITIZE)
   target_compile_options(orvo_build_flags INTERFACE
-    -fsanitize=${ORVO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    # The type of an instance stays inside the library, which exports no more than its entry points.
-    -fno-sanitize=vptr)
+    -fsanitize=${ORVO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(orvo_build_flags INTERFACE -fsanitize=${ORVO_SANITIZE})
 elseif(NOT MSVC)
   target_link_libraries(orvo_build_flags INTERFACE orvo_hardening)

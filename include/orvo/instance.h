@@ -64,7 +64,7 @@ ORVO_API COrvoInstance* CreateORVOInstance() noexcept;
 ORVO_API void DestroyORVOInstance(COrvoInstance* instance) noexcept;
 }
 
-class COrvoInstance {
+class ORVO_API COrvoInstance {
  public:
   // 0. Ends the instance; with bit 0 of flag set its memory is released too. DestroyORVOInstance is
   // the usual way.
