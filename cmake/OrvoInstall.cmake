@@ -20,7 +20,8 @@ endif()
 install(DIRECTORY include/orvo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md docs/commands.md docs/formats.md
-  docs/dependencies.md docs/architecture.md docs/before_after.png DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  docs/dependencies.md docs/architecture.md docs/reliability.md docs/sandbox.md docs/before_after.png
+  DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 install(EXPORT orvo-targets NAMESPACE orvo:: FILE orvo-targets.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orvo)

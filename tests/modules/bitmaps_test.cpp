@@ -2,7 +2,9 @@
 // are watched, stopped, out of memory or given nothing: the image then stays as it was.
 #include <limits>
 
+#include "common/color_rows.h"
 #include "modules/fixture.h"
+#include "platform/vector_level.h"
 
 namespace {
 
@@ -49,6 +51,56 @@ TEST_F(ModuleTest, images_enter_and_leave_bitmaps_as_they_are) {
     image.header()->biYPelsPerMeter = 5906;
     EXPECT_EQ(Difference(source.get(), copy.get()), "");
     EXPECT_EQ(Difference(source.get(), own.get()), "");
+  }
+}
+
+// The source's block serves until the bitmap changes, and is never given away, changed or freed.
+TEST_F(ModuleTest, a_lent_image_stays_its_owners) {
+  const OwnedDib source = Picture({24, false}, 20, 9);
+  const OwnedDib before = CopyOf(source.get());
+  const rig::Locked image(source.get());
+  const std::size_t blocks = PlatformLiveBlocks();
+  for (const bool changes : {false, true}) {
+    struct_LEAD_Bitmap bitmap{};
+    ASSERT_EQ(L_ConvertFromDIB(&bitmap, image.header(), image.row(0)), kModuleSuccess);
+    EXPECT_EQ(PlatformLiveBlocks(), blocks) << "no copy yet";
+    if (changes) {
+      EXPECT_EQ(L_InvertBitmap(&bitmap), kModuleSuccess);
+    }
+    const OwnedDib given(L_ChangeToDIB(&bitmap));
+    EXPECT_NE(given.get(), source.get());
+    EXPECT_EQ(Difference(given.get(), source.get()).empty(), !changes);
+    ASSERT_EQ(L_ConvertFromDIB(&bitmap, image.header(), image.row(0)), kModuleSuccess);
+    EXPECT_EQ(L_FreeBitmap(&bitmap), kModuleSuccess);
+    EXPECT_EQ(Difference(before.get(), source.get()), "");
+  }
+  EXPECT_EQ(PlatformLiveBlocks(), blocks);
+}
+
+TEST_F(ModuleTest, rows_of_colors_become_the_same_at_every_vector_level) {
+  const int highest = PlatformVectorLevel;
+  for (const int width : {1, 2, 15, 16, 17, 63, 200, 4099}) {
+    const OwnedDib source = pictures::Noise(width, 1, 24, 7);
+    const rig::Locked image(source.get());
+    const auto* const colors = reinterpret_cast<const modules::Color*>(image.row(0));
+    for (PlatformVectorLevel = 1; PlatformVectorLevel <= highest; ++PlatformVectorLevel) {
+      const auto count = static_cast<std::size_t>(width);
+      std::vector<std::uint8_t> tones(count);
+      modules::WriteTones(colors, count, tones.data());
+      std::vector<modules::Color> narrow(count), wide(count);
+      for (const int depth : {16, 32}) {
+        const OwnedDib other = pictures::Blank(width, 1, depth);
+        const modules::LockedDib there(other.get());
+        modules::WriteColors(*there, 0, colors);
+        modules::ReadColors(*there, 0, depth == 16 ? narrow.data() : wide.data());
+      }
+      for (std::size_t x = 0; x < count; ++x) {
+        ASSERT_EQ(tones[x], modules::LumaOf(colors[x])) << x;
+        ASSERT_EQ(narrow[x], modules::ColorOf555(modules::With555(0, colors[x]))) << x;
+        ASSERT_EQ(wide[x], colors[x]) << x;
+      }
+    }
+    PlatformVectorLevel = highest;
   }
 }
 
