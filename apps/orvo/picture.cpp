@@ -5,6 +5,7 @@
 #include <tuple>
 
 namespace client {
+
 std::string_view ColorsOf(int bits, std::span<const RGBQUAD> palette) {
   if (bits > 8) return "true color";
   const bool gray = std::ranges::all_of(palette, [](const RGBQUAD& color) {
